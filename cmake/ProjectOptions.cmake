@@ -1,0 +1,26 @@
+# One interface target carries what every target is built with: language, warnings, sanitizers, coverage.
+
+option(RECORDING_SANITIZE "Build with AddressSanitizer and UndefinedBehaviorSanitizer" OFF)
+option(RECORDING_COVERAGE "Count which lines the tests run" OFF)
+
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+add_library(recording-options INTERFACE)
+target_compile_features(recording-options INTERFACE cxx_std_20)
+target_compile_options(recording-options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+target_compile_definitions(recording-options INTERFACE QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+
+if(RECORDING_SANITIZE)
+    target_compile_options(recording-options INTERFACE
+        -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+    target_link_options(recording-options INTERFACE -fsanitize=address,undefined)
+endif()
+
+if(RECORDING_COVERAGE)
+    target_compile_options(recording-options INTERFACE --coverage)
+    target_link_options(recording-options INTERFACE --coverage)
+endif()
