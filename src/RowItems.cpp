@@ -1,0 +1,194 @@
+#include "RowItems.h"
+
+#include "ItemRoles.h"
+#include "ServerVocabulary.h"
+
+#include <QStandardItemModel>
+#include <QUuid>
+
+#include <exception>
+#include <new>
+
+namespace {
+
+struct RoleValue
+{
+    int role;
+    QVariant value;
+};
+
+RowItem makeItem(std::initializer_list<RoleValue> values)
+{
+    RowItem item(new (std::nothrow) QStandardItem);
+    if (!item)
+        return nullptr;
+    for (const RoleValue &entry : values)
+        item->setData(entry.value, entry.role);
+    return item;
+}
+
+// Items, values and lists allocate inside Qt, which throws: out of memory means no row, never an exception.
+template<typename Make>
+auto orNull(Make make) noexcept -> decltype(make())
+{
+    try {
+        return make();
+    } catch (const std::exception &) {
+        return nullptr;
+    }
+}
+
+} // namespace
+
+RowItem VolumeItem(const QString &path, const QString &name, qlonglong size, qlonglong availableSize, bool isSystem,
+                   bool isNas)
+{
+    return orNull([&] {
+        return makeItem({
+            {VolumeRole::Id, QUuid::createUuid().toString()},
+            {VolumeRole::RootPath, path},
+            {VolumeRole::Name, name},
+            {VolumeRole::Size, size},
+            {VolumeRole::AvailableSize, availableSize},
+            {VolumeRole::IsSystem, isSystem},
+            {VolumeRole::IsNas, isNas},
+        });
+    });
+}
+
+RowItem RecordingGroupItem(const QString &id, const QString &name, const QStringList &pathList,
+                           const QStringList &nodeIdList, const QStringList &nasPathList, int recordedDays,
+                           int remainDays, qint64 oneDayUsage, int reserveTime)
+{
+    return orNull([&] {
+        return makeItem({
+            {RecordingGroupRole::Id, id},
+            {RecordingGroupRole::Name, name},
+            {RecordingGroupRole::PathList, pathList},
+            {RecordingGroupRole::NodeIdList, nodeIdList},
+            {RecordingGroupRole::NasPathList, nasPathList},
+            {RecordingGroupRole::RecordedDays, recordedDays},
+            {RecordingGroupRole::RemainDays, remainDays},
+            {RecordingGroupRole::OneDayUsage, oneDayUsage},
+            {RecordingGroupRole::ReserveTime, reserveTime},
+        });
+    });
+}
+
+RowItem NasServerItem(const QString &id, const QString &host, const QString &logonDomain, const QString &userName,
+                      const QString &password)
+{
+    return orNull([&] {
+        return makeItem({
+            {NasServerRole::Id, id},
+            {NasServerRole::Host, host},
+            {NasServerRole::LogonDomain, logonDomain},
+            {NasServerRole::UserName, userName},
+            {NasServerRole::Password, password},
+        });
+    });
+}
+
+RowItem DirectoryItem(const QString &folder)
+{
+    return orNull([&] {
+        return makeItem({
+            {DirectoryRole::Id, folder},
+            {DirectoryRole::Name, folder},
+        });
+    });
+}
+
+RowItem TreeGroupItem(const QVariant &name, const QVariant &relayPath, const QVariant &id)
+{
+    return orNull([&] {
+        return makeItem({
+            {TreeRole::Id, QUuid::createUuid()},
+            {TreeRole::Name, name},
+            {TreeRole::RelayPath, relayPath},
+            {TreeRole::Type, NodeType::RecordingGroup},
+            {TreeRole::RecordingGroupId, id},
+        });
+    });
+}
+
+RowItem TreeStationItem(const QString &name, const QString &ip, const QString &relayPath, const QString &type)
+{
+    return orNull([&] {
+        return makeItem({
+            {TreeRole::Name, name},
+            {TreeRole::StationIp, ip},
+            {TreeRole::RelayPath, relayPath},
+            {TreeRole::Type, type},
+            {TreeRole::Id, QUuid::createUuid().toString()},
+        });
+    });
+}
+
+RowBatch::RowBatch(QStandardItemModel *model)
+    : m_model(model)
+{
+}
+
+RowBatch::RowBatch(QStandardItem *parent)
+    : m_item(parent)
+{
+}
+
+RowBatch::~RowBatch() = default;
+RowBatch::RowBatch(RowBatch &&) noexcept = default;
+RowBatch &RowBatch::operator=(RowBatch &&) noexcept = default;
+
+QStandardItem *RowBatch::parent() const
+{
+    return m_model ? m_model->invisibleRootItem() : m_item; // a cleared model has a new root
+}
+
+bool RowBatch::add(RowItem row) noexcept
+{
+    if (!row || !parent())
+        return false;
+    try {
+        m_rows.push_back(std::move(row));
+        return true;
+    } catch (const std::bad_alloc &) {
+        return false;
+    }
+}
+
+bool RowBatch::append() noexcept
+{
+    if (m_rows.empty())
+        return true;
+    try {
+        QList<QStandardItem *> items;
+        items.reserve(static_cast<qsizetype>(m_rows.size()));
+        // A column inserted from within the insertion of rows would reach the views nested in it.
+        if (parent()->columnCount() == 0)
+            parent()->setColumnCount(1);
+        for (RowItem &row : m_rows)
+            items.append(row.release());
+        m_rows.clear();
+        parent()->appendRows(items);
+        return true;
+    } catch (const std::bad_alloc &) {
+        m_rows.clear();
+        return false;
+    }
+}
+
+void clearRows(QStandardItemModel *model)
+{
+    if (model)
+        model->clear();
+}
+
+QStandardItemModel *newListModel(const QHash<int, QByteArray> &roleNames, QObject *parent) noexcept
+{
+    return orNull([&]() -> QStandardItemModel * {
+        std::unique_ptr<QStandardItemModel> model(new (std::nothrow) QStandardItemModel(parent));
+        if (model)
+            model->setItemRoleNames(roleNames);
+        return model.release();
+    });
+}
