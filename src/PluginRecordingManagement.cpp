@@ -1,0 +1,252 @@
+#include "PluginRecordingManagement.h"
+
+#include "ItemRoles.h"
+#include "RecordingGroupTreeModel.h"
+#include "RowItems.h"
+#include "ServerVocabulary.h"
+#include "framework/FrameworkWrapperBase.h"
+#include "trace/TraceLog.h"
+#include "trace/TraceScope.h"
+
+#include <QStandardItemModel>
+#include <QtQml>
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+struct PluginRecordingManagement::ListModel
+{
+    QStandardItemModel *PluginRecordingManagement::*member;
+    const QHash<int, QByteArray> &(*roleNames)();
+    const char *failure;
+    int line; // under which the trace library's filters know the failure
+};
+
+const PluginRecordingManagement::ListModel PluginRecordingManagement::listModels[] = {
+    {&PluginRecordingManagement::m_volumeModel, volumeRoleNames, "Create volume model failed", 23},
+    {&PluginRecordingManagement::m_recordingGroupModel, recordingGroupRoleNames, "Create recording group model failed",
+     31},
+    {&PluginRecordingManagement::m_nasServerModel, nasServerRoleNames, "Create NAS server model failed", 39},
+    {&PluginRecordingManagement::m_nasDirModel, directoryRoleNames, "Create NAS server dir model failed", 47},
+    {&PluginRecordingManagement::m_serverDirModel, directoryRoleNames, "Create server dir model failed", 55},
+};
+
+struct PluginRecordingManagement::Reply
+{
+    const QVariant &data;
+    void *context;
+    const QString &returnCode;
+    bool finish;
+
+    bool ok() const { return returnCode == ReturnCode::Success; }
+};
+
+struct PluginRecordingManagement::ReplyRoute
+{
+    const QString &command;
+    void (*handle)(PluginRecordingManagement &plugin, const Reply &reply);
+};
+
+// The NAS handlers take the return code first, the others the data.
+const PluginRecordingManagement::ReplyRoute PluginRecordingManagement::replyRoutes[] = {
+    {ServerCommand::GetNasServers,
+     [](auto &plugin, const Reply &reply) { plugin.handleGetNASServers(reply.returnCode, reply.data); }},
+    {ServerCommand::addNASPathsToVolume,
+     [](auto &plugin, const Reply &reply) { plugin.handleAddNASPathsToVolume(reply.returnCode, reply.data); }},
+    {ServerCommand::AddNasServer,
+     [](auto &plugin, const Reply &reply) { plugin.handleAddNASServer(reply.returnCode, reply.data, reply.context); }},
+    {ServerCommand::UpdateNASServer,
+     [](auto &plugin, const Reply &reply) { plugin.handleUpdateNASServer(reply.returnCode, reply.context); }},
+    {ServerCommand::RemoveNASServer,
+     [](auto &plugin, const Reply &reply) { plugin.handleRemoveNASServer(reply.returnCode, reply.context); }},
+    {ServerCommand::GetNasDir,
+     [](auto &plugin, const Reply &reply) {
+         plugin.handleGetNASServerDir(reply.returnCode, reply.data, reply.context);
+     }},
+    {ServerCommand::GetNasCapacity,
+     [](auto &plugin, const Reply &reply) {
+         plugin.handleGetNASServerCapacity(reply.returnCode, reply.data, reply.context);
+     }},
+    {ServerCommand::getVolume,
+     [](auto &plugin, const Reply &reply) { plugin.handleRetrieveVolume(reply.data, reply.returnCode); }},
+    {ServerCommand::getRecordingGroup,
+     [](auto &plugin, const Reply &reply) {
+         plugin.handleGetRecordingGroup(reply.data, reply.returnCode, reply.context);
+     }},
+    {ServerCommand::addPathToRecordingGroup,
+     [](auto &plugin, const Reply &reply) { emit plugin.addPathToRecordingGroupResponded(reply.ok()); }},
+    {ServerCommand::removePathFromRecordingGroup,
+     [](auto &plugin, const Reply &reply) { emit plugin.removePathFromRecordingGroupResp(reply.ok(), reply.finish); }},
+    {ServerCommand::addRecordingGroup,
+     [](auto &plugin, const Reply &reply) { plugin.handleAddRecordingGroup(reply.returnCode, reply.finish); }},
+    {ServerCommand::createDirectory,
+     [](auto &plugin, const Reply &reply) { emit plugin.createDirectoryResponded(reply.ok()); }},
+    {ServerCommand::removeRecordingGroup,
+     [](auto &plugin, const Reply &reply) { emit plugin.removeRecordingGroupResp(reply.ok(), reply.finish); }},
+    {ServerCommand::addRecordingGroupWithCompleteInfo,
+     [](auto &plugin, const Reply &reply) {
+         plugin.handleAddRecordingGroupWithCompleteInfo(reply.data, reply.returnCode);
+     }},
+    {ServerCommand::updateRecordingGroup,
+     [](auto &plugin, const Reply &reply) { plugin.handleUpdateRecordingGroup(reply.data, reply.returnCode); }},
+    {ServerCommand::retrieveRecordingGroupTreeModel,
+     [](auto &plugin, const Reply &reply) {
+         plugin.handleRetrieveRecordingGroupTreeModel(reply.data, reply.returnCode);
+     }},
+    {ServerCommand::getServerDir,
+     [](auto &plugin, const Reply &reply) { plugin.handleGetServerDir(reply.data, reply.returnCode); }},
+};
+
+PluginRecordingManagement::~PluginRecordingManagement()
+{
+    const TraceScope scope(__FILE__, "PluginRecordingManagement::~PluginRecordingManagement", __LINE__);
+    std::exchange(m_storageUsageModels, {});
+    std::exchange(m_groupVolumeModels, {});
+}
+
+bool PluginRecordingManagement::InitialPluginBase(QQmlContext *context, void *handle, FrameworkWrapperBase *framework)
+{
+    m_pluginName = QStringLiteral("RecordingManagementPlugin");
+    m_pluginId = QStringLiteral("8F33495A224D49ABB8F9E875984A1443");
+    m_handle = handle;
+    m_framework = framework;
+    return Init(context);
+}
+
+bool PluginRecordingManagement::Init(QQmlContext *)
+{
+    const TraceScope scope(__FILE__, "PluginRecordingManagement::Init", __LINE__);
+    for (const ListModel &entry : listModels) {
+        this->*entry.member = newListModel(entry.roleNames(), this);
+        if (!(this->*entry.member)) {
+            TRACE_ERROR_AT(entry.line, entry.failure);
+            return false;
+        }
+    }
+    try {
+        m_treeModel = QSharedPointer<RecordingGroupTreeModel>::create(this);
+    } catch (const std::bad_alloc &) {
+        return false;
+    }
+    qmlRegisterType<PluginRecordingManagement>("com.meridon.pluginrecordingmanagement", 1, 0,
+                                               "PluginRecordingManagement");
+    return true;
+}
+
+void PluginRecordingManagement::PluginServerConnected()
+{
+    std::exchange(m_storageUsageModels, {}); // emptied first: a model's end may bring QML back in here
+    getNASServers(QString());
+    getRecordingGroup();
+    reloadStorageUsageInfo(QString());
+}
+
+void PluginRecordingManagement::EventProcessor(QString event, qint64, int, int, QVariant data, const QString &source)
+{
+    const TraceScope scope(__FILE__, "PluginRecordingManagement::EventProcessor", __LINE__);
+    if (event != ServerEvent::VolumeChanged)
+        return;
+    handleVolumeChanged(data, source);
+    emit volumeInfoChanged();
+}
+
+void PluginRecordingManagement::EventProcessorEx(QString, ConfigBase *, qint64, int, int, QVariant, const QString &)
+{
+    const TraceScope scope(__FILE__, "PluginRecordingManagement::EventProcessorEx", __LINE__);
+}
+
+void PluginRecordingManagement::CommandProcessor(QString command, QVariant data, void *context, QString returnCode,
+                                                 QString, bool finish, const QString &)
+{
+    const TraceScope scope(__FILE__, "PluginRecordingManagement::CommandProcessor", __LINE__);
+    const auto route = std::find_if(std::begin(replyRoutes), std::end(replyRoutes),
+                                    [&command](const ReplyRoute &entry) { return entry.command == command; });
+    if (route != std::end(replyRoutes))
+        route->handle(*this, {data, context, returnCode, finish});
+}
+
+void PluginRecordingManagement::CommandProcessorEx(QString, ConfigBase *, QVariant, void *, QString, QString, bool,
+                                                   const QString &)
+{
+    const TraceScope scope(__FILE__, "PluginRecordingManagement::CommandProcessorEx", __LINE__);
+}
+
+bool PluginRecordingManagement::recordingGroupRetrieved() const
+{
+    return m_recordingGroupRetrieved != 0;
+}
+
+QObject *PluginRecordingManagement::getVolumeModel()
+{
+    return m_volumeModel;
+}
+
+QObject *PluginRecordingManagement::getRecordingGroupModel()
+{
+    return m_recordingGroupModel;
+}
+
+QObject *PluginRecordingManagement::getNASServerModel()
+{
+    return m_nasServerModel;
+}
+
+QObject *PluginRecordingManagement::getNASServerDirModel()
+{
+    return m_nasDirModel;
+}
+
+QObject *PluginRecordingManagement::getServerDirModel()
+{
+    return m_serverDirModel;
+}
+
+QObject *PluginRecordingManagement::getStorageUsageModel(const QString &relayPath)
+{
+    return storageUsageModel(relayPath).data();
+}
+
+QObject *PluginRecordingManagement::getGroupVolumeModel(const QString &relayPath, const QString &groupId)
+{
+    const auto station = m_groupVolumeModels.constFind(relayPath);
+    return station == m_groupVolumeModels.constEnd() ? nullptr : station->value(groupId).data();
+}
+
+QObject *PluginRecordingManagement::getRecordingGroupTreeModel() const
+{
+    return m_treeModel.data();
+}
+
+QSharedPointer<QStandardItemModel> PluginRecordingManagement::storageUsageModel(const QString &source)
+{
+    QSharedPointer<QStandardItemModel> &model = m_storageUsageModels[source];
+    if (!model)
+        model.reset(newListModel(recordingGroupRoleNames(), this));
+    return model;
+}
+
+void PluginRecordingManagement::CreateStationTreeModel(const QVariantMap &station)
+{
+    if (!m_treeModel)
+        return;
+    m_treeModel->clear();
+    RowBatch rows(m_treeModel.data());
+    rows.add(TreeStationItem(
+        station.value(QStringLiteral("name")).toString(), station.value(QStringLiteral("ip")).toString(),
+        station.value(FieldKey::relayPath).toString(), station.value(QStringLiteral("type")).toString()));
+    rows.append();
+}
+
+QString PluginRecordingManagement::convertVolumeCapacity(qint64 capacity) const
+{
+    static const QString templates[] = {QStringLiteral("%1 KB"), QStringLiteral("%1 MB"), QStringLiteral("%1 GB"),
+                                        QStringLiteral("%1 TB")};
+    auto value = static_cast<double>(capacity);
+    std::size_t unit = 0;
+    while (value >= 1024.0) {
+        value *= 0.0009765625; // 1/1024
+        ++unit;
+    }
+    return templates[std::min(unit, std::size(templates) - 1)].arg(QString::number(value, 'f', 2));
+}

@@ -1,0 +1,332 @@
+#pragma once
+
+#include "RecordingGroupData.h"
+#include "framework/PluginBase.h"
+
+#include <QMap>
+#include <QSharedPointer>
+#include <QStringList>
+#include <QVariantList>
+#include <QVariantMap>
+
+#include <vector>
+
+class QStandardItemModel;
+class RecordingGroupTreeModel;
+struct AddNASServerContext;
+
+/// The one object through which QML decides where and how a recording server (a station) stores video.
+///
+/// Every operation that sends a command returns whether the framework took the command over; what came of it arrives
+/// later as a signal. Queries answer at once. The object owns every model that it hands out: they have it as parent, so
+/// QML never takes them over. A relay path names the station that a request is for; the empty one is the directly
+/// connected station. Everything runs on the thread of the object, the UI thread. Failures are written to the trace log
+/// and never thrown. Before InitialPluginBase() no command can be sent and the models are null.
+class PluginRecordingManagement : public PluginBase
+{
+    Q_OBJECT
+    Q_PLUGIN_METADATA(IID "com.MERIDON.UIFramework.PluginInterface" FILE "PluginRecordingManagement.json")
+    Q_INTERFACES(PluginBase)
+    /// 1 while the recording-group model holds the groups of the newest request, else 0. Declared int: QML pages read a
+    /// number.
+    Q_PROPERTY(int recordingGroupRetrieved READ recordingGroupRetrieved NOTIFY recordingGroupRetrievedChanged)
+
+public:
+    /// Kind of a recording path, sent as an int.
+    enum RecPathType {
+        Local = 0, ///< on a disk of the station
+        NetHost = 1, ///< on a network host
+        NetDomain = 2, ///< in a network domain
+    };
+    Q_ENUM(RecPathType)
+
+    /// Outcome of a NAS command.
+    enum NASServerErrorCode {
+        NonError = 0,
+        LogonFailed = 1,
+        ServerExist = 2,
+        GetDirFailed = 3,
+        GetCapacityFailed = 4,
+        Unknown = 5,
+    };
+    Q_ENUM(NASServerErrorCode)
+
+    /// Which of the entries "." and ".." a NAS folder listing hides; a set of bits.
+    enum NASDirFilter {
+        NoDot = 1,
+        NoDotDot = 2,
+        NoDotAndDotDot = 3,
+    };
+    Q_ENUM(NASDirFilter)
+
+    PluginRecordingManagement() = default;
+    ~PluginRecordingManagement() override;
+
+    bool InitialPluginBase(QQmlContext *context, void *handle, FrameworkWrapperBase *framework) override;
+    /// Routes "VolumeChanged" to the usage figures and the status monitor, then emits volumeInfoChanged().
+    void EventProcessor(QString event, qint64, int, int, QVariant data, const QString &source) override;
+    /// Handles no event.
+    void EventProcessorEx(QString event, ConfigBase *config, qint64, int, int, QVariant data,
+                          const QString &source) override;
+    /// Routes a reply to its handler by the exact name of the command; unknown names are dropped.
+    void CommandProcessor(QString command, QVariant data, void *context, QString returnCode, QString, bool finish,
+                          const QString &) override;
+    /// Handles no reply.
+    void CommandProcessorEx(QString command, ConfigBase *config, QVariant data, void *context, QString returnCode,
+                            QString, bool finish, const QString &) override;
+    /// Creates the models and registers the QML type; false when a model could not be allocated.
+    bool Init(QQmlContext *context) override;
+    /// Forgets the storage-usage models and asks for the NAS servers, the recording groups and the usage anew.
+    void PluginServerConnected() override;
+
+    bool recordingGroupRetrieved() const;
+
+    // Models. ---------------------------------------------------------------------------------------------------
+
+    /// The volumes of the station asked last (roles: VolumeRole), followed by NAS paths added since. Null before
+    /// Init().
+    Q_INVOKABLE QObject *getVolumeModel();
+    /// The recording groups of the directly connected station (roles: RecordingGroupRole). Null before Init().
+    Q_INVOKABLE QObject *getRecordingGroupModel();
+    /// The NAS servers (roles: NasServerRole). Null before Init().
+    Q_INVOKABLE QObject *getNASServerModel();
+    /// The folders of the NAS directory listed last (roles: DirectoryRole). Null before Init().
+    Q_INVOKABLE QObject *getNASServerDirModel();
+    /// The folders of the station's directory listed last (roles: DirectoryRole). Null before Init().
+    Q_INVOKABLE QObject *getServerDirModel();
+    /// The usage of each recording group of one station (roles: RecordingGroupRole); made when first asked for. A new
+    /// connection forgets it: ask again then.
+    Q_INVOKABLE QObject *getStorageUsageModel(const QString &relayPath);
+    /// The storage paths of one recording group with their sizes (roles: VolumeRole, the root path being the recording
+    /// path). Null until an event brought figures; each event makes a new model: ask again after volumeInfoChanged().
+    Q_INVOKABLE QObject *getGroupVolumeModel(const QString &relayPath, const QString &groupId);
+
+    // Volumes, recording groups. ----------------------------------------------------------------------------------
+
+    /// Asks the station for its volumes. Answered by getVolumeResponded().
+    Q_INVOKABLE bool getVolume(const QString &relayPath = "");
+    /// Asks for the recording groups. Returns the id of the request, or an empty string when it could not be sent;
+    /// recordingGroupRetrieved is 0 from here on. Answered by getRecordingGroupResponded() with that id; a refusal
+    /// brings no signal.
+    Q_INVOKABLE QString getRecordingGroup();
+    /// Makes the folder @p path on the directly connected station. Answered by createDirectoryResponded().
+    Q_INVOKABLE bool createDirectory(const QString &path);
+    /// Adds a recording group with one path. @p reserveSpace is in MB and must be a multiple of 1024 (negative ones
+    /// pass); name and path must not be empty. Answered by addRecordingGroupResponded().
+    Q_INVOKABLE bool addRecordingGroup(const QString &groupName, const QString &path, RecPathType recPathType,
+                                       qlonglong reserveSpace = 2048);
+    /// Removes groups; the list must not be empty. Answered by removeRecordingGroupResp(), once for each part.
+    Q_INVOKABLE bool removeRecordingGroup(const QStringList &groupIDList);
+    /// Adds a path to a group; the rules of addRecordingGroup() hold. Answered by addPathToRecordingGroupResponded().
+    Q_INVOKABLE bool addPathToRecordingGroup(const QString &groupID, const QString &path, RecPathType recPathType,
+                                             qlonglong reserveSpace = 2048);
+    /// Removes path i from group i for every i; both lists are of one length and not empty.
+    /// Answered by removePathFromRecordingGroupResp(), once for each part.
+    Q_INVOKABLE bool removePathFromRecordingGroup(const QStringList &groupIDList, const QStringList &pathList);
+    /// Adds NAS paths to the volumes. An empty list sends nothing: it emits addNASPathsToVolumeResp(true) at once and
+    /// returns false. Answered by addNASPathsToVolumeResp().
+    Q_INVOKABLE bool addNASPathsToVolume(const QStringList &pathList);
+    /// Changes a group in up to six ways at once; nothing is checked here, all lists go to the station as they are.
+    /// Answered by updateRecordingGroupResp().
+    Q_INVOKABLE bool updateRecordingGroup(const QString &groupID, const QVariantList &addCameraList,
+                                          const QVariantList &removeCameraList, const QVariantList &addPathList,
+                                          const QVariantList &removePathList, const QVariantList &updatePathList,
+                                          const QVariantMap &setGrpInfo);
+    /// Adds a group with everything it needs.
+    ///
+    /// @param groupInfo "recordingGroupName" (string, not empty), "recordingGroupReservedTimeEnabled" (bool) and
+    ///        "recordingGroupReservedTime" (int, minutes, at least 1 when enabled); all three must be there
+    /// @param paths maps with "path" (string), "pathType" (int, RecPathType), "reserveSpace" (qlonglong, MB, a multiple
+    ///        of 1024) and "isRecoveryMode" (bool); at least one
+    /// @param deviceInfos the members, handed on unchecked
+    ///
+    /// Answered by addRecordingGroupWithCompleteInfoResp().
+    Q_INVOKABLE bool addRecordingGroupWithCompleteInfo(const QVariantMap &groupInfo, const QVariantList &paths,
+                                                       const QVariantList &deviceInfos);
+
+    // Station tree and the cache of recording groups behind it. ---------------------------------------------------
+
+    /// The station and its recording groups (a RecordingGroupTreeModel; roles: TreeRole). Null before Init().
+    Q_INVOKABLE QObject *getRecordingGroupTreeModel() const;
+    /// Refreshes the tree and empties the cache. False only when the station plug-in could not name the station; true
+    /// also when the command could not be sent. Answered by retrieveRecordingGroupTreeModelFinish(), or, when the
+    /// station refuses, by nothing.
+    Q_INVOKABLE bool retrieveRecordingGroupTreeModel();
+    /// Empties the cache.
+    Q_INVOKABLE void clearRecordingGroupDataList();
+    /// Storage paths of a cached group, as the station sent them; empty when the group is not cached. The getters below
+    /// follow the same rule.
+    Q_INVOKABLE QVariantList getRecordingGroupPathList(const QString &recordingGroupID, const QString &relayPath);
+    /// Reserved space of each path, MB.
+    Q_INVOKABLE QVariantList getRecordingGroupReservedSpaceList(const QString &recordingGroupID,
+                                                                const QString &relayPath);
+    /// NAS paths.
+    Q_INVOKABLE QVariantList getRecordingGroupNasPathList(const QString &recordingGroupID, const QString &relayPath);
+    /// Recovery paths.
+    Q_INVOKABLE QVariantList getRecordingGroupRecoveryPathList(const QString &recordingGroupID,
+                                                               const QString &relayPath);
+    /// Reserved time in minutes; 0 when the group is not cached.
+    Q_INVOKABLE int getRecordingGroupReservedTime(const QString &recordingGroupID, const QString &relayPath);
+    /// Members: maps with "camName" (string), "streamIndex" (int), "enableTimeShift" (bool), "enableSeamless" (bool).
+    Q_INVOKABLE QVariantList getRecordingGroupMemberList(const QString &recordingGroupID, const QString &relayPath);
+    /// The volume whose path begins @p path: "size" and "availableSize" (qlonglong, KB), "isNAS" and "isSystem" (bool);
+    /// zeros when there is none. The first volume of the model that matches counts, a plain prefix suffices, backslash
+    /// and slash are the same. @p relayPath is ignored: there is one volume model.
+    Q_INVOKABLE QVariantMap getVolumeInfo(const QString &path, const QString &relayPath);
+    /// The stream index under which another group records the camera with time shift or seamless recording; -1 when
+    /// none does. @p cameraId is compared with the member's name alone, without a relay path.
+    Q_INVOKABLE int streamIndexHasBeenSetTmShiftSeamlessInOtherRecGroups(const QString &cameraId,
+                                                                         const QString &recordingGroupID,
+                                                                         const QString &relayPath);
+    /// Ids of the cached groups that record the camera. @p cameraID is the member's name, preceded by the relay path
+    /// and "/" where the group has a relay path.
+    Q_INVOKABLE QVariantList getRecordingGroupIDList(const QString &cameraID);
+
+    // Folders of the station. -----------------------------------------------------------------------------------
+
+    /// Lists the folders under @p basePath. Answered by getServerDirResponded().
+    Q_INVOKABLE bool getServerDir(const QString &basePath, const QString &relayPath = "");
+
+    // NAS servers. ------------------------------------------------------------------------------------------------
+
+    /// Asks for the NAS servers. Answered by getNASServersResponded().
+    Q_INVOKABLE bool getNASServers(const QString &relayPath = "");
+    /// Adds a NAS server; the host must not be empty. Answered by addNASServerResponded(), unless a newer add or
+    /// ignoreAddNASServerResponse() came in between.
+    Q_INVOKABLE bool addNASServer(const QString &host, const QString &logonDomain = "Host",
+                                  const QString &userName = "Guest", const QString &password = "",
+                                  const QString &relayPath = "");
+    /// Changes a NAS server. Answered by updateNASServerResponsed().
+    Q_INVOKABLE bool updateNASServer(const QString &id, const QString &host, const QString &domain, const QString &user,
+                                     const QString &password, const QString &relayPath = "");
+    /// Removes a NAS server. Answered by removeNASServerResponsed().
+    Q_INVOKABLE bool removeNASServer(const QString &id, const QString &relayPath = "");
+    /// Abandons the adds that are under way: their replies change nothing and bring no signal.
+    Q_INVOKABLE void ignoreAddNASServerResponse();
+    /// Lists the folders under a NAS path, which must not be empty. Answered by getNASServerDirResponded().
+    Q_INVOKABLE bool getNASServerDir(const QString &basePath, const QString &logonDomain = "Host",
+                                     const QString &userName = "Guest", const QString &password = "",
+                                     const QString &relayPath = "", NASDirFilter filter = NoDotAndDotDot);
+    /// Asks how large a NAS path is, which must not be empty. Answered by getNASServerCapacityResponded().
+    Q_INVOKABLE bool getNASServerCapacity(const QString &basePath, const QString &logonDomain = "Host",
+                                          const QString &userName = "Guest", const QString &password = "",
+                                          const QString &relayPath = "");
+    /// Asks how large a NAS path is and adds it to the volume model; the path must not be empty. The user name is
+    /// empty by default, unlike above. Answered by getNASServerCapacityResponded(); the row follows that signal.
+    Q_INVOKABLE bool addNASPathToVolume(const QString &basePath, const QString &logonDomain = "Host",
+                                        const QString &userName = "", const QString &password = "",
+                                        const QString &relayPath = "");
+
+    // Storage usage. ----------------------------------------------------------------------------------------------
+
+    /// Asks the station for fresh usage figures, which come as an event: volumeInfoChanged() tells.
+    Q_INVOKABLE bool reloadStorageUsageInfo(const QString &relayPath = "");
+    /// Every group of the directly connected station: maps with "recordingGroup" (id), "groupName", "recordedDays" and
+    /// "remainingDays" (int, -1 unknown) and "volumeList", a list of maps with "recordingPath", "totalSpace" and
+    /// "remainingSpace" (texts such as 1.50 GB) and "isNAS". One empty map before any usage model of it was made.
+    Q_INVOKABLE QVariantList getRecordingGroupInfoList();
+
+signals:
+    /// The recording-group model holds the reply to the request @p reqId.
+    void getRecordingGroupResponded(const QString &reqId);
+    /// The tree and the cache hold the groups of the station.
+    void retrieveRecordingGroupTreeModelFinish();
+    void createDirectoryResponded(bool success);
+    void addPathToRecordingGroupResponded(bool success);
+    void addRecordingGroupResponded(bool success);
+    /// The volume model holds the reply; on failure it is empty.
+    void getVolumeResponded(bool success);
+    /// A station's volumes changed: its usage model is refilled and its group volume models are new ones.
+    void volumeInfoChanged();
+    /// @p finish: the last part of the answer.
+    void removePathFromRecordingGroupResp(bool success, bool finish);
+    /// @p finish: the last part of the answer.
+    void removeRecordingGroupResp(bool success, bool finish);
+    void addNASPathsToVolumeResp(bool success);
+    /// @p errList tells which elements the station refused, and why; empty on success.
+    void addRecordingGroupWithCompleteInfoResp(bool success, const QString &addedGrpID, QVariantList errList);
+    /// @p errList tells which elements the station refused, and why.
+    void updateRecordingGroupResp(bool success, QVariantList errList);
+    /// The server directory model holds the folders under @p path; empty when the reply names none, as a refusal does.
+    void getServerDirResponded(const QString &path);
+    /// The station reported storage that belongs to no recording group.
+    void unsupportedStorages(const QString &stationID);
+    /// On failure the NAS server model is as it was.
+    void getNASServersResponded(bool success);
+    /// @p srvId is the new server's id, empty on failure.
+    void addNASServerResponded(NASServerErrorCode result, const QString &srvId);
+    void updateNASServerResponsed(NASServerErrorCode result, const QString &nasId);
+    void removeNASServerResponsed(bool success);
+    /// The NAS directory model holds the folders under @p path; on failure it is as it was and the path empty.
+    void getNASServerDirResponded(NASServerErrorCode result, const QString &path);
+    /// Sizes in the unit of the station's reply; 0 on failure.
+    void getNASServerCapacityResponded(NASServerErrorCode result, qlonglong total, qlonglong used);
+    void recordingGroupRetrievedChanged();
+
+private:
+    struct Reply;
+    struct ReplyRoute;
+    struct ListModel;
+
+    static const ReplyRoute replyRoutes[];
+    static const ListModel listModels[];
+
+    bool sendRequestToServer(const QString &command, const QVariant &data, void *context, const QString &relayPath);
+    QObject *pluginObject(const QString &pluginId) const;
+
+    void handleGetNASServers(const QString &result, const QVariant &data);
+    void handleAddNASPathsToVolume(const QString &result, const QVariant &data);
+    void handleAddNASServer(const QString &result, const QVariant &data, void *context);
+    void handleUpdateNASServer(const QString &result, void *context);
+    void handleRemoveNASServer(const QString &result, void *context);
+    void handleGetNASServerDir(const QString &result, const QVariant &data, void *context);
+    void handleGetNASServerCapacity(const QString &result, const QVariant &data, void *context);
+    void handleRetrieveVolume(const QVariant &data, const QString &returnCode);
+    void handleGetRecordingGroup(const QVariant &data, const QString &returnCode, void *context);
+    void handleAddRecordingGroup(const QString &returnCode, bool finish);
+    void handleAddRecordingGroupWithCompleteInfo(const QVariant &data, const QString &returnCode);
+    void handleUpdateRecordingGroup(const QVariant &data, const QString &returnCode);
+    void handleRetrieveRecordingGroupTreeModel(const QVariant &data, const QString &result);
+    void handleGetServerDir(const QVariant &data, const QString &returnCode);
+    void handleVolumeChanged(QVariant data, const QString &source);
+
+    QMap<QString, QVariant> calculateGroupUsage(QVariant &data);
+    void updateRecordingGroupVolumeModel(const QString &source, QVariant &data);
+    void updateRecordingGroupUsageModel(const QString &source, QMap<QString, QVariant> &usage);
+    void monitorVolumnStatus(const QString &source, QVariant &data);
+    void monitorGroupStatus(const QString &source);
+    QSharedPointer<QStandardItemModel> storageUsageModel(const QString &source);
+
+    void CreateStationTreeModel(const QVariantMap &station);
+    void appendRecordingGroupToTreeModel(const QVariant &data);
+    void saveRecordingGroupData(const QVariant &data);
+    std::vector<RecordingGroupData>::const_iterator
+    findItemFromRecordingGroupList(const std::vector<RecordingGroupData> &list, const QString &recordingGroupID,
+                                   const QString &relayPath) const;
+    template<typename Value>
+    Value cachedField(Value RecordingGroupData::*field, const QString &recordingGroupID,
+                      const QString &relayPath) const;
+    bool sendGroupPath(const char *function, const QString &command, const QString &groupKey, const QString &group,
+                       const QString &path, RecPathType recPathType, qlonglong reserveSpace);
+    void setRecordingGroupRetrieved(bool retrieved);
+
+    NASServerErrorCode TransferNASServerErrorCode(const QString &result) const;
+    bool isContextOutOfDate(const AddNASServerContext &context) const;
+    bool IsValidReservedSpace(qint64 reserveSpace) const;
+    QString convertVolumeCapacity(qint64 capacity) const;
+    QString toSlashPath(const QString &path) const;
+
+    void *m_handle = nullptr; // the framework's, passed back with every command
+    FrameworkWrapperBase *m_framework = nullptr; // not owned
+    std::vector<RecordingGroupData> m_recordingGroups;
+    QMap<QString, QSharedPointer<QStandardItemModel>> m_storageUsageModels;
+    QMap<QString, QMap<QString, QSharedPointer<QStandardItemModel>>> m_groupVolumeModels;
+    QStandardItemModel *m_volumeModel = nullptr;
+    QStandardItemModel *m_recordingGroupModel = nullptr;
+    QStandardItemModel *m_nasServerModel = nullptr;
+    QStandardItemModel *m_nasDirModel = nullptr;
+    QStandardItemModel *m_serverDirModel = nullptr;
+    QSharedPointer<RecordingGroupTreeModel> m_treeModel;
+    QString m_addRequestId; // of the newest add of a NAS server; its reply alone counts
+    int m_recordingGroupRetrieved = 0;
+};

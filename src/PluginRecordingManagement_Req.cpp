@@ -1,0 +1,553 @@
+#include "PluginRecordingManagement.h"
+
+#include "ItemRoles.h"
+#include "RecordingGroupTreeModel.h"
+#include "RequestContexts.h"
+#include "ServerVocabulary.h"
+#include "framework/FrameworkWrapperBase.h"
+#include "trace/TraceLog.h"
+
+#include <QStandardItemModel>
+#include <QUuid>
+
+#include <algorithm>
+#include <exception>
+#include <memory>
+#include <new>
+
+namespace {
+
+constexpr int sendFailedLine = 55; // under which the trace library's filters know a failed send
+
+// A copy of @p value that crosses the framework as a context; null when memory ran out.
+template<typename Context>
+std::unique_ptr<Context> newContext(const Context &value) noexcept
+{
+    try {
+        return std::unique_ptr<Context>(new (std::nothrow) Context(value));
+    } catch (const std::exception &) {
+        return nullptr;
+    }
+}
+
+QVariantMap nasPathRequest(const QString &basePath, const QString &logonDomain, const QString &userName,
+                           const QString &password, const QString &relayPath)
+{
+    return {
+        {FieldKey::basePath, basePath}, {FieldKey::logonDomain, logonDomain}, {FieldKey::userName, userName},
+        {FieldKey::password, password}, {FieldKey::relayPath, relayPath},
+    };
+}
+
+// The map inside @p value, in place where it holds one; @p converted keeps what a conversion made.
+const QVariantMap &mapIn(const QVariant &value, QVariantMap &converted)
+{
+    if (value.metaType() == QMetaType::fromType<QVariantMap>())
+        return *static_cast<const QVariantMap *>(value.constData());
+    converted = value.toMap();
+    return converted;
+}
+
+// Calls @p visit with each member of @p group until it returns true.
+template<typename Visit>
+void visitMembers(const RecordingGroupData &group, Visit visit)
+{
+    QVariantMap converted;
+    for (const QVariant &member : group.recordingGroupMemberList) {
+        if (visit(mapIn(member, converted)))
+            return;
+    }
+}
+
+bool isRelayedName(const QString &cameraId, const QString &relayPath, const QString &name)
+{
+    if (relayPath.isEmpty())
+        return cameraId == name;
+    return cameraId.size() == relayPath.size() + 1 + name.size() && cameraId.startsWith(relayPath)
+        && cameraId.at(relayPath.size()) == u'/' && cameraId.endsWith(name);
+}
+
+} // namespace
+
+bool PluginRecordingManagement::sendRequestToServer(const QString &command, const QVariant &data, void *context,
+                                                    const QString &relayPath)
+{
+    if (m_framework && m_framework->SendCommand(m_handle, m_pluginId, command, data, context, false, relayPath))
+        return true;
+    TRACE_ERROR_AT(sendFailedLine, "%s, Send command failed.", "PluginRecordingManagement::sendRequestToServer");
+    return false;
+}
+
+QObject *PluginRecordingManagement::pluginObject(const QString &pluginId) const
+{
+    return m_framework ? m_framework->GetPluginObject(m_handle, pluginId) : nullptr;
+}
+
+// Volumes and folders. ----------------------------------------------------------------------------------------------
+
+bool PluginRecordingManagement::getVolume(const QString &relayPath)
+{
+    return sendRequestToServer(ServerCommand::getVolume, {}, nullptr, relayPath);
+}
+
+QVariantMap PluginRecordingManagement::getVolumeInfo(const QString &path, const QString &)
+{
+    const QString slashPath = toSlashPath(path);
+    QModelIndex volume;
+    for (int row = 0; m_volumeModel && row < m_volumeModel->rowCount(); ++row) {
+        const QModelIndex index = m_volumeModel->index(row, 0);
+        // D:/Rec lies under D:/Re too: a plain prefix, and the first one counts.
+        if (slashPath.startsWith(toSlashPath(index.data(VolumeRole::RootPath).toString()))) {
+            volume = index;
+            break;
+        }
+    }
+    return {
+        {QStringLiteral("size"), volume.data(VolumeRole::Size).toLongLong()},
+        {QStringLiteral("availableSize"), volume.data(VolumeRole::AvailableSize).toLongLong()},
+        {QStringLiteral("isNAS"), volume.data(VolumeRole::IsNas).toBool()},
+        {QStringLiteral("isSystem"), volume.data(VolumeRole::IsSystem).toBool()},
+    };
+}
+
+QString PluginRecordingManagement::toSlashPath(const QString &path) const
+{
+    return QString(path).replace(u'\\', u'/');
+}
+
+bool PluginRecordingManagement::getServerDir(const QString &basePath, const QString &relayPath)
+{
+    return sendRequestToServer(ServerCommand::getServerDir, basePath, nullptr, relayPath);
+}
+
+bool PluginRecordingManagement::createDirectory(const QString &path)
+{
+    return sendRequestToServer(ServerCommand::createDirectory, path, nullptr, "");
+}
+
+bool PluginRecordingManagement::reloadStorageUsageInfo(const QString &relayPath)
+{
+    return sendRequestToServer(ServerCommand::reloadStorageUsageInfo, {}, nullptr, relayPath);
+}
+
+// Recording groups. -------------------------------------------------------------------------------------------------
+
+QString PluginRecordingManagement::getRecordingGroup()
+{
+    const QString requestId = QUuid::createUuid().toString();
+    auto context = newContext<RequestIdContext>(requestId);
+    if (!context)
+        return {};
+    setRecordingGroupRetrieved(false);
+    if (!sendRequestToServer(ServerCommand::getRecordingGroup, {}, context.get(), ""))
+        return {};
+    context.release(); // handleGetRecordingGroup destroys it
+    return requestId;
+}
+
+void PluginRecordingManagement::setRecordingGroupRetrieved(bool retrieved)
+{
+    m_recordingGroupRetrieved = retrieved ? 1 : 0;
+    emit recordingGroupRetrievedChanged();
+}
+
+bool PluginRecordingManagement::IsValidReservedSpace(qint64 reserveSpace) const
+{
+    return reserveSpace % 1024 == 0;
+}
+
+bool PluginRecordingManagement::sendGroupPath(const char *function, const QString &command, const QString &groupKey,
+                                              const QString &group, const QString &path, RecPathType recPathType,
+                                              qlonglong reserveSpace)
+{
+    if (!IsValidReservedSpace(reserveSpace)) {
+        TRACE_ERROR("%s, Reserve space must be multiple of 1024", function);
+        return false;
+    }
+    if (group.isEmpty() || path.isEmpty()) {
+        TRACE_ERROR("%s, Call function with empty parameter", function);
+        return false;
+    }
+    const QVariantMap request{
+        {groupKey, group},
+        {FieldKey::path, path},
+        {FieldKey::pathType, static_cast<int>(recPathType)},
+        {FieldKey::reserveSpace, reserveSpace},
+    };
+    return sendRequestToServer(command, request, nullptr, "");
+}
+
+bool PluginRecordingManagement::addRecordingGroup(const QString &groupName, const QString &path,
+                                                  RecPathType recPathType, qlonglong reserveSpace)
+{
+    return sendGroupPath("PluginRecordingManagement::addRecordingGroup", ServerCommand::addRecordingGroup,
+                         FieldKey::recordingGroupName, groupName, path, recPathType, reserveSpace);
+}
+
+bool PluginRecordingManagement::addPathToRecordingGroup(const QString &groupID, const QString &path,
+                                                        RecPathType recPathType, qlonglong reserveSpace)
+{
+    return sendGroupPath("PluginRecordingManagement::addPathToRecordingGroup", ServerCommand::addPathToRecordingGroup,
+                         FieldKey::recordingGroupID, groupID, path, recPathType, reserveSpace);
+}
+
+bool PluginRecordingManagement::removeRecordingGroup(const QStringList &groupIDList)
+{
+    constexpr auto function = "PluginRecordingManagement::removeRecordingGroup";
+    if (groupIDList.isEmpty()) {
+        TRACE_ERROR("%s, Call function with empty parameter", function);
+        return false;
+    }
+    const QVariantMap request{{FieldKey::recordingGroupIDList, groupIDList}};
+    return sendRequestToServer(ServerCommand::removeRecordingGroup, request, nullptr, "");
+}
+
+bool PluginRecordingManagement::removePathFromRecordingGroup(const QStringList &groupIDList,
+                                                             const QStringList &pathList)
+{
+    constexpr auto function = "PluginRecordingManagement::removePathFromRecordingGroup";
+    if (groupIDList.isEmpty() || pathList.isEmpty()) {
+        TRACE_ERROR("%s, Call function with empty parameter", function);
+        return false;
+    }
+    if (groupIDList.size() != pathList.size()) {
+        TRACE_ERROR("%s, List length mismatch", function);
+        return false;
+    }
+    const QVariantMap request{
+        {FieldKey::recordingGroupIDList, groupIDList},
+        {FieldKey::recordingGroupPathList, pathList},
+    };
+    return sendRequestToServer(ServerCommand::removePathFromRecordingGroup, request, nullptr, "");
+}
+
+bool PluginRecordingManagement::updateRecordingGroup(const QString &groupID, const QVariantList &addCameraList,
+                                                     const QVariantList &removeCameraList,
+                                                     const QVariantList &addPathList,
+                                                     const QVariantList &removePathList,
+                                                     const QVariantList &updatePathList, const QVariantMap &setGrpInfo)
+{
+    const QVariantMap request{
+        {FieldKey::recordingGroupID, groupID},
+        {FieldKey::updateAddCameraList, addCameraList},
+        {FieldKey::updateRmCameraList, removeCameraList},
+        {FieldKey::updateAddPathList, addPathList},
+        {FieldKey::updateRmPathList, removePathList},
+        {FieldKey::updateSetPathList, updatePathList},
+        {FieldKey::updateSetRecordingGroup, setGrpInfo},
+    };
+    return sendRequestToServer(ServerCommand::updateRecordingGroup, request, nullptr, "");
+}
+
+bool PluginRecordingManagement::addRecordingGroupWithCompleteInfo(const QVariantMap &groupInfo,
+                                                                  const QVariantList &paths,
+                                                                  const QVariantList &deviceInfos)
+{
+    constexpr auto function = "PluginRecordingManagement::addRecordingGroupWithCompleteInfo";
+    const auto lacks = [](const QVariantMap &map, std::initializer_list<QString> keys) {
+        return std::any_of(keys.begin(), keys.end(), [&map](const QString &key) { return !map.contains(key); });
+    };
+
+    if (lacks(groupInfo,
+              {FieldKey::recordingGroupName, FieldKey::recordingGroupReservedTimeEnabled,
+               FieldKey::recordingGroupReservedTime})) {
+        TRACE_ERROR("%s, Group info is not completed.", function);
+        return false;
+    }
+    const QString name = groupInfo.value(FieldKey::recordingGroupName).toString();
+    if (name.isEmpty()) {
+        TRACE_ERROR("%s, Group name is empty.", function);
+        return false;
+    }
+    const bool timeEnabled = groupInfo.value(FieldKey::recordingGroupReservedTimeEnabled).toBool();
+    const int reservedTime = groupInfo.value(FieldKey::recordingGroupReservedTime).toInt();
+    if (timeEnabled && reservedTime < 1) {
+        TRACE_ERROR("%s, Reserved time's config is error.", function);
+        return false;
+    }
+    if (paths.isEmpty()) {
+        TRACE_ERROR("%s, No any path is given.", function);
+        return false;
+    }
+    for (const QVariant &element : paths) {
+        const QVariantMap pathInfo = element.toMap();
+        if (lacks(pathInfo, {FieldKey::path, FieldKey::pathType, FieldKey::reserveSpace, FieldKey::isRecoveryMode})) {
+            TRACE_ERROR("%s, Pathinfo's structure (passed from Qml) is error.", function);
+            return false;
+        }
+        if (!IsValidReservedSpace(pathInfo.value(FieldKey::reserveSpace).toLongLong())) {
+            TRACE_ERROR("%s, Reserve space must be multiple of 1024", function);
+            return false;
+        }
+    }
+    const QVariantMap request{
+        {FieldKey::recordingGroupName, name},
+        {FieldKey::recordingGroupReservedTimeEnabled, timeEnabled},
+        {FieldKey::recordingGroupReservedTime, reservedTime},
+        {FieldKey::pathInfoList, paths},
+        {FieldKey::deviceInfos, deviceInfos},
+    };
+    return sendRequestToServer(ServerCommand::addRecordingGroupWithCompleteInfo, request, nullptr, "");
+}
+
+// Station tree. -----------------------------------------------------------------------------------------------------
+
+bool PluginRecordingManagement::retrieveRecordingGroupTreeModel()
+{
+    static const QString stationPluginId = QStringLiteral("1AA33B3D0AA047C9A202F1181284D2CD");
+    constexpr auto getStationTree = "getStationTree";
+
+    if (!m_treeModel || m_treeModel->rowCount() == 0) {
+        QVariant station;
+        if (QObject *stationPlugin = pluginObject(stationPluginId))
+            QMetaObject::invokeMethod(stationPlugin, getStationTree, Qt::DirectConnection,
+                                      Q_RETURN_ARG(QVariant, station));
+        const QVariantMap stationMap = station.toMap();
+        if (stationMap.isEmpty()) {
+            TRACE_ERROR("%s, GetStationTree failed", "PluginRecordingManagement::retrieveRecordingGroupTreeModel");
+            return false;
+        }
+        CreateStationTreeModel(stationMap);
+    } else if (QStandardItem *station = m_treeModel->item(0, 0)) {
+        station->removeRows(0, station->rowCount());
+    }
+
+    const QVariantMap request{
+        {FieldKey::relayPath, m_treeModel ? m_treeModel->index(0, 0).data(TreeRole::RelayPath) : QVariant()},
+    };
+    sendRequestToServer(ServerCommand::retrieveRecordingGroupTreeModel, request, nullptr, "");
+    clearRecordingGroupDataList();
+    return true;
+}
+
+// Queries over the cache. -------------------------------------------------------------------------------------------
+
+template<typename Value>
+Value PluginRecordingManagement::cachedField(Value RecordingGroupData::*field, const QString &recordingGroupID,
+                                             const QString &relayPath) const
+{
+    const auto group = findItemFromRecordingGroupList(m_recordingGroups, recordingGroupID, relayPath);
+    return group == m_recordingGroups.end() ? Value{} : (*group).*field;
+}
+
+QVariantList PluginRecordingManagement::getRecordingGroupPathList(const QString &recordingGroupID,
+                                                                  const QString &relayPath)
+{
+    return cachedField(&RecordingGroupData::recordingGroupPathList, recordingGroupID, relayPath);
+}
+
+QVariantList PluginRecordingManagement::getRecordingGroupReservedSpaceList(const QString &recordingGroupID,
+                                                                           const QString &relayPath)
+{
+    return cachedField(&RecordingGroupData::reserveSpace, recordingGroupID, relayPath);
+}
+
+QVariantList PluginRecordingManagement::getRecordingGroupNasPathList(const QString &recordingGroupID,
+                                                                     const QString &relayPath)
+{
+    return cachedField(&RecordingGroupData::recordingGroupNASPathList, recordingGroupID, relayPath);
+}
+
+QVariantList PluginRecordingManagement::getRecordingGroupRecoveryPathList(const QString &recordingGroupID,
+                                                                          const QString &relayPath)
+{
+    return cachedField(&RecordingGroupData::recordingGroupRecoveryPathList, recordingGroupID, relayPath);
+}
+
+int PluginRecordingManagement::getRecordingGroupReservedTime(const QString &recordingGroupID, const QString &relayPath)
+{
+    return cachedField(&RecordingGroupData::recordingGroupReservedTime, recordingGroupID, relayPath);
+}
+
+QVariantList PluginRecordingManagement::getRecordingGroupMemberList(const QString &recordingGroupID,
+                                                                    const QString &relayPath)
+{
+    return cachedField(&RecordingGroupData::recordingGroupMemberList, recordingGroupID, relayPath);
+}
+
+QVariantList PluginRecordingManagement::getRecordingGroupIDList(const QString &cameraID)
+{
+    QVariantList groupIds;
+    for (const RecordingGroupData &group : m_recordingGroups) {
+        visitMembers(group, [&](const QVariantMap &member) {
+            if (!isRelayedName(cameraID, group.relayPath, member.value(FieldKey::camName).toString()))
+                return false;
+            groupIds.append(group.recordingGroupID);
+            return true;
+        });
+    }
+    return groupIds;
+}
+
+int PluginRecordingManagement::streamIndexHasBeenSetTmShiftSeamlessInOtherRecGroups(const QString &cameraId,
+                                                                                    const QString &recordingGroupID,
+                                                                                    const QString &relayPath)
+{
+    int streamIndex = -1;
+    for (const RecordingGroupData &group : m_recordingGroups) {
+        if (group.relayPath == relayPath && group.recordingGroupID == recordingGroupID)
+            continue;
+        bool found = false;
+        visitMembers(group, [&](const QVariantMap &member) {
+            if (member.value(FieldKey::camName).toString() != cameraId)
+                return false;
+            found = member.value(FieldKey::enableTimeShift).toBool() || member.value(FieldKey::enableSeamless).toBool();
+            if (found)
+                streamIndex = member.value(FieldKey::streamIndex).toInt();
+            return true; // the first member of that name decides for its group
+        });
+        if (found)
+            break;
+    }
+    return streamIndex;
+}
+
+QVariantList PluginRecordingManagement::getRecordingGroupInfoList()
+{
+    const QString station; // the directly connected one
+    const auto entry = m_storageUsageModels.constFind(station);
+    if (entry == m_storageUsageModels.constEnd())
+        return {QVariantMap{}};
+
+    const QSharedPointer<QStandardItemModel> usage = *entry;
+    QVariantList groups;
+    for (int row = 0; usage && row < usage->rowCount(); ++row) {
+        const QModelIndex group = usage->index(row, 0);
+        const QString id = group.data(RecordingGroupRole::Id).toString();
+        const QSharedPointer<QStandardItemModel> paths = m_groupVolumeModels.value(station).value(id);
+        QVariantList volumes;
+        for (int pathRow = 0; paths && pathRow < paths->rowCount(); ++pathRow) {
+            const QModelIndex path = paths->index(pathRow, 0);
+            volumes.append(QVariantMap{
+                {FieldKey::recordingPath, path.data(VolumeRole::RootPath).toString()},
+                {QStringLiteral("totalSpace"), convertVolumeCapacity(path.data(VolumeRole::Size).toLongLong())},
+                {QStringLiteral("remainingSpace"),
+                 convertVolumeCapacity(path.data(VolumeRole::AvailableSize).toLongLong())},
+                {QStringLiteral("isNAS"), path.data(VolumeRole::IsNas).toBool()},
+            });
+        }
+        groups.append(QVariantMap{
+            {QStringLiteral("recordingGroup"), id},
+            {QStringLiteral("groupName"), group.data(RecordingGroupRole::Name).toString()},
+            {QStringLiteral("recordedDays"), group.data(RecordingGroupRole::RecordedDays).toInt()},
+            {QStringLiteral("remainingDays"), group.data(RecordingGroupRole::RemainDays).toInt()},
+            {QStringLiteral("volumeList"), volumes},
+        });
+    }
+    return groups;
+}
+
+// NAS servers. ------------------------------------------------------------------------------------------------------
+
+bool PluginRecordingManagement::getNASServers(const QString &relayPath)
+{
+    return sendRequestToServer(ServerCommand::GetNasServers, relayPath, nullptr, "");
+}
+
+bool PluginRecordingManagement::addNASServer(const QString &host, const QString &logonDomain, const QString &userName,
+                                             const QString &password, const QString &relayPath)
+{
+    constexpr auto function = "PluginRecordingManagement::addNASServer";
+    if (host.isEmpty()) {
+        TRACE_ERROR("%s, host is empty", function);
+        return false;
+    }
+    const QString requestId = QUuid::createUuid().toString();
+    const QVariantMap request{
+        {FieldKey::host, host},         {FieldKey::logonDomain, logonDomain}, {FieldKey::userName, userName},
+        {FieldKey::password, password}, {FieldKey::relayPath, relayPath},
+    };
+    auto context = newContext(AddNASServerContext{host, logonDomain, userName, password, requestId});
+    if (!context) {
+        TRACE_ERROR("%s, new AddNASServerContext failed", function);
+        return false;
+    }
+    if (!sendRequestToServer(ServerCommand::AddNasServer, request, context.get(), ""))
+        return false;
+    context.release(); // handleAddNASServer destroys it
+    m_addRequestId = requestId;
+    return true;
+}
+
+bool PluginRecordingManagement::updateNASServer(const QString &id, const QString &host, const QString &domain,
+                                                const QString &user, const QString &password, const QString &relayPath)
+{
+    const QVariantMap request{
+        {QStringLiteral("id"), id}, {FieldKey::host, host},         {FieldKey::logonDomain, domain},
+        {FieldKey::userName, user}, {FieldKey::password, password}, {FieldKey::relayPath, relayPath},
+    };
+    auto context = newContext<NASServerRequestContext>(request);
+    if (!context || !sendRequestToServer(ServerCommand::UpdateNASServer, request, context.get(), ""))
+        return false;
+    context.release(); // handleUpdateNASServer destroys it
+    return true;
+}
+
+bool PluginRecordingManagement::removeNASServer(const QString &id, const QString &relayPath)
+{
+    const QVariantMap request{{QStringLiteral("id"), id}, {FieldKey::relayPath, relayPath}};
+    auto context = newContext<NASServerRequestContext>(request);
+    if (!context)
+        return false;
+    // Given away whether or not the send succeeds: a copy that could not be sent stays allocated, as clients know it.
+    return sendRequestToServer(ServerCommand::RemoveNASServer, request, context.release(), "");
+}
+
+void PluginRecordingManagement::ignoreAddNASServerResponse()
+{
+    m_addRequestId.clear();
+}
+
+bool PluginRecordingManagement::getNASServerDir(const QString &basePath, const QString &logonDomain,
+                                                const QString &userName, const QString &password,
+                                                const QString &relayPath, NASDirFilter filter)
+{
+    if (basePath.isEmpty()) {
+        TRACE_ERROR("%s, basePath is empty", "PluginRecordingManagement::getNASServerDir");
+        return false;
+    }
+    // The filter itself is the context: nothing is allocated.
+    auto *const context = reinterpret_cast<void *>(static_cast<qintptr>(filter));
+    return sendRequestToServer(ServerCommand::GetNasDir,
+                               nasPathRequest(basePath, logonDomain, userName, password, relayPath), context, "");
+}
+
+bool PluginRecordingManagement::getNASServerCapacity(const QString &basePath, const QString &logonDomain,
+                                                     const QString &userName, const QString &password,
+                                                     const QString &relayPath)
+{
+    if (basePath.isEmpty()) {
+        TRACE_ERROR("%s, basePath is empty", "PluginRecordingManagement::getNASServerCapacity");
+        return false;
+    }
+    return sendRequestToServer(ServerCommand::GetNasCapacity,
+                               nasPathRequest(basePath, logonDomain, userName, password, relayPath), nullptr, "");
+}
+
+bool PluginRecordingManagement::addNASPathToVolume(const QString &basePath, const QString &logonDomain,
+                                                   const QString &userName, const QString &password,
+                                                   const QString &relayPath)
+{
+    if (basePath.isEmpty()) {
+        TRACE_ERROR("%s, basePath is empty", "PluginRecordingManagement::addNASPathToVolume");
+        return false;
+    }
+    auto context = newContext<NASPathContext>(basePath);
+    if (!context
+        || !sendRequestToServer(ServerCommand::GetNasCapacity,
+                                nasPathRequest(basePath, logonDomain, userName, password, relayPath), context.get(),
+                                ""))
+        return false;
+    context.release(); // handleGetNASServerCapacity destroys it
+    return true;
+}
+
+bool PluginRecordingManagement::addNASPathsToVolume(const QStringList &pathList)
+{
+    if (pathList.isEmpty()) {
+        emit addNASPathsToVolumeResp(true); // nothing to do counts as done, though nothing was sent
+        return false;
+    }
+    const QVariantMap request{{FieldKey::pathList, pathList}};
+    return sendRequestToServer(ServerCommand::addNASPathsToVolume, request, nullptr, "");
+}

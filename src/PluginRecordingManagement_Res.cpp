@@ -1,0 +1,610 @@
+#include "PluginRecordingManagement.h"
+
+#include "ItemRoles.h"
+#include "RecordingGroupTreeModel.h"
+#include "RequestContexts.h"
+#include "RowItems.h"
+#include "ServerVocabulary.h"
+#include "trace/TraceLog.h"
+
+#include <QMetaMethod>
+#include <QPointer>
+#include <QStandardItemModel>
+#include <QUuid>
+
+#include <algorithm>
+#include <iterator>
+#include <map>
+#include <memory>
+#include <new>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr int bytesPerKb = 1024;
+constexpr int minutesPerDay = 24 * 60;
+constexpr qlonglong unknown = -1;
+
+// Takes a context over from the framework; a missing one counts as empty.
+template<typename Context>
+std::unique_ptr<Context> takeContext(void *context)
+{
+    return std::unique_ptr<Context>(static_cast<Context *>(context));
+}
+
+qlonglong wrappingSum(qlonglong left, qlonglong right)
+{
+    return static_cast<qlonglong>(static_cast<qulonglong>(left) + static_cast<qulonglong>(right));
+}
+
+qlonglong wrappingDifference(qlonglong left, qlonglong right)
+{
+    return static_cast<qlonglong>(static_cast<qulonglong>(left) - static_cast<qulonglong>(right));
+}
+
+// Rows keep the low 32 bits of a number of days.
+int lowBits(qlonglong days)
+{
+    return static_cast<int>(days);
+}
+
+// Whole days of recording that fit into @p available KB at @p oneDayUsage bytes a day.
+qlonglong remainingDays(qlonglong available, qlonglong oneDayUsage)
+{
+    if (oneDayUsage <= 0)
+        return unknown;
+    // Whole KB first, as the figures always were: below one KB a day the quotient is infinite and counts as 0.
+    const double days = static_cast<double>(available) / static_cast<double>(oneDayUsage / bytesPerKb);
+    constexpr double limit = 9223372036854775808.0; // 2^63
+    return days >= -limit && days < limit ? static_cast<qlonglong>(days) : 0;
+}
+
+// What the entries of one recording group add up to.
+struct GroupUsage
+{
+    int reserveTime = 0;
+    QString name;
+    qlonglong availableSize = 0;
+    std::optional<qlonglong> recordedDays; // empty while every entry's figure is unknown
+    std::optional<qlonglong> oneDayUsage;
+
+    static void addKnown(std::optional<qlonglong> &sum, qlonglong value)
+    {
+        if (value >= 0)
+            sum = wrappingSum(value, sum.value_or(0));
+    }
+
+    QVariantMap toMap() const
+    {
+        QVariantMap map{
+            {QStringLiteral("reserveTime"), reserveTime},
+            {QStringLiteral("groupName"), name},
+            {QStringLiteral("availableSize"), availableSize},
+        };
+        if (recordedDays)
+            map.insert(QStringLiteral("recordedDays"), *recordedDays);
+        if (oneDayUsage)
+            map.insert(QStringLiteral("oneDayUsage"), *oneDayUsage);
+        return map;
+    }
+};
+
+// The client's status monitor, as far as it is there: a missing object or method is passed over.
+class StatusMonitor
+{
+public:
+    explicit StatusMonitor(QObject *monitor)
+        : m_monitor(monitor)
+    {
+    }
+
+    template<typename... Strings>
+    void call(const QString &method, const Strings &...arguments) const
+    {
+        if (!m_monitor)
+            return;
+        const QByteArray name = method.toLatin1();
+        QByteArrayList types;
+        types.fill("QString", sizeof...(arguments));
+        if (m_monitor->metaObject()->indexOfMethod(name + '(' + types.join(',') + ')') >= 0)
+            QMetaObject::invokeMethod(m_monitor.data(), name.constData(), Qt::AutoConnection,
+                                      Q_ARG(QString, arguments)...);
+    }
+
+private:
+    QPointer<QObject> m_monitor; // not owned, and it may go away in the middle of a call
+};
+
+QString statusMonitorId()
+{
+    return QStringLiteral("{CA5B02D6-F3E0-4FD7-A55C-17F425D5B415}");
+}
+
+QModelIndex findRow(const QStandardItemModel *model, const QString &id)
+{
+    if (!model || model->rowCount() == 0)
+        return {};
+    return model->match(model->index(0, 0), NasServerRole::Id, id, 1, Qt::MatchExactly).value(0);
+}
+
+// The items at and below @p parent that are not recording groups, depth first.
+void collectStations(QStandardItem *parent, std::vector<QStandardItem *> &stations)
+{
+    for (int row = 0; row < parent->rowCount(); ++row) {
+        QStandardItem *const item = parent->child(row);
+        if (!item)
+            continue;
+        if (item->data(TreeRole::Type).toString() != NodeType::RecordingGroup)
+            stations.push_back(item);
+        collectStations(item, stations);
+    }
+}
+
+} // namespace
+
+// Volumes and folders. ----------------------------------------------------------------------------------------------
+
+void PluginRecordingManagement::handleRetrieveVolume(const QVariant &data, const QString &returnCode)
+{
+    clearRows(m_volumeModel);
+    if (returnCode != ReturnCode::Success) {
+        emit getVolumeResponded(false);
+        return;
+    }
+    RowBatch rows(m_volumeModel);
+    const QVariantList volumes = data.toList();
+    for (const QVariant &element : volumes) {
+        const QVariantMap volume = element.toMap();
+        if (!rows.add(VolumeItem(volume.value(FieldKey::volumePath).toString(),
+                                 volume.value(FieldKey::volumeName).toString(),
+                                 volume.value(FieldKey::volumeSize).toLongLong(),
+                                 volume.value(FieldKey::volumeAvailableSize).toLongLong(),
+                                 volume.value(FieldKey::volumeIsSystem).toBool(), false)))
+            TRACE_ERROR("%s, new VolumeItem failed", "PluginRecordingManagement::handleRetrieveVolume");
+    }
+    rows.append();
+    emit getVolumeResponded(true);
+}
+
+void PluginRecordingManagement::handleGetServerDir(const QVariant &data, const QString &)
+{
+    const QVariantMap reply = data.toMap();
+    const QString basePath = reply.value(FieldKey::basePath).toString();
+    const QStringList folders = reply.value(FieldKey::dirFolderList).toStringList();
+    clearRows(m_serverDirModel);
+    RowBatch rows(m_serverDirModel);
+    bool complete = true;
+    for (const QString &folder : folders) {
+        complete = rows.add(DirectoryItem(folder));
+        if (!complete)
+            break;
+    }
+    if (!rows.append() || !complete) {
+        TRACE_ERROR("%s, Create ServerDir item error", "PluginRecordingManagement::handleGetServerDir");
+        emit getServerDirResponded("");
+        return;
+    }
+    emit getServerDirResponded(basePath);
+}
+
+// Recording groups. -------------------------------------------------------------------------------------------------
+
+void PluginRecordingManagement::handleGetRecordingGroup(const QVariant &data, const QString &returnCode, void *context)
+{
+    constexpr auto function = "PluginRecordingManagement::handleGetRecordingGroup";
+    if (returnCode != ReturnCode::Success) {
+        TRACE_ERROR("%s, Get recording group failed, returnCode = %s", function, returnCode.toLocal8Bit().constData());
+        return; // the context stays allocated: a refused request has always kept its id
+    }
+    const auto requestId = takeContext<RequestIdContext>(context);
+    clearRows(m_recordingGroupModel);
+    RowBatch rows(m_recordingGroupModel);
+    const QVariantList groups = data.toList();
+    for (const QVariant &element : groups) {
+        const QVariantMap group = element.toMap();
+        if (!rows.add(RecordingGroupItem(group.value(FieldKey::recordingGroupID).toString(),
+                                         group.value(FieldKey::recordingGroupName).toString(),
+                                         group.value(FieldKey::recordingGroupPathList).toStringList(),
+                                         group.value(FieldKey::recordingGroupNodeIdList).toStringList(),
+                                         group.value(FieldKey::recordingGroupNASPathList).toStringList(), 0, 0, 0, 0)))
+            TRACE_ERROR("%s, new RecordingGroupItem failed", function);
+    }
+    rows.append();
+    setRecordingGroupRetrieved(true);
+    emit getRecordingGroupResponded(requestId ? *requestId : QString());
+}
+
+void PluginRecordingManagement::saveRecordingGroupData(const QVariant &data)
+{
+    const QVariantList groups = data.toList();
+    for (const QVariant &element : groups) {
+        const QVariantMap group = element.toMap();
+        try {
+            m_recordingGroups.push_back({
+                group.value(FieldKey::recordingGroupID).toString(),
+                group.value(FieldKey::relayPath).toString(),
+                group.value(FieldKey::recordingGroupPathList).toList(),
+                group.value(FieldKey::reserveSpace).toList(),
+                group.value(FieldKey::recordingGroupNASPathList).toList(),
+                group.value(FieldKey::recordingGroupNodeIdList).toList(),
+                group.value(FieldKey::recordingGroupRecoveryPathList).toList(),
+                group.value(FieldKey::recordingGroupReservedTime).toInt(),
+                group.value(FieldKey::recordingGroupMemberList).toList(),
+            });
+        } catch (const std::bad_alloc &) {
+            continue; // no memory for this group; the next may be smaller
+        }
+    }
+}
+
+void PluginRecordingManagement::clearRecordingGroupDataList()
+{
+    m_recordingGroups.clear();
+}
+
+std::vector<RecordingGroupData>::const_iterator PluginRecordingManagement::findItemFromRecordingGroupList(
+    const std::vector<RecordingGroupData> &list, const QString &recordingGroupID, const QString &relayPath) const
+{
+    return std::find_if(list.begin(), list.end(), [&](const RecordingGroupData &group) {
+        return group.recordingGroupID == recordingGroupID && group.relayPath == relayPath;
+    });
+}
+
+void PluginRecordingManagement::handleAddRecordingGroup(const QString &returnCode, bool finish)
+{
+    if (finish)
+        emit addRecordingGroupResponded(returnCode == ReturnCode::Success);
+}
+
+void PluginRecordingManagement::handleAddRecordingGroupWithCompleteInfo(const QVariant &data, const QString &returnCode)
+{
+    const QVariantMap reply = data.toMap();
+    const bool success = returnCode == ReturnCode::Success;
+    const QVariantList errors = success ? QVariantList() : reply.value(FieldKey::errorAction).toList();
+    emit addRecordingGroupWithCompleteInfoResp(success, reply.value(FieldKey::recordingGroupID).toString(), errors);
+}
+
+void PluginRecordingManagement::handleUpdateRecordingGroup(const QVariant &data, const QString &returnCode)
+{
+    emit updateRecordingGroupResp(returnCode == ReturnCode::Success, data.toList());
+}
+
+// Station tree. -----------------------------------------------------------------------------------------------------
+
+void PluginRecordingManagement::handleRetrieveRecordingGroupTreeModel(const QVariant &data, const QString &result)
+{
+    if (result != ReturnCode::Success) {
+        TRACE_ERROR("%s, Get recording group failed, returnCode = %s",
+                    "PluginRecordingManagement::handleRetrieveRecordingGroupTreeModel",
+                    result.toLocal8Bit().constData());
+        return;
+    }
+    appendRecordingGroupToTreeModel(data);
+    saveRecordingGroupData(data);
+    emit retrieveRecordingGroupTreeModelFinish();
+}
+
+void PluginRecordingManagement::appendRecordingGroupToTreeModel(const QVariant &data)
+{
+    struct Station
+    {
+        QVariant relayPath;
+        RowBatch groups;
+    };
+    std::vector<Station> stations;
+    if (m_treeModel) {
+        std::vector<QStandardItem *> items;
+        collectStations(m_treeModel->invisibleRootItem(), items);
+        for (QStandardItem *item : items)
+            stations.push_back({item->data(TreeRole::RelayPath), RowBatch(item)});
+    }
+
+    const QVariantList groups = data.toList();
+    for (const QVariant &element : groups) {
+        const QVariantMap group = element.toMap();
+        const QVariant relayPath = group.value(FieldKey::relayPath);
+        RowItem item = TreeGroupItem(group.value(FieldKey::recordingGroupName), relayPath,
+                                     group.value(FieldKey::recordingGroupID));
+        if (!item) {
+            TRACE_ERROR("%s, new RecordingGroupTreeModelItem failed",
+                        "PluginRecordingManagement::appendRecordingGroupToTreeModel");
+            continue;
+        }
+        const auto station = std::find_if(stations.begin(), stations.end(), [&relayPath](const Station &candidate) {
+            return candidate.relayPath == relayPath;
+        });
+        if (station != stations.end())
+            station->groups.add(std::move(item));
+    }
+    for (Station &station : stations)
+        station.groups.append();
+}
+
+// Storage usage. ----------------------------------------------------------------------------------------------------
+
+void PluginRecordingManagement::handleVolumeChanged(QVariant data, const QString &source)
+{
+    QMap<QString, QVariant> usage = calculateGroupUsage(data);
+    updateRecordingGroupVolumeModel(source, data);
+    updateRecordingGroupUsageModel(source, usage);
+    monitorVolumnStatus(source, data);
+    monitorGroupStatus(source);
+}
+
+QMap<QString, QVariant> PluginRecordingManagement::calculateGroupUsage(QVariant &data)
+{
+    std::map<QString, GroupUsage> sums;
+    const QVariantList entries = data.toList();
+    for (const QVariant &element : entries) {
+        const QVariantMap entry = element.toMap();
+        GroupUsage &group = sums[entry.value(FieldKey::recordingGroupID).toString()];
+        group.reserveTime = entry.value(FieldKey::recordingGroupReservedTime).toInt();
+        group.name = entry.value(FieldKey::recordingGroupName).toString();
+        group.availableSize = wrappingSum(group.availableSize, entry.value(FieldKey::volumeAvailableSize).toLongLong());
+        GroupUsage::addKnown(group.recordedDays, entry.value(FieldKey::volumeRecordedDays).toLongLong());
+        GroupUsage::addKnown(group.oneDayUsage, entry.value(FieldKey::volumeOneDayUsage).toLongLong());
+    }
+    QMap<QString, QVariant> usage;
+    for (const auto &[id, group] : sums)
+        usage.insert(usage.cend(), id, group.toMap());
+    return usage;
+}
+
+void PluginRecordingManagement::updateRecordingGroupVolumeModel(const QString &source, QVariant &data)
+{
+    std::exchange(m_groupVolumeModels[source], {}); // emptied first: a model's end may bring QML back in here
+    std::map<QString, RowBatch> batches;
+    const QVariantList entries = data.toList();
+    for (const QVariant &element : entries) {
+        const QVariantMap entry = element.toMap();
+        const QString groupId = entry.value(FieldKey::recordingGroupID).toString();
+        auto batch = batches.find(groupId);
+        if (batch == batches.end()) {
+            const QSharedPointer<QStandardItemModel> model(newListModel(volumeRoleNames(), this));
+            if (!model)
+                continue;
+            m_groupVolumeModels[source].insert(groupId, model);
+            batch = batches.emplace(groupId, RowBatch(model.data())).first;
+        }
+        batch->second.add(VolumeItem(
+            entry.value(FieldKey::recordingPath).toString(), entry.value(FieldKey::volumeName).toString(),
+            entry.value(FieldKey::volumeSize).toLongLong(), entry.value(FieldKey::volumeAvailableSize).toLongLong(),
+            entry.value(FieldKey::volumeIsSystem).toBool(), entry.value(FieldKey::volumeIsNAS).toBool()));
+    }
+    for (auto &[groupId, batch] : batches)
+        batch.append();
+}
+
+void PluginRecordingManagement::updateRecordingGroupUsageModel(const QString &source, QMap<QString, QVariant> &usage)
+{
+    // Held here: whoever hears of unsupported storage may come back and drop the plug-in's own reference.
+    const QSharedPointer<QStandardItemModel> model = storageUsageModel(source);
+    clearRows(model.data());
+    RowBatch rows(model.data());
+    for (auto entry = usage.cbegin(); entry != usage.cend(); ++entry) {
+        const QString &id = entry.key();
+        if (id.isEmpty()) {
+            emit unsupportedStorages(source);
+            continue;
+        }
+        const QVariantMap group = entry->toMap();
+        const qlonglong recorded = group.value(QStringLiteral("recordedDays"), unknown).toLongLong();
+        const qlonglong oneDay = group.value(QStringLiteral("oneDayUsage"), unknown).toLongLong();
+        const qlonglong remaining = remainingDays(group.value(QStringLiteral("availableSize")).toLongLong(), oneDay);
+        const QString name =
+            id == FieldKey::backupID ? QStringLiteral("Backup") : group.value(QStringLiteral("groupName")).toString();
+        rows.add(RecordingGroupItem(id, name, {}, {}, {}, lowBits(recorded), lowBits(remaining), oneDay,
+                                    group.value(QStringLiteral("reserveTime")).toInt()));
+    }
+    rows.append();
+}
+
+void PluginRecordingManagement::monitorVolumnStatus(const QString &source, QVariant &data)
+{
+    const StatusMonitor monitor(pluginObject(statusMonitorId()));
+    monitor.call(StatusMonitorMethod::removeVolumeError, source);
+    const QVariantList entries = data.toList();
+    const bool dead = std::any_of(entries.begin(), entries.end(), [](const QVariant &element) {
+        const QVariantMap volume = element.toMap();
+        return volume.value(FieldKey::volumeAvailableSize).toLongLong() == 0
+            && volume.value(FieldKey::volumeSize).toLongLong() == 0;
+    });
+    if (dead)
+        monitor.call(StatusMonitorMethod::monitorVolumeStatus, source);
+}
+
+void PluginRecordingManagement::monitorGroupStatus(const QString &source)
+{
+    const QSharedPointer<QStandardItemModel> model = m_storageUsageModels.value(source);
+    const StatusMonitor monitor(pluginObject(statusMonitorId()));
+    for (int row = 0; model && row < model->rowCount(); ++row) {
+        const QModelIndex group = model->index(row, 0);
+        const QString id = group.data(RecordingGroupRole::Id).toString();
+        const QString name = group.data(RecordingGroupRole::Name).toString();
+        const qlonglong remaining = group.data(RecordingGroupRole::RemainDays).toLongLong();
+        const qlonglong recorded = group.data(RecordingGroupRole::RecordedDays).toLongLong();
+        const int reserve = group.data(RecordingGroupRole::ReserveTime).toInt();
+        if (remaining < 0 || recorded < 0 || reserve < 0)
+            continue; // an unknown figure is never judged
+        if (recorded + remaining >= reserve / minutesPerDay)
+            monitor.call(StatusMonitorMethod::monitorSufficientRecordingGroup, source, id);
+        else
+            monitor.call(StatusMonitorMethod::monitorInsufficientRecordingDays, source, name, id);
+    }
+}
+
+// NAS servers. ------------------------------------------------------------------------------------------------------
+
+PluginRecordingManagement::NASServerErrorCode
+PluginRecordingManagement::TransferNASServerErrorCode(const QString &result) const
+{
+    static const std::pair<const QString &, NASServerErrorCode> codes[] = {
+        {ReturnCode::Success, NonError},
+        {NasReturnCode::LogonNASServerFaled, LogonFailed},
+        {NasReturnCode::NASServerExist, ServerExist},
+        {NasReturnCode::GetNasDirFailed, GetDirFailed},
+        {NasReturnCode::GetNasCapacityFailed, GetCapacityFailed},
+    };
+    const auto code = std::find_if(std::begin(codes), std::end(codes),
+                                   [&result](const auto &entry) { return entry.first == result; });
+    return code == std::end(codes) ? Unknown : code->second;
+}
+
+bool PluginRecordingManagement::isContextOutOfDate(const AddNASServerContext &context) const
+{
+    return context.requestId != m_addRequestId;
+}
+
+void PluginRecordingManagement::handleGetNASServers(const QString &result, const QVariant &data)
+{
+    if (result != ReturnCode::Success) {
+        emit getNASServersResponded(false);
+        return;
+    }
+    const QVariantList servers = data.toList();
+    clearRows(m_nasServerModel);
+    RowBatch rows(m_nasServerModel);
+    bool complete = true;
+    for (const QVariant &element : servers) {
+        const QVariantMap server = element.toMap();
+        const QString id = server.value(QStringLiteral("id")).toString();
+        const QString host = server.value(FieldKey::host).toString();
+        if (id.isEmpty() || host.isEmpty())
+            continue;
+        complete = rows.add(NasServerItem(id, host, server.value(FieldKey::logonDomain).toString(),
+                                          server.value(FieldKey::userName).toString(),
+                                          server.value(FieldKey::password).toString()));
+        if (!complete)
+            break;
+    }
+    complete = rows.append() && complete;
+    if (!complete)
+        TRACE_ERROR("%s, Create NASServer item error", "PluginRecordingManagement::handleGetNASServers");
+    emit getNASServersResponded(complete);
+}
+
+void PluginRecordingManagement::handleAddNASServer(const QString &result, const QVariant &data, void *context)
+{
+    const auto request = takeContext<AddNASServerContext>(context);
+    if (!request || isContextOutOfDate(*request))
+        return;
+    const NASServerErrorCode code = TransferNASServerErrorCode(result);
+    if (code != NonError) {
+        emit addNASServerResponded(code, "");
+        return;
+    }
+    const QString id = data.toString();
+    RowBatch rows(m_nasServerModel);
+    if (!rows.add(NasServerItem(id, request->host, request->logonDomain, request->userName, request->password))
+        || !rows.append()) {
+        TRACE_ERROR("%s, replace model item list failed", "PluginRecordingManagement::handleAddNASServer");
+        emit addNASServerResponded(Unknown, "");
+        return;
+    }
+    emit addNASServerResponded(NonError, id);
+}
+
+void PluginRecordingManagement::handleUpdateNASServer(const QString &result, void *context)
+{
+    const auto request = takeContext<NASServerRequestContext>(context);
+    const QVariantMap server = request ? *request : QVariantMap();
+    const QString id = server.value(QStringLiteral("id")).toString();
+    const NASServerErrorCode code = TransferNASServerErrorCode(result);
+    if (code == NonError) {
+        if (QStandardItem *row =
+                m_nasServerModel ? m_nasServerModel->itemFromIndex(findRow(m_nasServerModel, id)) : nullptr) {
+            row->setData(server.value(FieldKey::host).toString(), NasServerRole::Host);
+            row->setData(server.value(FieldKey::logonDomain).toString(), NasServerRole::LogonDomain);
+            row->setData(server.value(FieldKey::userName).toString(), NasServerRole::UserName);
+            row->setData(server.value(FieldKey::password).toString(), NasServerRole::Password);
+        }
+    }
+    emit updateNASServerResponsed(code, id);
+}
+
+void PluginRecordingManagement::handleRemoveNASServer(const QString &result, void *context)
+{
+    const auto request = takeContext<NASServerRequestContext>(context);
+    const bool success = result == ReturnCode::Success;
+    if (success) {
+        const QString id = request ? request->value(QStringLiteral("id")).toString() : QString();
+        const QModelIndex row = findRow(m_nasServerModel, id);
+        if (row.isValid())
+            m_nasServerModel->removeRow(row.row());
+    }
+    emit removeNASServerResponsed(success);
+}
+
+void PluginRecordingManagement::handleGetNASServerDir(const QString &result, const QVariant &data, void *context)
+{
+    const NASServerErrorCode code = TransferNASServerErrorCode(result);
+    if (code != NonError) {
+        emit getNASServerDirResponded(code, "");
+        return;
+    }
+    const auto filter = reinterpret_cast<qintptr>(context); // the request put the filter itself there
+    const auto hidden = [filter](const QString &folder) {
+        return ((filter & NoDot) && folder == u".") || ((filter & NoDotDot) && folder == u"..");
+    };
+    const QVariantMap reply = data.toMap();
+    const QStringList folders = reply.value(FieldKey::dirFolderList).toStringList();
+    clearRows(m_nasDirModel);
+    RowBatch rows(m_nasDirModel);
+    bool complete = true;
+    for (const QString &folder : folders) {
+        if (hidden(folder))
+            continue;
+        complete = rows.add(DirectoryItem(folder));
+        if (!complete)
+            break;
+    }
+    if (!rows.append() || !complete) {
+        TRACE_ERROR("%s, Create NASServerDir item error", "PluginRecordingManagement::handleGetNASServerDir");
+        emit getNASServerDirResponded(Unknown, "");
+        return;
+    }
+    emit getNASServerDirResponded(NonError, reply.value(FieldKey::basePath).toString());
+}
+
+void PluginRecordingManagement::handleGetNASServerCapacity(const QString &result, const QVariant &data, void *context)
+{
+    const auto path = takeContext<NASPathContext>(context);
+    const NASServerErrorCode code = TransferNASServerErrorCode(result);
+    if (code != NonError) {
+        emit getNASServerCapacityResponded(code, 0, 0);
+        return;
+    }
+    const QVariantMap capacity = data.toMap();
+    const qlonglong used = capacity.value(QStringLiteral("used")).toLongLong();
+    const qlonglong total = capacity.value(QStringLiteral("total")).toLongLong();
+    emit getNASServerCapacityResponded(NonError, total, used);
+    if (!path)
+        return;
+    RowBatch rows(m_volumeModel);
+    if (!rows.add(VolumeItem(*path, *path, total, wrappingDifference(total, used), false, true)) || !rows.append())
+        TRACE_ERROR("%s, new VolumeItem failed", "PluginRecordingManagement::handleGetNASServerCapacity");
+}
+
+void PluginRecordingManagement::handleAddNASPathsToVolume(const QString &result, const QVariant &data)
+{
+    constexpr auto function = "PluginRecordingManagement::handleAddNASPathsToVolume";
+    if (result != ReturnCode::Success) {
+        TRACE_ERROR("%s, Add path to volume failed, returnCode = %s", function, result.toLocal8Bit().constData());
+        emit addNASPathsToVolumeResp(false);
+        return;
+    }
+    RowBatch rows(m_volumeModel);
+    const QVariantList disks = data.toList();
+    for (const QVariant &element : disks) {
+        const QVariantMap disk = element.toMap();
+        const QString name = disk.value(FieldKey::diskName).toString();
+        const qlonglong total = disk.value(FieldKey::diskTotal).toLongLong();
+        const qlonglong used = disk.value(FieldKey::diskUsed).toLongLong();
+        if (!rows.add(VolumeItem(name, name, total, wrappingDifference(total, used), false, true)))
+            TRACE_ERROR("%s, new VolumeItem failed", function);
+    }
+    rows.append();
+    emit addNASPathsToVolumeResp(true);
+}
