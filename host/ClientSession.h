@@ -1,0 +1,46 @@
+#pragma once
+
+#include "framework/HostFramework.h"
+#include "link/EmbeddedLink.h"
+
+#include <QObject>
+
+#include <memory>
+
+class PluginBase;
+
+/// Everything a client needs around the plug-in, put together once: a link to an embedded station on this machine, the
+/// framework, and the plug-in loaded and initialised. Ends it all in the right order. Lives on the UI thread.
+class ClientSession : public QObject
+{
+    Q_OBJECT
+public:
+    struct Options
+    {
+        QStringList pluginFolders; ///< empty: PluginHost::defaultFolders()
+        QString relayPath; ///< of the embedded station
+        std::chrono::milliseconds replyTimeout = std::chrono::seconds(30);
+        EmbeddedLink::MakeStation makeStation; ///< empty: the volumes of this machine
+    };
+
+    explicit ClientSession(QObject *parent = nullptr);
+    ~ClientSession() override;
+
+    /// Loads and initialises the plug-in and starts the station; false with error() set when that failed.
+    bool start(const Options &options);
+    QString error() const;
+
+    QObject *plugin() const; ///< the PluginRecordingManagement; null before start()
+    HostFramework *framework() const; ///< null before start()
+    bool isConnected() const;
+
+signals:
+    /// The link to the station went up or down.
+    void connectedChanged(bool connected);
+
+private:
+    QString m_error;
+    std::unique_ptr<EmbeddedLink> m_link;
+    std::unique_ptr<HostFramework> m_framework;
+    std::unique_ptr<PluginBase> m_plugin;
+};

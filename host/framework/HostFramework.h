@@ -1,0 +1,51 @@
+#pragma once
+
+#include "framework/FrameworkWrapperBase.h"
+#include "framework/PluginBase.h"
+#include "link/StationLink.h"
+
+#include <QHash>
+#include <QMap>
+#include <QPointer>
+#include <QTimer>
+
+#include <chrono>
+
+/// The framework as a client gives it to its plug-ins: hands their commands to a station link, and every reply and event
+/// to their processors, on the plug-ins' thread and in the order in which the stations gave them.
+///
+/// Every accepted command is answered exactly once, that is with exactly one last part: when the link is down, when the
+/// station does not answer in time and when the client closes, with a code of HostReturnCode. Whatever arrives after
+/// that is dropped. An answer never comes from within SendCommand(). Lives on the UI thread.
+class HostFramework : public QObject, public FrameworkWrapperBase
+{
+    Q_OBJECT
+public:
+    /// @param link not owned; must outlive the framework
+    explicit HostFramework(StationLink &link, QObject *parent = nullptr);
+    ~HostFramework() override;
+
+    /// How long a station may take for a command, or for the next part of an answer in several; 30 s at first.
+    void setReplyTimeout(std::chrono::milliseconds timeout);
+
+    /// Hands the plug-in its framework (InitialPluginBase) and from then on its replies, events and connections; when the
+    /// link is up already, the plug-in is told at once. False when the plug-in could not initialise.
+    /// @param plugin not owned; may end before the framework does
+    bool attach(PluginBase *plugin, const QString &pluginId, QQmlContext *context = nullptr);
+
+    /// Makes @p object the answer to GetPluginObject(@p pluginId). Not owned.
+    void addPluginObject(const QString &pluginId, QObject *object);
+
+    /// Answers everything outstanding with HostReturnCode::Closing and accepts nothing more.
+    void close();
+
+    bool SendCommand(void *handle, const QString &pluginId, const QString &command, const QVariant &data, void *context,
+                     bool flag, const QString &relayPath) override;
+    QObject *GetPluginObject(void *handle, const QString &pluginId) override;
+
+signals:
+    /// A part of an answer is about to be handed to its plug-in: the words behind the plug-in's yes or no.
+    void commandAnswered(const QString &command, const QString &returnCode, const QVariant &data, bool finish);
+    /// An event was handed to the plug-ins; @p source is the relay path of its station.
+    void eventDelivered(const QString &event, const QVariant &data, const QString &source);
+};
