@@ -11,8 +11,8 @@
 
 #include <chrono>
 
-/// The framework as a client gives it to its plug-ins: hands their commands to a station link, and every reply and event
-/// to their processors, on the plug-ins' thread and in the order in which the stations gave them.
+/// The framework as a client gives it to its plug-ins: hands their commands to a station link, and every reply and
+/// event to their processors, on the plug-ins' thread and in the order in which the stations gave them.
 ///
 /// Every accepted command is answered exactly once, that is with exactly one last part: when the link is down, when the
 /// station does not answer in time and when the client closes, with a code of HostReturnCode. Whatever arrives after
@@ -28,8 +28,8 @@ public:
     /// How long a station may take for a command, or for the next part of an answer in several; 30 s at first.
     void setReplyTimeout(std::chrono::milliseconds timeout);
 
-    /// Hands the plug-in its framework (InitialPluginBase) and from then on its replies, events and connections; when the
-    /// link is up already, the plug-in is told at once. False when the plug-in could not initialise.
+    /// Hands the plug-in its framework (InitialPluginBase) and from then on its replies, events and connections; when
+    /// the link is up already, the plug-in is told at once. False when the plug-in could not initialise.
     /// @param plugin not owned; may end before the framework does
     bool attach(PluginBase *plugin, const QString &pluginId, QQmlContext *context = nullptr);
 

@@ -8,4 +8,4 @@ extern const QString LinkDown; ///< the link to the station is down, or went dow
 extern const QString NoAnswer; ///< the station did not answer in time
 extern const QString UnknownStation; ///< the relay path names no station that can be reached
 extern const QString Closing; ///< the client is closing
-}
+} // namespace HostReturnCode

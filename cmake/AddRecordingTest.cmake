@@ -1,0 +1,18 @@
+# add_recording_test(name [LABELS label...] [SOURCES file...] [LIBRARIES target...] [ENVIRONMENT name=value...])
+#
+# Builds name.cpp into a test that needs no display and cannot hang. It links the plug-in's own objects unless LIBRARIES
+# says otherwise: the tests of the host, the station and the apps use the plug-in as a file.
+function(add_recording_test name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LABELS;SOURCES;LIBRARIES;ENVIRONMENT")
+    if(NOT arg_LIBRARIES)
+        set(arg_LIBRARIES recording-core)
+    endif()
+    add_executable(${name} ${name}.cpp ${arg_SOURCES})
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_CURRENT_BINARY_DIR}")
+    target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} recording-test-support Qt6::Test recording-options)
+    add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES
+        TIMEOUT 120
+        LABELS "${arg_LABELS}"
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;${RECORDING_TEST_ENVIRONMENT};${arg_ENVIRONMENT}")
+endfunction()
