@@ -250,3 +250,8 @@ QString PluginRecordingManagement::convertVolumeCapacity(qint64 capacity) const
     }
     return templates[std::min(unit, std::size(templates) - 1)].arg(QString::number(value, 'f', 2));
 }
+
+QString PluginRecordingManagement::toSlashPath(const QString &path) const
+{
+    return QString(path).replace(u'\\', u'/');
+}

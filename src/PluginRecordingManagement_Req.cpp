@@ -96,8 +96,9 @@ QVariantMap PluginRecordingManagement::getVolumeInfo(const QString &path, const 
     QModelIndex volume;
     for (int row = 0; m_volumeModel && row < m_volumeModel->rowCount(); ++row) {
         const QModelIndex index = m_volumeModel->index(row, 0);
+        const QString volumePath = toSlashPath(index.data(VolumeRole::RootPath).toString());
         // D:/Rec lies under D:/Re too: a plain prefix, and the first one counts.
-        if (slashPath.startsWith(toSlashPath(index.data(VolumeRole::RootPath).toString()))) {
+        if (volumePath.isEmpty() || slashPath.startsWith(volumePath)) {
             volume = index;
             break;
         }
@@ -108,11 +109,6 @@ QVariantMap PluginRecordingManagement::getVolumeInfo(const QString &path, const 
         {QStringLiteral("isNAS"), volume.data(VolumeRole::IsNas).toBool()},
         {QStringLiteral("isSystem"), volume.data(VolumeRole::IsSystem).toBool()},
     };
-}
-
-QString PluginRecordingManagement::toSlashPath(const QString &path) const
-{
-    return QString(path).replace(u'\\', u'/');
 }
 
 bool PluginRecordingManagement::getServerDir(const QString &basePath, const QString &relayPath)

@@ -294,6 +294,7 @@ void VolumesTest::emptyVolumePathMatchesEveryPath()
     reply(QVariantList{volume("", "", 7)});
     QCOMPARE(m_plugin->getVolumeInfo("D:/a", {})["size"], 7);
     QCOMPARE(m_plugin->getVolumeInfo("", {})["size"], 7);
+    QCOMPARE(m_plugin->getVolumeInfo(QString(), {})["size"], 7);
 }
 
 void VolumesTest::infoKeepsANasVolumesMark()
