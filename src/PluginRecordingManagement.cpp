@@ -244,11 +244,11 @@ QString PluginRecordingManagement::convertVolumeCapacity(qint64 capacity) const
                                         QStringLiteral("%1 TB")};
     auto value = static_cast<double>(capacity);
     std::size_t unit = 0;
-    while (value >= 1024.0) {
+    while (value >= 1024.0 && unit + 1 < std::size(templates)) {
         value *= 0.0009765625; // 1/1024
         ++unit;
     }
-    return templates[std::min(unit, std::size(templates) - 1)].arg(QString::number(value, 'f', 2));
+    return templates[unit].arg(QString::number(value, 'f', 2));
 }
 
 QString PluginRecordingManagement::toSlashPath(const QString &path) const
