@@ -1,13 +1,12 @@
 #pragma once
 
 #include "StationMessage.h"
+#include "VolumeSource.h"
 
 #include <QObject>
 
 #include <functional>
 #include <memory>
-
-class VolumeSource;
 
 /// A recording server: does what commands ask for on the machine that it runs on. Lives on one thread of its own and
 /// may block there.
@@ -29,5 +28,10 @@ signals:
     void eventRaised(const StationEvent &event);
 
 private:
+    void carryOut(const StationCommand &command, const Answer &answer);
+    void getVolume(const QVariant &data, const Answer &answer);
+    void getServerDir(const QVariant &data, const Answer &answer);
+    void createDirectory(const QVariant &data, const Answer &answer);
+
     std::unique_ptr<VolumeSource> m_volumes;
 };

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+/// One row of the kernel's table of mounts.
+struct MountRecord
+{
+    int id = 0;
+    int parentId = 0; ///< of the mount that this one is mounted on
+    QString device; ///< "major:minor"; all mounts of one file system have the same
+    QString root; ///< which folder of the file system is mounted; "/" unless a bind mount or a subvolume
+    QString mountPoint;
+    QString fileSystem; ///< the type, ext4 for instance
+    QString source; ///< the block device or the network share
+    bool isReadOnly = false;
+    bool isFolder = true; ///< containers also mount single files
+};
+
+/// The mounts of a machine, and which of them are storage volumes. Only looks at the rows that it was given.
+class MountTable
+{
+public:
+    explicit MountTable(QList<MountRecord> records);
+
+    /// The rows of @p mountInfo, which is text as in /proc/self/mountinfo. Lines that do not have that form are left
+    /// out.
+    static QList<MountRecord> parse(const QByteArray &mountInfo);
+
+    /// The mounts that are listed as volumes: one for each file system that stores data and can be reached.
+    ///
+    /// The root is always among them, whatever its type. Left out are pseudo file systems and those in memory,
+    /// read-only images, further mounts of a file system (bind mounts, subvolumes), single files, and mounts hidden
+    /// under others.
+    QList<MountRecord> volumes() const;
+
+    /// The mount that @p path lies on. The path is absolute, symbolic links resolved.
+    const MountRecord &holding(const QString &path) const;
+
+private:
+    bool isOutermost(const MountRecord &record) const;
+    bool isMountedOn(const MountRecord &record, const MountRecord &parent) const;
+
+    QList<MountRecord> m_records;
+    qsizetype m_root = -1;
+};

@@ -1,0 +1,105 @@
+#include "MountedVolumes.h"
+
+#include "MountTable.h"
+#include "NameOrder.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QStorageInfo>
+
+#include <algorithm>
+#include <filesystem>
+#include <utility>
+
+namespace {
+MountTable readMountTable()
+{
+    QFile file(QStringLiteral("/proc/self/mountinfo"));
+    QList<MountRecord> records;
+    if (file.open(QIODevice::ReadOnly))
+        records = MountTable::parse(file.readAll());
+    for (MountRecord &record : records)
+        record.isFolder = QFileInfo(record.mountPoint).isDir();
+    return MountTable(std::move(records));
+}
+
+bool isSystem(const QString &mountPoint)
+{
+    static const QStringList systemMountPoints{
+        QStringLiteral("/"),
+        QStringLiteral("/boot"),
+        QStringLiteral("/boot/efi"),
+        QStringLiteral("/usr"),
+    };
+    return systemMountPoints.contains(mountPoint);
+}
+
+QString nameOf(const MountRecord &mount, const QString &label)
+{
+    if (!label.isEmpty())
+        return label;
+    if (mount.mountPoint == u'/')
+        return QStringLiteral("System");
+    if (!mount.source.startsWith(QStringLiteral("/dev/")) && !mount.source.isEmpty())
+        return mount.source;
+    return mount.mountPoint.section(u'/', -1);
+}
+
+/// The volume that @p mount is; none when it does not answer, or is gone already and its folder shows another one.
+std::optional<Volume> readVolume(const MountRecord &mount)
+{
+    const QStorageInfo info(mount.mountPoint);
+    Volume volume;
+    volume.path = mount.mountPoint;
+    volume.name = nameOf(mount, info.name());
+    volume.isSystem = isSystem(mount.mountPoint);
+    volume.isReadOnly = mount.isReadOnly;
+    if (info.isValid() && info.isReady() && info.rootPath() == mount.mountPoint) {
+        volume.bytesTotal = info.bytesTotal();
+        volume.bytesAvailable = info.bytesAvailable();
+    } else if (mount.mountPoint == u'/') {
+        std::error_code error;
+        const std::filesystem::space_info space = std::filesystem::space("/", error);
+        if (!error) {
+            volume.bytesTotal = static_cast<qint64>(space.capacity);
+            volume.bytesAvailable = static_cast<qint64>(space.available);
+        }
+        return volume;
+    }
+    if (volume.bytesTotal <= 0)
+        return {};
+    return volume;
+}
+} // namespace
+
+QList<Volume> MountedVolumes::volumes() const
+{
+    QList<Volume> volumes;
+    const QList<MountRecord> mounts = readMountTable().volumes();
+    for (const MountRecord &mount : mounts) {
+        if (const std::optional<Volume> volume = readVolume(mount))
+            volumes.append(*volume);
+    }
+    std::sort(volumes.begin(), volumes.end(), [](const Volume &left, const Volume &right) {
+        if (left.isSystem != right.isSystem)
+            return left.isSystem;
+        return nameLess(left.path, right.path);
+    });
+    return volumes;
+}
+
+std::optional<Volume> MountedVolumes::volumeHolding(const QString &path) const
+{
+    const MountTable table = readMountTable();
+    const MountRecord &holder = table.holding(path);
+    const QList<MountRecord> mounts = table.volumes();
+    for (const MountRecord &mount : mounts) {
+        if (mount.device != holder.device)
+            continue;
+        std::optional<Volume> volume = readVolume(mount);
+        if (volume)
+            volume->isReadOnly = holder.isReadOnly; // one file system can be mounted both ways
+        return volume;
+    }
+    return {};
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+
+#include <optional>
+
+/// A place of a station that stores data: a mounted file system.
+struct Volume
+{
+    QString path; ///< its root, absolute, with forward slashes
+    QString name; ///< what an operator knows it by, never empty
+    qint64 bytesTotal = 0;
+    qint64 bytesAvailable = 0; ///< what a user without privileges may still write
+    bool isSystem = false; ///< holds the operating system
+    bool isReadOnly = false; ///< nothing can be written to it at the moment
+};
+
+/// Where a station's volumes come from. Asked on the station's thread, may block there.
+class VolumeSource
+{
+public:
+    virtual ~VolumeSource() = default;
+
+    /// The volumes as they are now, in the order in which operators read them: the system volume first.
+    virtual QList<Volume> volumes() const = 0;
+
+    /// The volume that stores what lies under @p path; none when that is not one of the station's volumes.
+    /// @param path of an existing folder, absolute, symbolic links resolved
+    virtual std::optional<Volume> volumeHolding(const QString &path) const = 0;
+};
