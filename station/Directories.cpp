@@ -35,13 +35,17 @@ std::optional<QString> carriedName(const fs::path &name)
 
 QString listFailure(const std::error_code &error)
 {
-    if (error == std::errc::no_such_file_or_directory || error == std::errc::too_many_symbolic_link_levels)
+    switch (error.value()) {
+    case ENOENT:
+    case ELOOP:
         return StationReturnCode::DirectoryNotFound;
-    if (error == std::errc::not_a_directory)
+    case ENOTDIR:
         return StationReturnCode::NotADirectory;
-    if (error == std::errc::filename_too_long)
+    case ENAMETOOLONG:
         return StationReturnCode::NameRefused;
-    return StationReturnCode::DirectoryNotReadable;
+    default:
+        return StationReturnCode::DirectoryNotReadable;
+    }
 }
 
 /// Folders made for one command, taken away again unless they are kept.
@@ -190,23 +194,18 @@ QString createFailure(const std::error_code &error)
 {
     static const struct
     {
-        std::errc error;
+        int error;
         const QString &returnCode;
     } failures[] = {
-        {std::errc::permission_denied, StationReturnCode::PermissionDenied},
-        {std::errc::operation_not_permitted, StationReturnCode::PermissionDenied},
-        {std::errc::read_only_file_system, StationReturnCode::VolumeReadOnly},
-        {std::errc::no_space_on_device, StationReturnCode::VolumeFull},
-        {static_cast<std::errc>(EDQUOT), StationReturnCode::VolumeFull},
-        {std::errc::filename_too_long, StationReturnCode::NameRefused},
-        {std::errc::invalid_argument, StationReturnCode::NameRefused},
-        {std::errc::illegal_byte_sequence, StationReturnCode::NameRefused},
-        {std::errc::file_exists, StationReturnCode::FileExists},
-        {std::errc::not_a_directory, StationReturnCode::NotADirectory},
-        {std::errc::too_many_symbolic_link_levels, StationReturnCode::NotADirectory},
+        {EACCES, StationReturnCode::PermissionDenied}, {EPERM, StationReturnCode::PermissionDenied},
+        {EROFS, StationReturnCode::VolumeReadOnly},    {ENOSPC, StationReturnCode::VolumeFull},
+        {EDQUOT, StationReturnCode::VolumeFull},       {ENAMETOOLONG, StationReturnCode::NameRefused},
+        {EINVAL, StationReturnCode::NameRefused},      {EILSEQ, StationReturnCode::NameRefused},
+        {EEXIST, StationReturnCode::FileExists},       {ENOTDIR, StationReturnCode::NotADirectory},
+        {ELOOP, StationReturnCode::NotADirectory},
     };
     for (const auto &failure : failures) {
-        if (error == failure.error)
+        if (error.value() == failure.error)
             return failure.returnCode;
     }
     return StationReturnCode::CannotCreate;

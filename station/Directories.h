@@ -7,10 +7,10 @@
 
 class VolumeSource;
 
-/// What became of a directory operation: a word of StationReturnCode, "0" for success.
+/// What listFolders() found.
 struct FolderList
 {
-    QString returnCode;
+    QString returnCode; ///< a word of StationReturnCode, "0" for success
     QStringList names; ///< empty unless it succeeded
 };
 
@@ -24,8 +24,9 @@ FolderList listFolders(const QString &path);
 /// Makes the folder @p path and the parents that are missing; all of them or none. Returns a word of StationReturnCode.
 ///
 /// The nearest parent that exists, symbolic links resolved, must lie on one of @p volumes.
-/// @param path absolute, with forward slashes, every name in it plain: not empty, no ".", no ".."
+/// @param path with forward slashes; refused unless it is absolute and no name in it is empty, "." or ".."
 QString createFolder(const QString &path, const VolumeSource &volumes);
 
-/// The word of StationReturnCode for the failure @p error of making a folder.
+/// The word of StationReturnCode for a folder that could not be made because of @p error, a number of the system
+/// (errno).
 QString createFailure(const std::error_code &error);

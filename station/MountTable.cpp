@@ -81,22 +81,22 @@ bool hasReadOnlyOption(const QByteArray &options)
 }
 } // namespace
 
-MountTable::MountTable(QList<MountRecord> records)
+MountTable::MountTable(QList<MountRecord> records, const QString &rootDevice)
     : m_records(std::move(records))
 {
     for (qsizetype i = 0; i < m_records.size() && m_root < 0; ++i) {
         if (m_records[i].mountPoint == u'/' && isOutermost(m_records[i]))
             m_root = i;
     }
-    if (m_root < 0) {
-        // A changed root need not be a mount point; its mount is not in the table then.
-        MountRecord root;
-        root.id = -1;
-        root.parentId = -1;
-        root.root = root.mountPoint = QStringLiteral("/");
-        m_records.prepend(root);
-        m_root = 0;
-    }
+    if (m_root >= 0)
+        return;
+    MountRecord root;
+    root.id = -1;
+    root.parentId = -1;
+    root.device = rootDevice;
+    root.root = root.mountPoint = QStringLiteral("/");
+    m_records.prepend(root);
+    m_root = 0;
 }
 
 QList<MountRecord> MountTable::parse(const QByteArray &mountInfo)
@@ -109,8 +109,12 @@ QList<MountRecord> MountTable::parse(const QByteArray &mountInfo)
         if (dash < 0 || fields.size() < dash + 4)
             continue;
         MountRecord record;
-        record.id = fields[0].toInt();
-        record.parentId = fields[1].toInt();
+        bool isId = false;
+        bool isParentId = false;
+        record.id = fields[0].toInt(&isId);
+        record.parentId = fields[1].toInt(&isParentId);
+        if (!isId || !isParentId)
+            continue;
         record.device = QString::fromLatin1(fields[2]);
         record.root = unescaped(fields[3]);
         record.mountPoint = unescaped(fields[4]);

@@ -22,7 +22,8 @@ struct MountRecord
 class MountTable
 {
 public:
-    explicit MountTable(QList<MountRecord> records);
+    /// @param rootDevice the device of the folder "/", for a table without its mount: a changed root need not be one
+    explicit MountTable(QList<MountRecord> records, const QString &rootDevice = {});
 
     /// The rows of @p mountInfo, which is text as in /proc/self/mountinfo. Lines that do not have that form are left
     /// out.
@@ -39,9 +40,10 @@ public:
     const MountRecord &holding(const QString &path) const;
 
 private:
+    /// Whether the mount that @p record is mounted on is not in the table.
     bool isOutermost(const MountRecord &record) const;
     bool isMountedOn(const MountRecord &record, const MountRecord &parent) const;
 
     QList<MountRecord> m_records;
-    qsizetype m_root = -1;
+    qsizetype m_root = -1; // the mount that the way to every path starts from
 };

@@ -9,9 +9,22 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <system_error>
 #include <utility>
 
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+
 namespace {
+/// The device that the folder "/" lies on, as the table of mounts writes it.
+QString rootDevice()
+{
+    struct stat status = {};
+    if (stat("/", &status) != 0)
+        return {};
+    return QStringLiteral("%1:%2").arg(major(status.st_dev)).arg(minor(status.st_dev));
+}
+
 MountTable readMountTable()
 {
     QFile file(QStringLiteral("/proc/self/mountinfo"));
@@ -20,7 +33,7 @@ MountTable readMountTable()
         records = MountTable::parse(file.readAll());
     for (MountRecord &record : records)
         record.isFolder = QFileInfo(record.mountPoint).isDir();
-    return MountTable(std::move(records));
+    return MountTable(std::move(records), rootDevice());
 }
 
 bool isSystem(const QString &mountPoint)
@@ -45,28 +58,26 @@ QString nameOf(const MountRecord &mount, const QString &label)
     return mount.mountPoint.section(u'/', -1);
 }
 
-/// The volume that @p mount is; none when it does not answer, or is gone already and its folder shows another one.
+/// The volume that @p mount is; none when it does not tell its size, or is gone and its folder shows another mount.
 std::optional<Volume> readVolume(const MountRecord &mount)
 {
     const QStorageInfo info(mount.mountPoint);
+    const bool isRoot = mount.mountPoint == u'/';
     Volume volume;
     volume.path = mount.mountPoint;
     volume.name = nameOf(mount, info.name());
     volume.isSystem = isSystem(mount.mountPoint);
     volume.isReadOnly = mount.isReadOnly;
+    std::error_code error;
     if (info.isValid() && info.isReady() && info.rootPath() == mount.mountPoint) {
         volume.bytesTotal = info.bytesTotal();
         volume.bytesAvailable = info.bytesAvailable();
-    } else if (mount.mountPoint == u'/') {
-        std::error_code error;
-        const std::filesystem::space_info space = std::filesystem::space("/", error);
-        if (!error) {
-            volume.bytesTotal = static_cast<qint64>(space.capacity);
-            volume.bytesAvailable = static_cast<qint64>(space.available);
-        }
-        return volume;
+    } else if (const std::filesystem::space_info space = std::filesystem::space("/", error); isRoot && !error) {
+        // The root of a changed root is in no table of mounts.
+        volume.bytesTotal = static_cast<qint64>(space.capacity);
+        volume.bytesAvailable = static_cast<qint64>(space.available);
     }
-    if (volume.bytesTotal <= 0)
+    if (volume.bytesTotal <= 0 && !isRoot)
         return {};
     return volume;
 }

@@ -36,9 +36,9 @@ Station::~Station() = default;
 void Station::handle(const StationCommand &command, const Answer &answer)
 {
     bool isFinished = false;
-    const Answer part = [&isFinished, &answer](const StationReply &reply) {
-        isFinished = reply.finish;
-        answer(reply);
+    const Answer part = [&isFinished, &answer](const StationReply &replyPart) {
+        isFinished = replyPart.finish;
+        answer(replyPart);
     };
     // Whatever goes wrong, a command gets its last part, and nothing is thrown into the thread's event loop.
     try {

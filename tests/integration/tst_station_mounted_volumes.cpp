@@ -1,0 +1,188 @@
+#include "MountedVolumes.h"
+#include "Station.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QSet>
+#include <QStorageInfo>
+#include <QTest>
+
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+
+namespace {
+dev_t deviceOf(const QString &path)
+{
+    struct stat status = {};
+    return stat(QFile::encodeName(path).constData(), &status) == 0 ? status.st_dev : 0;
+}
+
+/// Where pseudo file systems are mounted here; a container or a changed root may lack all of them but /proc.
+QStringList pseudoFolders()
+{
+    QStringList folders{QStringLiteral("/proc")};
+    for (const QString &folder : {QStringLiteral("/sys"), QStringLiteral("/dev"), QStringLiteral("/dev/shm")}) {
+        if (QFileInfo::exists(folder) && deviceOf(folder) != deviceOf(QStringLiteral("/")))
+            folders.append(folder);
+    }
+    return folders;
+}
+
+StationReply ask(const QString &name, const QVariant &data = {})
+{
+    Station station;
+    StationReply reply;
+    station.handle({name, data}, [&reply](const StationReply &part) { reply = part; });
+    return reply;
+}
+} // namespace
+
+/// The volumes of the machine that runs the test, held against what the system itself says of them.
+class StationMountedVolumesTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+
+    void theRootComesFirstAndIsTheSystem();
+    void everyVolumeHasAPathANameAndASize();
+    void sizesAgreeWithTheSystem();
+    void noVolumeIsAPseudoFileSystem();
+    void noFileSystemIsListedTwice();
+    void everyWritableDiskIsListed();
+    void theVolumeOfAPathIsFound();
+    void pseudoFileSystemsTakeNoFolder_data();
+    void pseudoFileSystemsTakeNoFolder();
+    void theEmptyBasePathNamesTheSameVolumes();
+};
+
+void StationMountedVolumesTest::init()
+{
+    QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+}
+
+void StationMountedVolumesTest::theRootComesFirstAndIsTheSystem()
+{
+    const QList<Volume> volumes = MountedVolumes().volumes();
+    QVERIFY(!volumes.isEmpty());
+    QCOMPARE(volumes.front().path, QStringLiteral("/"));
+    QVERIFY(volumes.front().isSystem);
+    bool isSystemPart = true;
+    for (const Volume &volume : volumes) {
+        QVERIFY2(isSystemPart || !volume.isSystem, qPrintable(volume.path));
+        isSystemPart = volume.isSystem;
+    }
+}
+
+void StationMountedVolumesTest::everyVolumeHasAPathANameAndASize()
+{
+    const QList<Volume> volumes = MountedVolumes().volumes();
+    for (const Volume &volume : volumes) {
+        QVERIFY2(QFileInfo(volume.path).isDir(), qPrintable(volume.path));
+        QCOMPARE(volume.path, QDir::cleanPath(volume.path));
+        QVERIFY2(!volume.name.isEmpty(), qPrintable(volume.path));
+        QVERIFY2(volume.bytesTotal > 0, qPrintable(volume.path));
+        QVERIFY2(volume.bytesAvailable >= 0, qPrintable(volume.path));
+        QVERIFY2(volume.bytesAvailable <= volume.bytesTotal, qPrintable(volume.path));
+    }
+}
+
+void StationMountedVolumesTest::sizesAgreeWithTheSystem()
+{
+    const QVariantList volumes = ask(QStringLiteral("getVolume")).data.toList();
+    QVERIFY(!volumes.isEmpty());
+    for (const QVariant &entry : volumes) {
+        const QVariantMap volume = entry.toMap();
+        const QString path = volume.value(QStringLiteral("volumePath")).toString();
+        struct statvfs figures = {};
+        QCOMPARE(statvfs(QFile::encodeName(path).constData(), &figures), 0);
+        const auto kilobytes = [&figures](fsblkcnt_t blocks) {
+            return static_cast<qint64>(blocks * figures.f_frsize / 1024);
+        };
+        QCOMPARE(volume.value(QStringLiteral("volumeSize")).toLongLong(), kilobytes(figures.f_blocks));
+        // Others write meanwhile.
+        const qint64 available = volume.value(QStringLiteral("volumeAvailableSize")).toLongLong();
+        const qint64 tolerance = kilobytes(figures.f_blocks) / 20;
+        QVERIFY2(qAbs(available - kilobytes(figures.f_bavail)) <= tolerance, qPrintable(path));
+    }
+}
+
+void StationMountedVolumesTest::noVolumeIsAPseudoFileSystem()
+{
+    static const QSet<QByteArray> pseudo{"proc",  "sysfs",    "devtmpfs", "devpts", "cgroup", "cgroup2",
+                                         "tmpfs", "squashfs", "autofs",   "mqueue", "debugfs"};
+    const QList<Volume> volumes = MountedVolumes().volumes();
+    for (const Volume &volume : volumes) {
+        if (volume.path == u'/')
+            continue;
+        QVERIFY2(!pseudo.contains(QStorageInfo(volume.path).fileSystemType()), qPrintable(volume.path));
+        for (const QString &folder : {QStringLiteral("/proc"), QStringLiteral("/sys"), QStringLiteral("/dev")}) {
+            QVERIFY2(volume.path != folder && !volume.path.startsWith(folder + u'/'), qPrintable(volume.path));
+        }
+    }
+}
+
+void StationMountedVolumesTest::noFileSystemIsListedTwice()
+{
+    QSet<dev_t> devices;
+    const QList<Volume> volumes = MountedVolumes().volumes();
+    for (const Volume &volume : volumes)
+        devices.insert(deviceOf(volume.path));
+    QCOMPARE(devices.size(), volumes.size());
+}
+
+void StationMountedVolumesTest::everyWritableDiskIsListed()
+{
+    QSet<QByteArray> listed;
+    const QList<Volume> volumes = MountedVolumes().volumes();
+    for (const Volume &volume : volumes)
+        listed.insert(QStorageInfo(volume.path).device());
+    const QList<QStorageInfo> mounted = QStorageInfo::mountedVolumes();
+    for (const QStorageInfo &volume : mounted) {
+        if (volume.device().startsWith("/dev/") && !volume.isReadOnly() && QFileInfo(volume.rootPath()).isDir())
+            QVERIFY2(listed.contains(volume.device()), volume.device().constData());
+    }
+}
+
+void StationMountedVolumesTest::theVolumeOfAPathIsFound()
+{
+    const MountedVolumes source;
+    const QList<Volume> volumes = source.volumes();
+    for (const Volume &volume : volumes) {
+        const std::optional<Volume> holder = source.volumeHolding(volume.path);
+        QVERIFY2(holder, qPrintable(volume.path));
+        QCOMPARE(holder->path, volume.path);
+        QCOMPARE(holder->isReadOnly, volume.isReadOnly);
+    }
+    for (const QString &path : pseudoFolders())
+        QVERIFY2(!source.volumeHolding(path), qPrintable(path));
+}
+
+void StationMountedVolumesTest::pseudoFileSystemsTakeNoFolder_data()
+{
+    QTest::addColumn<QString>("path");
+    for (const QString &folder : pseudoFolders())
+        QTest::newRow(qPrintable(folder)) << folder + QStringLiteral("/recordings/a");
+}
+
+void StationMountedVolumesTest::pseudoFileSystemsTakeNoFolder()
+{
+    QFETCH(QString, path);
+    QCOMPARE(ask(QStringLiteral("createDirectory"), path).returnCode, QStringLiteral("OutsideVolumes"));
+    QVERIFY(!QFileInfo::exists(QFileInfo(path).path()));
+}
+
+void StationMountedVolumesTest::theEmptyBasePathNamesTheSameVolumes()
+{
+    QStringList paths;
+    const QVariantList volumes = ask(QStringLiteral("getVolume")).data.toList();
+    for (const QVariant &volume : volumes)
+        paths.append(volume.toMap().value(QStringLiteral("volumePath")).toString());
+    const StationReply reply = ask(QStringLiteral("getServerDir"), QString());
+    QCOMPARE(reply.data.toMap().value(QStringLiteral("dirFolderList")).toStringList(), paths);
+}
+
+QTEST_GUILESS_MAIN(StationMountedVolumesTest)
+#include "tst_station_mounted_volumes.moc"
