@@ -1,5 +1,7 @@
 #include "MountTable.h"
 
+#include "NameOrder.h"
+
 #include <QSet>
 
 #include <algorithm>
@@ -81,6 +83,28 @@ bool hasReadOnlyOption(const QByteArray &options)
 }
 } // namespace
 
+bool isSystemMount(const MountRecord &mount)
+{
+    static const QSet<QString> mountPoints{
+        QStringLiteral("/"),
+        QStringLiteral("/boot"),
+        QStringLiteral("/boot/efi"),
+        QStringLiteral("/usr"),
+    };
+    return mountPoints.contains(mount.mountPoint);
+}
+
+QString volumeName(const MountRecord &mount, const QString &label)
+{
+    if (!label.isEmpty())
+        return label;
+    if (mount.mountPoint == u'/')
+        return QStringLiteral("System");
+    if (storesWithoutDevice(mount.fileSystem) && !mount.source.isEmpty())
+        return mount.source;
+    return mount.mountPoint.section(u'/', -1);
+}
+
 MountTable::MountTable(QList<MountRecord> records, const QString &rootDevice)
     : m_records(std::move(records))
 {
@@ -146,6 +170,11 @@ QList<MountRecord> MountTable::volumes() const
             listed.append(record);
         devices.insert(record.device);
     }
+    std::sort(listed.begin(), listed.end(), [](const MountRecord &left, const MountRecord &right) {
+        if (isSystemMount(left) != isSystemMount(right))
+            return isSystemMount(left);
+        return nameLess(left.mountPoint, right.mountPoint);
+    });
     return listed;
 }
 

@@ -18,6 +18,14 @@ struct MountRecord
     bool isFolder = true; ///< containers also mount single files
 };
 
+/// Whether @p mount holds the operating system or starts it.
+bool isSystemMount(const MountRecord &mount);
+
+/// What an operator knows the volume @p mount by: its label, else "System" for the root, the share for a network mount,
+/// and the last folder of the mount point for any other.
+/// @param label of its file system, may be empty
+QString volumeName(const MountRecord &mount, const QString &label);
+
 /// The mounts of a machine, and which of them are storage volumes. Only looks at the rows that it was given.
 class MountTable
 {
@@ -29,9 +37,10 @@ public:
     /// out.
     static QList<MountRecord> parse(const QByteArray &mountInfo);
 
-    /// The mounts that are listed as volumes: one for each file system that stores data and can be reached.
+    /// The mounts that are listed as volumes: one for each file system that stores data and can be reached. The root
+    /// comes first, then the other system volumes, then the rest, each sorted by mount point.
     ///
-    /// The root is always among them, whatever its type. Left out are pseudo file systems and those in memory,
+    /// The root is always there, whatever its type. Left out are pseudo file systems and those in memory,
     /// read-only images, further mounts of a file system (bind mounts, subvolumes), single files, and mounts hidden
     /// under others.
     QList<MountRecord> volumes() const;

@@ -1,13 +1,11 @@
 #include "MountedVolumes.h"
 
 #include "MountTable.h"
-#include "NameOrder.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QStorageInfo>
 
-#include <algorithm>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -36,28 +34,6 @@ MountTable readMountTable()
     return MountTable(std::move(records), rootDevice());
 }
 
-bool isSystem(const QString &mountPoint)
-{
-    static const QStringList systemMountPoints{
-        QStringLiteral("/"),
-        QStringLiteral("/boot"),
-        QStringLiteral("/boot/efi"),
-        QStringLiteral("/usr"),
-    };
-    return systemMountPoints.contains(mountPoint);
-}
-
-QString nameOf(const MountRecord &mount, const QString &label)
-{
-    if (!label.isEmpty())
-        return label;
-    if (mount.mountPoint == u'/')
-        return QStringLiteral("System");
-    if (!mount.source.startsWith(QStringLiteral("/dev/")) && !mount.source.isEmpty())
-        return mount.source;
-    return mount.mountPoint.section(u'/', -1);
-}
-
 /// The volume that @p mount is; none when it does not tell its size, or is gone and its folder shows another mount.
 std::optional<Volume> readVolume(const MountRecord &mount)
 {
@@ -65,8 +41,8 @@ std::optional<Volume> readVolume(const MountRecord &mount)
     const bool isRoot = mount.mountPoint == u'/';
     Volume volume;
     volume.path = mount.mountPoint;
-    volume.name = nameOf(mount, info.name());
-    volume.isSystem = isSystem(mount.mountPoint);
+    volume.name = volumeName(mount, info.name());
+    volume.isSystem = isSystemMount(mount);
     volume.isReadOnly = mount.isReadOnly;
     std::error_code error;
     if (info.isValid() && info.isReady() && info.rootPath() == mount.mountPoint) {
@@ -83,25 +59,25 @@ std::optional<Volume> readVolume(const MountRecord &mount)
 }
 } // namespace
 
+MountedVolumes::MountedVolumes(ReadTable readTable)
+    : m_readTable(readTable ? std::move(readTable) : readMountTable)
+{
+}
+
 QList<Volume> MountedVolumes::volumes() const
 {
     QList<Volume> volumes;
-    const QList<MountRecord> mounts = readMountTable().volumes();
+    const QList<MountRecord> mounts = m_readTable().volumes();
     for (const MountRecord &mount : mounts) {
         if (const std::optional<Volume> volume = readVolume(mount))
             volumes.append(*volume);
     }
-    std::sort(volumes.begin(), volumes.end(), [](const Volume &left, const Volume &right) {
-        if (left.isSystem != right.isSystem)
-            return left.isSystem;
-        return nameLess(left.path, right.path);
-    });
     return volumes;
 }
 
 std::optional<Volume> MountedVolumes::volumeHolding(const QString &path) const
 {
-    const MountTable table = readMountTable();
+    const MountTable table = m_readTable();
     const MountRecord &holder = table.holding(path);
     const QList<MountRecord> mounts = table.volumes();
     for (const MountRecord &mount : mounts) {

@@ -6,6 +6,7 @@
 #include <QRegularExpression>
 #include <QSet>
 #include <QStorageInfo>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <sys/stat.h>
@@ -27,6 +28,24 @@ QStringList pseudoFolders()
             folders.append(folder);
     }
     return folders;
+}
+
+MountRecord disk(int id, int parentId, const QString &device, const QString &mountPoint)
+{
+    MountRecord record;
+    record.id = id;
+    record.parentId = parentId;
+    record.device = device;
+    record.root = QStringLiteral("/");
+    record.mountPoint = mountPoint;
+    record.fileSystem = QStringLiteral("ext4");
+    record.source = QStringLiteral("/dev/sda%1").arg(id);
+    return record;
+}
+
+MountedVolumes::ReadTable tableOf(const QList<MountRecord> &records)
+{
+    return [records] { return MountTable(records); };
 }
 
 StationReply ask(const QString &name, const QVariant &data = {})
@@ -56,6 +75,11 @@ private slots:
     void pseudoFileSystemsTakeNoFolder_data();
     void pseudoFileSystemsTakeNoFolder();
     void theEmptyBasePathNamesTheSameVolumes();
+
+    void aVolumeThatWentAwayIsLeftOut();
+    void theRootNeedsNoTable();
+    void aReadOnlyMountOfAWritableVolumeIsReadOnly();
+    void theTableIsReadAnewEachTime();
 };
 
 void StationMountedVolumesTest::init()
@@ -182,6 +206,54 @@ void StationMountedVolumesTest::theEmptyBasePathNamesTheSameVolumes()
         paths.append(volume.toMap().value(QStringLiteral("volumePath")).toString());
     const StationReply reply = ask(QStringLiteral("getServerDir"), QString());
     QCOMPARE(reply.data.toMap().value(QStringLiteral("dirFolderList")).toStringList(), paths);
+}
+
+void StationMountedVolumesTest::aVolumeThatWentAwayIsLeftOut()
+{
+    const QTemporaryDir folder; // is there, but another mount shows it
+    QVERIFY(folder.isValid());
+    const MountedVolumes source(tableOf({
+        disk(1, 0, QStringLiteral("250:1"), QStringLiteral("/")),
+        disk(2, 1, QStringLiteral("250:2"), QFileInfo(folder.path()).canonicalFilePath()),
+        disk(3, 1, QStringLiteral("250:3"), QStringLiteral("/no-such-mount")),
+    }));
+    const QList<Volume> volumes = source.volumes();
+    QCOMPARE(volumes.size(), 1);
+    QCOMPARE(volumes.front().path, QStringLiteral("/"));
+    QVERIFY(!source.volumeHolding(QFileInfo(folder.path()).canonicalFilePath()));
+}
+
+void StationMountedVolumesTest::theRootNeedsNoTable()
+{
+    const QList<Volume> volumes = MountedVolumes(tableOf({})).volumes();
+    QCOMPARE(volumes.size(), 1);
+    QCOMPARE(volumes.front().path, QStringLiteral("/"));
+    QVERIFY(volumes.front().isSystem);
+    QVERIFY(volumes.front().bytesTotal > 0);
+}
+
+void StationMountedVolumesTest::aReadOnlyMountOfAWritableVolumeIsReadOnly()
+{
+    MountRecord again = disk(2, 1, QStringLiteral("250:1"), QStringLiteral("/srv/view"));
+    again.isReadOnly = true;
+    const MountedVolumes source(tableOf({disk(1, 0, QStringLiteral("250:1"), QStringLiteral("/")), again}));
+    QVERIFY(!source.volumeHolding(QStringLiteral("/srv"))->isReadOnly);
+    const std::optional<Volume> holder = source.volumeHolding(QStringLiteral("/srv/view/a"));
+    QVERIFY(holder);
+    QCOMPARE(holder->path, QStringLiteral("/"));
+    QVERIFY(holder->isReadOnly);
+}
+
+void StationMountedVolumesTest::theTableIsReadAnewEachTime()
+{
+    int reads = 0;
+    const MountedVolumes source([&reads] {
+        ++reads;
+        return MountTable({});
+    });
+    source.volumes();
+    source.volumes();
+    QCOMPARE(reads, 2);
 }
 
 QTEST_GUILESS_MAIN(StationMountedVolumesTest)

@@ -29,6 +29,9 @@ private slots:
     void mountsListedAsVolumes_data();
     void mountsListedAsVolumes();
     void singleFilesAreNoVolumes();
+    void systemVolumesComeFirst();
+    void namesTellVolumesApart_data();
+    void namesTellVolumesApart();
     void aMissingRootIsAdded();
     void pathsLieOnTheMountThatShowsThem_data();
     void pathsLieOnTheMountThatShowsThem();
@@ -91,8 +94,8 @@ void StationMountTableTest::mountsListedAsVolumes_data()
         "31 30 8:3 / /boot/efi rw - vfat /dev/sda3 rw\n"
         "32 27 253:0 / /mnt/rec rw - xfs /dev/mapper/rec rw\n"
         "33 27 8:33 / /media/usb rw - fuseblk /dev/sdc1 rw\n",
-        {QStringLiteral("/boot"), QStringLiteral("/boot/efi"), QStringLiteral("/mnt/rec"),
-         QStringLiteral("/media/usb")});
+        {QStringLiteral("/boot"), QStringLiteral("/boot/efi"), QStringLiteral("/media/usb"),
+         QStringLiteral("/mnt/rec")});
     row("pseudo file systems",
         "22 27 0:21 / /proc rw - proc proc rw\n"
         "23 27 0:22 / /sys rw - sysfs sysfs rw\n"
@@ -135,7 +138,7 @@ void StationMountTableTest::mountsListedAsVolumes_data()
         "30 27 0:50 / /mnt/nfs rw - nfs4 nas:/export/rec rw\n"
         "31 27 0:51 / /mnt/cifs rw - cifs //nas/rec rw\n"
         "32 27 0:52 / /mnt/ceph rw - ceph 10.0.0.1:6789:/ rw\n",
-        {QStringLiteral("/mnt/nfs"), QStringLiteral("/mnt/cifs"), QStringLiteral("/mnt/ceph")});
+        {QStringLiteral("/mnt/ceph"), QStringLiteral("/mnt/cifs"), QStringLiteral("/mnt/nfs")});
     row("a share that is mounted when asked for",
         "30 27 0:49 / /nas rw - autofs /etc/auto.nas rw\n"
         "31 30 0:50 / /nas/rec rw - nfs4 nas:/rec rw\n",
@@ -197,6 +200,53 @@ void StationMountTableTest::singleFilesAreNoVolumes()
     QCOMPARE(volumes.size(), 2);
     QCOMPARE(volumes[0].mountPoint, QStringLiteral("/"));
     QCOMPARE(volumes[1].mountPoint, QStringLiteral("/rec"));
+}
+
+void StationMountTableTest::systemVolumesComeFirst()
+{
+    const QByteArray mountInfo = "33 27 8:65 / /a rw - ext4 /dev/sde1 rw\n"
+                                 "34 27 8:17 / /mnt/rec10 rw - ext4 /dev/sdb1 rw\n"
+                                 "35 27 8:33 / /mnt/rec9 rw - ext4 /dev/sdc1 rw\n"
+                                 "36 27 8:4 / /usr rw - ext4 /dev/sda4 rw\n"
+                                 "37 27 8:2 / /boot rw - ext4 /dev/sda2 rw\n"
+                                 "38 37 8:3 / /boot/efi rw - vfat /dev/sda3 rw\n"
+                                 "39 27 8:5 / /boot2 rw - ext4 /dev/sda5 rw\n";
+    QStringList lines;
+    const QList<MountRecord> volumes = MountTable(MountTable::parse(mountInfo + root)).volumes();
+    for (const MountRecord &volume : volumes)
+        lines.append(volume.mountPoint + (isSystemMount(volume) ? QStringLiteral(" system") : QString()));
+    const QStringList expected{
+        QStringLiteral("/ system"),    QStringLiteral("/boot system"), QStringLiteral("/boot/efi system"),
+        QStringLiteral("/usr system"), QStringLiteral("/a"),           QStringLiteral("/boot2"),
+        QStringLiteral("/mnt/rec9"),   QStringLiteral("/mnt/rec10"),
+    };
+    QCOMPARE(lines, expected);
+}
+
+void StationMountTableTest::namesTellVolumesApart_data()
+{
+    QTest::addColumn<QByteArray>("mountInfo");
+    QTest::addColumn<QString>("label");
+    QTest::addColumn<QString>("name");
+    const QByteArray disk = "30 27 8:17 / /mnt/Aufnahmen\\0401 rw - ext4 /dev/sdb1 rw\n";
+    QTest::newRow("label") << disk << QStringLiteral("ARCHIVE") << QStringLiteral("ARCHIVE");
+    QTest::newRow("no label") << disk << QString() << QStringLiteral("Aufnahmen 1");
+    QTest::newRow("root") << root << QString() << QStringLiteral("System");
+    QTest::newRow("root with a label") << root << QStringLiteral("debian") << QStringLiteral("debian");
+    QTest::newRow("Windows share") << QByteArray("30 27 0:50 / /mnt/a rw - cifs //nas/rec rw\n") << QString()
+                                   << QStringLiteral("//nas/rec");
+    QTest::newRow("NFS share") << QByteArray("30 27 0:50 / /mnt/a rw - nfs4 nas:/rec rw\n") << QString()
+                               << QStringLiteral("nas:/rec");
+}
+
+void StationMountTableTest::namesTellVolumesApart()
+{
+    QFETCH(QByteArray, mountInfo);
+    QFETCH(QString, label);
+    QFETCH(QString, name);
+    const QList<MountRecord> records = MountTable::parse(mountInfo);
+    QCOMPARE(records.size(), 1);
+    QCOMPARE(volumeName(records.front(), label), name);
 }
 
 void StationMountTableTest::aMissingRootIsAdded()
