@@ -45,7 +45,9 @@ std::optional<Volume> readVolume(const MountRecord &mount)
     volume.isSystem = isSystemMount(mount);
     volume.isReadOnly = mount.isReadOnly;
     std::error_code error;
-    if (info.isValid() && info.isReady() && info.rootPath() == mount.mountPoint) {
+    // Where a changed root hides the mount of a path, Qt names no device and may take the path itself for a mount.
+    const bool isMounted = info.rootPath() == mount.mountPoint && !info.device().isEmpty();
+    if (isMounted && info.isValid() && info.isReady()) {
         volume.bytesTotal = info.bytesTotal();
         volume.bytesAvailable = info.bytesAvailable();
     } else if (const std::filesystem::space_info space = std::filesystem::space("/", error); isRoot && !error) {
