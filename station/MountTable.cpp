@@ -53,8 +53,10 @@ bool isStorage(const MountRecord &record)
         record.source.startsWith(QStringLiteral("/dev/loop")) || record.source.startsWith(QStringLiteral("/dev/sr"));
     if (record.isReadOnly && isImageDevice)
         return false;
-    // devtmpfs and the like may name anything as their source, but never a path below /dev/.
-    return record.source.startsWith(QStringLiteral("/dev/")) || storesWithoutDevice(record.fileSystem);
+    // Programs that show a file system of their own may name the way they do that as their source.
+    const bool isBlockDevice =
+        record.source.startsWith(QStringLiteral("/dev/")) && record.source != QStringLiteral("/dev/fuse");
+    return isBlockDevice || storesWithoutDevice(record.fileSystem);
 }
 
 /// Whether @p path is @p folder or lies below it.

@@ -1,7 +1,5 @@
 #include "MountedVolumes.h"
 
-#include "MountTable.h"
-
 #include <QFile>
 #include <QFileInfo>
 #include <QStorageInfo>
@@ -44,16 +42,16 @@ std::optional<Volume> readVolume(const MountRecord &mount)
     volume.name = volumeName(mount, info.name());
     volume.isSystem = isSystemMount(mount);
     volume.isReadOnly = mount.isReadOnly;
-    std::error_code error;
     // Where a changed root hides the mount of a path, Qt names no device and may take the path itself for a mount.
     const bool isMounted = info.rootPath() == mount.mountPoint && !info.device().isEmpty();
     if (isMounted && info.isValid() && info.isReady()) {
         volume.bytesTotal = info.bytesTotal();
         volume.bytesAvailable = info.bytesAvailable();
-    } else if (const std::filesystem::space_info space = std::filesystem::space("/", error); isRoot && !error) {
-        // The root of a changed root is in no table of mounts.
-        volume.bytesTotal = static_cast<qint64>(space.capacity);
-        volume.bytesAvailable = static_cast<qint64>(space.available);
+    } else if (isRoot) {
+        std::error_code error;
+        const std::filesystem::space_info space = std::filesystem::space("/", error);
+        volume.bytesTotal = error ? 0 : static_cast<qint64>(space.capacity);
+        volume.bytesAvailable = error ? 0 : static_cast<qint64>(space.available);
     }
     if (volume.bytesTotal <= 0 && !isRoot)
         return {};

@@ -104,6 +104,7 @@ void StationMountTableTest::mountsListedAsVolumes_data()
         "28 23 0:28 / /sys/fs/cgroup rw - cgroup2 cgroup2 rw\n"
         "29 27 0:29 / /run/user/1000/doc rw - fuse.portal portal rw\n"
         "30 22 0:30 / /proc/sys/fs/binfmt_misc rw - autofs systemd-1 rw\n"
+        "32 27 0:32 / /etc/cluster rw - fuse /dev/fuse rw\n"
         "31 24 0:31 / /dev/hugepages rw - hugetlbfs hugetlbfs rw\n",
         {});
     row("in memory",
