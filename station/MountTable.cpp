@@ -1,7 +1,5 @@
 #include "MountTable.h"
 
-#include "NameOrder.h"
-
 #include <QSet>
 
 #include <algorithm>
@@ -77,6 +75,12 @@ QString unescaped(const QByteArray &field)
             i += 3;
     }
     return QString::fromUtf8(text);
+}
+
+/// A key that sorts a path behind all that begin with it.
+QString endsLast(const QString &path)
+{
+    return path + QChar(0xffff);
 }
 
 bool hasReadOnlyOption(const QByteArray &options)
@@ -173,9 +177,7 @@ QList<MountRecord> MountTable::volumes() const
         devices.insert(record.device);
     }
     std::sort(listed.begin(), listed.end(), [](const MountRecord &left, const MountRecord &right) {
-        if (isSystemMount(left) != isSystemMount(right))
-            return isSystemMount(left);
-        return nameLess(left.mountPoint, right.mountPoint);
+        return endsLast(left.mountPoint) < endsLast(right.mountPoint);
     });
     return listed;
 }

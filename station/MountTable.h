@@ -37,8 +37,9 @@ public:
     /// out.
     static QList<MountRecord> parse(const QByteArray &mountInfo);
 
-    /// The mounts that are listed as volumes: one for each file system that stores data and can be reached. The root
-    /// comes first, then the other system volumes, then the rest, each sorted by mount point.
+    /// The mounts that are listed as volumes: one for each file system that stores data and can be reached. They are
+    /// sorted by mount point, but one whose path begins another's comes behind it, and the root last: clients take the
+    /// first volume that begins a path for the one that holds it.
     ///
     /// The root is always there, whatever its type. Left out are pseudo file systems and those in memory,
     /// read-only images, further mounts of a file system (bind mounts, subvolumes), single files, and mounts hidden
