@@ -10,7 +10,8 @@
 class PluginBase;
 
 /// Everything a client needs around the plug-in, put together once: a link to an embedded station on this machine, the
-/// framework, and the plug-in loaded and initialised. Ends it all in the right order. Lives on the UI thread.
+/// framework, and the plug-in loaded and initialised. Ends it all in the right order. Lives on the UI thread, and must
+/// outlive the QML engine that shows the plug-in's models.
 class ClientSession : public QObject
 {
     Q_OBJECT
@@ -39,6 +40,8 @@ signals:
     void connectedChanged(bool connected);
 
 private:
+    void stop();
+
     QString m_error;
     std::unique_ptr<EmbeddedLink> m_link;
     std::unique_ptr<HostFramework> m_framework;

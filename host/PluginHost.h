@@ -26,14 +26,17 @@ public:
     static bool loadTraceLibrary(const QString &file = {});
 
     /// Creates the plug-in's object, not yet initialised; null on failure, and error() says what was looked for, where,
-    /// and what was wrong. The caller owns the object.
+    /// and what was wrong. The caller owns the object. There is one in a process: while it lives, no
+    /// other is created.
     std::unique_ptr<PluginBase> load(const QStringList &folders = defaultFolders());
 
-    QString pluginId() const;
-    QString fileName() const; ///< the library that load() took
+    QString pluginId() const; ///< under which the framework knows the plug-in
+    QString fileName() const; ///< the library that load() took; empty before
     QString error() const;
 
 private:
+    std::unique_ptr<PluginBase> loadFrom(const QString &folder, QStringList *problems);
+
     std::unique_ptr<QPluginLoader> m_loader;
     QString m_error;
 };

@@ -4,7 +4,9 @@
 #include "framework/PluginBase.h"
 #include "link/StationLink.h"
 
+#include <QDeadlineTimer>
 #include <QHash>
+#include <QList>
 #include <QMap>
 #include <QPointer>
 #include <QTimer>
@@ -25,20 +27,25 @@ public:
     explicit HostFramework(StationLink &link, QObject *parent = nullptr);
     ~HostFramework() override;
 
-    /// How long a station may take for a command, or for the next part of an answer in several; 30 s at first.
+    /// How long a station may take for a command, or for the next part of an answer in several; 30 s at first. Holds
+    /// for what is sent from then on; at least 1 ms.
     void setReplyTimeout(std::chrono::milliseconds timeout);
 
     /// Hands the plug-in its framework (InitialPluginBase) and from then on its replies, events and connections; when
-    /// the link is up already, the plug-in is told at once. False when the plug-in could not initialise.
-    /// @param plugin not owned; may end before the framework does
+    /// the link is up already, the plug-in is told at once. False when the plug-in could not initialise, and when a
+    /// living plug-in is attached under that identifier already or close() was called.
+    /// @param plugin not owned; may end before the framework does. What it sent stays unanswered then
     bool attach(PluginBase *plugin, const QString &pluginId, QQmlContext *context = nullptr);
 
-    /// Makes @p object the answer to GetPluginObject(@p pluginId). Not owned.
+    /// Makes @p object the answer to GetPluginObject(@p pluginId). Not owned. Attached plug-ins are found without this.
     void addPluginObject(const QString &pluginId, QObject *object);
 
-    /// Answers everything outstanding with HostReturnCode::Closing and accepts nothing more.
+    /// Answers everything outstanding with HostReturnCode::Closing and accepts nothing more; the destructor does the
+    /// same. Plug-ins hear of no reply, event or connection after it.
     void close();
 
+    /// Takes a command of an attached plug-in over; refuses those of others, and all after close(). The handle and the
+    /// flag tell nothing here.
     bool SendCommand(void *handle, const QString &pluginId, const QString &command, const QVariant &data, void *context,
                      bool flag, const QString &relayPath) override;
     QObject *GetPluginObject(void *handle, const QString &pluginId) override;
@@ -48,4 +55,31 @@ signals:
     void commandAnswered(const QString &command, const QString &returnCode, const QVariant &data, bool finish);
     /// An event was handed to the plug-ins; @p source is the relay path of its station.
     void eventDelivered(const QString &event, const QVariant &data, const QString &source);
+
+private:
+    struct Command
+    {
+        QPointer<PluginBase> plugin;
+        QString name;
+        void *context; // the plug-in's, again with the last part of the answer
+        QString relayPath;
+        QDeadlineTimer deadline;
+    };
+
+    QList<QPointer<PluginBase>> plugins() const;
+    void changeUp(bool up);
+    void deliverEvent(const QString &relayPath, const StationEvent &event);
+    void deliverReply(quint64 correlation, const StationReply &reply);
+    void refuseAll(const QList<quint64> &correlations, const QString &returnCode);
+    void watchDeadline();
+    void refuseOverdue();
+
+    StationLink &m_link;
+    QMap<QString, QPointer<PluginBase>> m_plugins; // by plug-in identifier
+    QHash<QString, QPointer<QObject>> m_pluginObjects; // likewise
+    QMap<quint64, Command> m_outstanding; // by correlation, that is in the order of sending
+    quint64 m_lastCorrelation = 0;
+    std::chrono::milliseconds m_replyTimeout = std::chrono::seconds(30);
+    QTimer m_timer; // fires no later than the earliest deadline
+    bool m_closed = false;
 };

@@ -4,12 +4,16 @@
 
 #include <QThread>
 
+#include <atomic>
 #include <functional>
 #include <memory>
 
 class Station;
 
 /// Runs one station inside this process, on a thread of its own, so that a slow disk never blocks the window.
+///
+/// The station is the directly connected one: its events carry the empty relay path. Commands are carried out one after
+/// the other. The end of the link waits for the command that runs at that moment; those behind it are dropped.
 class EmbeddedLink : public StationLink
 {
     Q_OBJECT
@@ -21,17 +25,23 @@ public:
     explicit EmbeddedLink(MakeStation makeStation, const QString &relayPath = {}, QObject *parent = nullptr);
     ~EmbeddedLink() override;
 
-    /// Starts the station; upChanged(true) follows when it runs.
+    /// Starts the station; upChanged(true) follows when it runs, and nothing when @p makeStation made none. A second
+    /// start does nothing.
     void start();
 
     bool isUp() const override;
-    /// A relay path of no station here is answered with HostReturnCode::UnknownStation.
+    /// A relay path of no station here is answered with HostReturnCode::UnknownStation. Dropped while the link is down.
     void send(quint64 correlation, const QString &relayPath, const StationCommand &command) override;
 
 private:
+    void createStation();
+    void carryOut(quint64 correlation, const StationCommand &command);
+
     MakeStation m_makeStation;
     QString m_relayPath;
     QThread m_thread;
-    std::unique_ptr<Station> m_station; // lives on m_thread
+    QObject m_stationSide; // lives on m_thread, where calls to it are carried out
+    std::unique_ptr<Station> m_station; // likewise; used on m_thread alone
+    std::atomic<bool> m_stopping = false;
     bool m_up = false;
 };

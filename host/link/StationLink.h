@@ -23,7 +23,9 @@ public:
     virtual void send(quint64 correlation, const QString &relayPath, const StationCommand &command) = 0;
 
 signals:
-    /// A station answered the command @p correlation, or a part of it. Never emitted from within send().
+    // None of them is emitted from within send().
+
+    /// A station answered the command @p correlation, or a part of it.
     void replyReceived(quint64 correlation, const StationReply &reply);
     /// The station behind @p relayPath said something unasked.
     void eventReceived(const QString &relayPath, const StationEvent &event);
