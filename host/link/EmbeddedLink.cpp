@@ -19,7 +19,7 @@ EmbeddedLink::EmbeddedLink(MakeStation makeStation, const QString &relayPath, QO
 
 EmbeddedLink::~EmbeddedLink()
 {
-    m_stopping = true;
+    m_thread.requestInterruption();
     m_thread.quit();
     m_thread.wait();
 }
@@ -65,7 +65,7 @@ void EmbeddedLink::createStation()
 
 void EmbeddedLink::carryOut(quint64 correlation, const StationCommand &command)
 {
-    if (m_stopping)
+    if (m_thread.isInterruptionRequested())
         return;
     m_station->handle(command, [this, correlation](const StationReply &reply) {
         const auto hand = [this, correlation, reply] { emit replyReceived(correlation, reply); };

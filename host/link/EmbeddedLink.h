@@ -4,7 +4,6 @@
 
 #include <QThread>
 
-#include <atomic>
 #include <functional>
 #include <memory>
 
@@ -13,7 +12,8 @@ class Station;
 /// Runs one station inside this process, on a thread of its own, so that a slow disk never blocks the window.
 ///
 /// The station is the directly connected one: its events carry the empty relay path. Commands are carried out one after
-/// the other. The end of the link waits for the command that runs at that moment; those behind it are dropped.
+/// the other. The end of the link waits for the command that runs at that moment (a station sees
+/// QThread::isInterruptionRequested() then); those behind it are dropped.
 class EmbeddedLink : public StationLink
 {
     Q_OBJECT
@@ -40,8 +40,7 @@ private:
     MakeStation m_makeStation;
     QString m_relayPath;
     QThread m_thread;
-    QObject m_stationSide; // lives on m_thread, where calls to it are carried out
+    QObject m_stationSide; // lives on m_thread, and so do the calls to it
     std::unique_ptr<Station> m_station; // likewise; used on m_thread alone
-    std::atomic<bool> m_stopping = false;
     bool m_up = false;
 };
