@@ -1,0 +1,337 @@
+#include "ClientSession.h"
+#include "GatedVolumes.h"
+#include "Station.h"
+#include "framework/HostReturnCode.h"
+
+#include <QAbstractItemModel>
+#include <QDir>
+#include <QRegularExpression>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+/// The plug-in as it is built, with the host and a station around it, used as a client's pages use it.
+class ClientSessionTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init();
+    void cleanup();
+
+    void nothingIsThereBeforeTheStart();
+    void startLoadsThePluginAndConnects();
+    void pluginAsksForItsListsOnceConnected();
+    void secondStartIsRefused();
+    void missingPluginIsAClearError();
+    void startAfterAFailure();
+    void sessionsFollowEachOther();
+
+    void volumesOfThisMachine();
+    void foldersOfThisMachine();
+    void folderIsMade();
+    void refusedFolderTellsWhy();
+
+    void stationUnderItsRelayPath();
+    void slowStationLeavesTheEventLoopFree();
+    void silentStationIsAnsweredFor();
+    void endAnswersWhatIsOutstanding();
+
+private:
+    void start(const ClientSession::Options &options);
+    ClientSession::Options gated();
+    bool call(const char *method, const QString &argument = {});
+    QList<QVariantMap> rows(const char *modelGetter);
+
+    std::unique_ptr<Gate> m_gate;
+    std::unique_ptr<ClientSession> m_session;
+};
+
+namespace {
+
+ClientSession::Options builtPlugin()
+{
+    ClientSession::Options options;
+    options.pluginFolders = QStringList{QStringLiteral(PLUGIN_FOLDER)};
+    return options;
+}
+
+} // namespace
+
+void ClientSessionTest::init()
+{
+    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    m_gate = std::make_unique<Gate>();
+    m_session = std::make_unique<ClientSession>();
+}
+
+void ClientSessionTest::cleanup()
+{
+    m_session.reset();
+    m_gate.reset();
+}
+
+void ClientSessionTest::start(const ClientSession::Options &options)
+{
+    QVERIFY2(m_session->start(options), qPrintable(m_session->error()));
+    QTRY_VERIFY(m_session->isConnected());
+}
+
+/// The built plug-in and a station whose volumes wait for the gate.
+ClientSession::Options ClientSessionTest::gated()
+{
+    ClientSession::Options options = builtPlugin();
+    options.makeStation = [this] { return std::make_unique<Station>(std::make_unique<GatedVolumes>(*m_gate)); };
+    return options;
+}
+
+bool ClientSessionTest::call(const char *method, const QString &argument)
+{
+    bool accepted = false;
+    return QMetaObject::invokeMethod(m_session->plugin(), method, Q_RETURN_ARG(bool, accepted),
+                                     Q_ARG(QString, argument))
+        && accepted;
+}
+
+/// The rows of a model as a page sees them, by role name.
+QList<QVariantMap> ClientSessionTest::rows(const char *modelGetter)
+{
+    QObject *object = nullptr;
+    QMetaObject::invokeMethod(m_session->plugin(), modelGetter, Q_RETURN_ARG(QObject *, object));
+    const auto *model = qobject_cast<QAbstractItemModel *>(object);
+    if (!model)
+        return {};
+    const QHash<int, QByteArray> roles = model->roleNames();
+    QList<QVariantMap> list;
+    for (int row = 0; row < model->rowCount(); ++row) {
+        QVariantMap values;
+        for (auto role = roles.cbegin(); role != roles.cend(); ++role)
+            values.insert(QString::fromLatin1(role.value()), model->index(row, 0).data(role.key()));
+        list.append(values);
+    }
+    return list;
+}
+
+void ClientSessionTest::nothingIsThereBeforeTheStart()
+{
+    QVERIFY(!m_session->plugin());
+    QVERIFY(!m_session->framework());
+    QVERIFY(!m_session->isConnected());
+    QVERIFY(m_session->error().isEmpty());
+}
+
+void ClientSessionTest::startLoadsThePluginAndConnects()
+{
+    const QSignalSpy connections(m_session.get(), &ClientSession::connectedChanged);
+    QVERIFY2(m_session->start(builtPlugin()), qPrintable(m_session->error()));
+    QVERIFY(m_session->plugin());
+    QCOMPARE(m_session->plugin()->metaObject()->className(), "PluginRecordingManagement");
+    QVERIFY(m_session->framework());
+    QVERIFY(!m_session->isConnected());
+    QTRY_COMPARE(connections.size(), 1);
+    QCOMPARE(connections.front(), QVariantList{true});
+    QVERIFY(m_session->isConnected());
+}
+
+void ClientSessionTest::pluginAsksForItsListsOnceConnected()
+{
+    QVERIFY(m_session->start(builtPlugin()));
+    const QSignalSpy answered(m_session->framework(), &HostFramework::commandAnswered);
+    QTRY_COMPARE(answered.size(), 3);
+    const QStringList expected{u"GetNasServers"_s, u"getRecordingGroup"_s, u"reloadStorageUsageInfo"_s};
+    for (int index = 0; index < 3; ++index)
+        QCOMPARE(answered.at(index).front().toString(), expected.at(index));
+}
+
+void ClientSessionTest::secondStartIsRefused()
+{
+    start(builtPlugin());
+    QObject *const plugin = m_session->plugin();
+    QVERIFY(!m_session->start(builtPlugin()));
+    QCOMPARE(m_session->error(), u"The session was started already."_s);
+    QCOMPARE(m_session->plugin(), plugin);
+    QVERIFY(m_session->isConnected());
+}
+
+void ClientSessionTest::missingPluginIsAClearError()
+{
+    const QTemporaryDir empty;
+    ClientSession::Options options;
+    options.pluginFolders = QStringList{empty.path()};
+    QVERIFY(!m_session->start(options));
+    QVERIFY2(m_session->error().contains(empty.path()), qPrintable(m_session->error()));
+    QVERIFY(!m_session->plugin());
+    QVERIFY(!m_session->framework());
+    QVERIFY(!m_session->isConnected());
+}
+
+void ClientSessionTest::startAfterAFailure()
+{
+    ClientSession::Options nowhere;
+    nowhere.pluginFolders = QStringList{u"/no/such/folder"_s};
+    QVERIFY(!m_session->start(nowhere));
+    start(builtPlugin());
+    QVERIFY(m_session->error().isEmpty());
+}
+
+void ClientSessionTest::sessionsFollowEachOther()
+{
+    for (int round = 0; round < 3; ++round) {
+        m_session = std::make_unique<ClientSession>();
+        start(builtPlugin());
+        QSignalSpy responded(m_session->plugin(), SIGNAL(getVolumeResponded(bool)));
+        QVERIFY(call("getVolume"));
+        QTRY_COMPARE(responded.size(), 1);
+    }
+    ClientSession other; // the plug-in's one object is taken
+    QVERIFY(!other.start(builtPlugin()));
+    QVERIFY2(other.error().contains(u"in use"_s), qPrintable(other.error()));
+}
+
+void ClientSessionTest::volumesOfThisMachine()
+{
+    start(builtPlugin());
+    QSignalSpy responded(m_session->plugin(), SIGNAL(getVolumeResponded(bool)));
+    QVERIFY(call("getVolume"));
+    QTRY_COMPARE(responded.size(), 1);
+    QCOMPARE(responded.front(), QVariantList{true});
+    const QList<QVariantMap> volumes = rows("getVolumeModel");
+    QVERIFY(!volumes.isEmpty());
+    const QVariantMap root = volumes.front();
+    QCOMPARE(root.value(u"rootPathRole"_s).toString(), u"/"_s);
+    QVERIFY(!root.value(u"nameRole"_s).toString().isEmpty());
+    QCOMPARE(root.value(u"isSystemRole"_s), QVariant(true));
+    QCOMPARE(root.value(u"isNASRole"_s), QVariant(false));
+    QVERIFY(root.value(u"sizeRole"_s).toLongLong() > 0);
+    QVERIFY(root.value(u"availableSizeRole"_s).toLongLong() <= root.value(u"sizeRole"_s).toLongLong());
+}
+
+void ClientSessionTest::foldersOfThisMachine()
+{
+    const QTemporaryDir dir;
+    QVERIFY(QDir(dir.path()).mkpath(u"archive/2024"_s));
+    QVERIFY(QDir(dir.path()).mkpath(u"Recordings"_s));
+    start(builtPlugin());
+    QSignalSpy responded(m_session->plugin(), SIGNAL(getServerDirResponded(QString)));
+    QVERIFY(call("getServerDir", dir.path()));
+    QTRY_COMPARE(responded.size(), 1);
+    QCOMPARE(responded.front(), QVariantList{dir.path()});
+    QStringList names;
+    for (const QVariantMap &folder : rows("getServerDirModel"))
+        names.append(folder.value(u"nameRole"_s).toString());
+    QCOMPARE(names, (QStringList{u"archive"_s, u"Recordings"_s}));
+}
+
+void ClientSessionTest::folderIsMade()
+{
+    const QTemporaryDir dir;
+    const QString path = dir.path() + u"/cameras/gate 1"_s;
+    start(builtPlugin());
+    QSignalSpy responded(m_session->plugin(), SIGNAL(createDirectoryResponded(bool)));
+    QVERIFY(call("createDirectory", path));
+    QTRY_COMPARE(responded.size(), 1);
+    QCOMPARE(responded.front(), QVariantList{true});
+    QVERIFY(QDir(path).exists());
+}
+
+void ClientSessionTest::refusedFolderTellsWhy()
+{
+    start(builtPlugin());
+    QSignalSpy responded(m_session->plugin(), SIGNAL(createDirectoryResponded(bool)));
+    QString words;
+    connect(m_session->framework(), &HostFramework::commandAnswered, this,
+            [&words](const QString &command, const QString &returnCode) {
+                if (command == u"createDirectory")
+                    words = returnCode;
+            });
+    QVERIFY(call("createDirectory", u"not/absolute"_s));
+    QTRY_COMPARE(responded.size(), 1);
+    QCOMPARE(responded.front(), QVariantList{false});
+    QVERIFY(!words.isEmpty());
+    QVERIFY(words != u"0");
+    QVERIFY(words != HostReturnCode::LinkDown);
+}
+
+void ClientSessionTest::stationUnderItsRelayPath()
+{
+    ClientSession::Options options = gated();
+    options.relayPath = u"relay-7"_s;
+    start(options);
+    m_gate->open.release();
+    QSignalSpy responded(m_session->plugin(), SIGNAL(getVolumeResponded(bool)));
+    QVERIFY(call("getVolume", u"relay-7"_s));
+    QTRY_COMPARE(responded.size(), 1);
+    QCOMPARE(responded.at(0), QVariantList{true});
+    const QSignalSpy answered(m_session->framework(), &HostFramework::commandAnswered);
+    QVERIFY(call("getVolume", u"relay-8"_s));
+    QTRY_COMPARE(responded.size(), 2);
+    QCOMPARE(responded.at(1), QVariantList{false});
+    QCOMPARE(answered.back().at(1).toString(), HostReturnCode::UnknownStation);
+}
+
+void ClientSessionTest::slowStationLeavesTheEventLoopFree()
+{
+    start(gated());
+    QSignalSpy responded(m_session->plugin(), SIGNAL(getVolumeResponded(bool)));
+    QVERIFY(call("getVolume"));
+    QTRY_COMPARE(m_gate->entered.load(), 1);
+    QTimer timer;
+    const QSignalSpy ticks(&timer, &QTimer::timeout);
+    timer.start(0);
+    QTRY_VERIFY(ticks.size() >= 10);
+    QVERIFY(responded.isEmpty());
+    QCOMPARE(m_gate->left.load(), 0);
+    m_gate->open.release();
+    QTRY_COMPARE(responded.size(), 1);
+    QCOMPARE(rows("getVolumeModel").front().value(u"rootPathRole"_s).toString(), u"/gated"_s);
+}
+
+void ClientSessionTest::silentStationIsAnsweredFor()
+{
+    ClientSession::Options options = gated();
+    options.replyTimeout = 20ms;
+    start(options);
+    QSignalSpy responded(m_session->plugin(), SIGNAL(getVolumeResponded(bool)));
+    QSignalSpy answered(m_session->framework(), &HostFramework::commandAnswered);
+    QVERIFY(call("getVolume"));
+    QTRY_COMPARE(responded.size(), 1);
+    QCOMPARE(responded.front(), QVariantList{false});
+    QCOMPARE(answered.back().at(0).toString(), u"getVolume"_s);
+    QCOMPARE(answered.back().at(1).toString(), HostReturnCode::NoAnswer);
+    QCOMPARE(m_gate->left.load(), 0);
+
+    m_gate->open.release(); // the late answer
+    QTRY_COMPARE(m_gate->left.load(), 1);
+    QVERIFY(call("getVolume", u"nobody"_s)); // its refusal is queued behind that answer
+    QTRY_COMPARE(responded.size(), 2);
+    QCOMPARE(responded.back(), QVariantList{false});
+    QCOMPARE(answered.back().at(1).toString(), HostReturnCode::UnknownStation);
+}
+
+void ClientSessionTest::endAnswersWhatIsOutstanding()
+{
+    start(gated());
+    QObject *const plugin = m_session->plugin();
+    QStringList order;
+    QSignalSpy responded(plugin, SIGNAL(getVolumeResponded(bool)));
+    connect(m_session->framework(), &HostFramework::commandAnswered, this,
+            [&order](const QString &command, const QString &returnCode) {
+                if (command == u"getVolume")
+                    order.append(returnCode);
+            });
+    connect(plugin, &QObject::destroyed, this, [&order] { order.append(u"plug-in ends"_s); });
+    connect(m_session->framework(), &QObject::destroyed, this, [&order] { order.append(u"framework ends"_s); });
+    QVERIFY(call("getVolume"));
+    QTRY_COMPARE(m_gate->entered.load(), 1);
+    m_session.reset();
+    QCOMPARE(order, (QStringList{u"Closing"_s, u"plug-in ends"_s, u"framework ends"_s}));
+    QCOMPARE(responded.size(), 1);
+    QCOMPARE(responded.front(), QVariantList{false});
+    QVERIFY(m_gate->gone);
+}
+
+QTEST_GUILESS_MAIN(ClientSessionTest)
+
+#include "tst_client_session.moc"
