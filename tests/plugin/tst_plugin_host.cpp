@@ -23,6 +23,9 @@ private slots:
     void init();
     void cleanup();
 
+    void missingTraceLibraryIsNoError();
+    void textIsNoTraceLibrary();
+    void traceLibraryIsFoundByItsName(); // before the plug-in, which asks for it
     void findsThePluginAmongOthers();
     void otherPluginsAreNotLoaded();
     void foldersAreSearchedInOrder();
@@ -35,9 +38,6 @@ private slots:
     void objectIsHandedOutOnce();
     void pluginOutlivesItsHost();
     void defaultFoldersLieBesideTheApplicationAndOnQtsPath();
-    void missingTraceLibraryIsNoError();
-    void textIsNoTraceLibrary();
-    void traceLibraryIsFoundByItsName();
 
 private:
     void put(const QString &library, const QString &name);
@@ -82,6 +82,28 @@ void PluginHostTest::putText(const QString &name)
     QFile file(m_dir->filePath(name));
     QVERIFY(file.open(QFile::WriteOnly));
     QVERIFY(file.write("This is not a library.\n") > 0);
+}
+
+void PluginHostTest::missingTraceLibraryIsNoError()
+{
+    QVERIFY(!PluginHost::loadTraceLibrary(m_dir->filePath(u"libZarnLogUtl.so"_s)));
+}
+
+void PluginHostTest::textIsNoTraceLibrary()
+{
+    putText(u"libZarnLogUtl.so"_s);
+    QVERIFY(!PluginHost::loadTraceLibrary(m_dir->filePath(u"libZarnLogUtl.so"_s)));
+}
+
+void PluginHostTest::traceLibraryIsFoundByItsName()
+{
+    const char *const file = TRACE_LIBRARY_FILE;
+    QVERIFY(!dlopen(file, RTLD_NOW | RTLD_NOLOAD));
+    QVERIFY(PluginHost::loadTraceLibrary(QString::fromLocal8Bit(file)));
+    void *const library = dlopen("libZarnLogUtl.so", RTLD_NOW); // as the plug-in asks for it
+    QVERIFY2(library, dlerror());
+    QCOMPARE(library, dlopen(file, RTLD_NOW | RTLD_NOLOAD));
+    QVERIFY(dlsym(library, "LogTrace_GetGlobalObject"));
 }
 
 void PluginHostTest::findsThePluginAmongOthers()
@@ -229,27 +251,6 @@ void PluginHostTest::defaultFoldersLieBesideTheApplicationAndOnQtsPath()
     QCOMPARE(folders.front(), QDir::cleanPath(application.filePath(u"../"_s + QStringLiteral(PLUGIN_DIR))));
     QVERIFY(folders.contains(m_dir->path() + u"/recordingmanagement"_s));
     QCoreApplication::removeLibraryPath(m_dir->path());
-}
-
-void PluginHostTest::missingTraceLibraryIsNoError()
-{
-    QVERIFY(!PluginHost::loadTraceLibrary(m_dir->filePath(u"libZarnLogUtl.so"_s)));
-}
-
-void PluginHostTest::textIsNoTraceLibrary()
-{
-    putText(u"libZarnLogUtl.so"_s);
-    QVERIFY(!PluginHost::loadTraceLibrary(m_dir->filePath(u"libZarnLogUtl.so"_s)));
-}
-
-void PluginHostTest::traceLibraryIsFoundByItsName()
-{
-    QVERIFY(!dlopen("libZarnLogUtl.so", RTLD_NOW | RTLD_NOLOAD));
-    QVERIFY(PluginHost::loadTraceLibrary(QStringLiteral(TRACE_LIBRARY_FILE)));
-    void *const library = dlopen("libZarnLogUtl.so", RTLD_NOW); // as the plug-in asks for it
-    QVERIFY2(library, dlerror());
-    QVERIFY(dlsym(library, "LogTrace_GetGlobalObject"));
-    QCOMPARE(dlclose(library), 0);
 }
 
 QTEST_GUILESS_MAIN(PluginHostTest)
