@@ -150,6 +150,7 @@ private slots:
     void lateAnswerIsDropped();
     void partRestartsTheTimeLimit();
     void silenceAfterAPartIsAnsweredFor();
+    void laterTimeLimitIsWatchedToo();
     void shorterTimeLimitHoldsForTheNextCommand();
     void timeLimitIsAtLeastOneMillisecond();
 
@@ -352,6 +353,15 @@ void HostFrameworkTest::silenceAfterAPartIsAnsweredFor()
     QTRY_COMPARE(m_plugin->log, expected);
 }
 
+void HostFrameworkTest::laterTimeLimitIsWatchedToo()
+{
+    m_framework->setReplyTimeout(5ms);
+    QVERIFY(m_plugin->send(u"hasty"_s));
+    m_framework->setReplyTimeout(50ms);
+    QVERIFY(m_plugin->send(u"patient"_s));
+    QTRY_COMPARE(m_plugin->log, (QStringList{u"hasty NoAnswer last"_s, u"patient NoAnswer last"_s}));
+}
+
 void HostFrameworkTest::shorterTimeLimitHoldsForTheNextCommand()
 {
     m_framework->setReplyTimeout(1h);
@@ -459,12 +469,16 @@ void HostFrameworkTest::closedFrameworkIsSilent()
     QVERIFY(m_plugin->send(u"one"_s));
     m_framework->close();
     m_plugin->log.clear();
+    const QSignalSpy answered(m_framework.get(), &HostFramework::commandAnswered);
+    const QSignalSpy delivered(m_framework.get(), &HostFramework::eventDelivered);
     m_link->answer(0, u"0"_s);
     emit m_link->eventReceived({}, {u"VolumeChanged"_s, {}});
     m_link->setUp(false);
     m_link->setUp(true);
     m_framework->close();
     QVERIFY(m_plugin->log.isEmpty());
+    QVERIFY(answered.isEmpty());
+    QVERIFY(delivered.isEmpty());
     FakePlugin other;
     QVERIFY(!m_framework->attach(&other, u"other"_s));
 }
