@@ -174,7 +174,7 @@ void TraceLibraryTest::withoutRegistrationTheModuleIsZero()
 {
     const QStringList trace = run("session", complete, "RegisterModule").trace;
     QVERIFY(trace.filter("register").isEmpty());
-    QCOMPARE(trace.filter("initialise: ask").constFirst(),
+    QCOMPARE(trace.filter("initialise: ask").value(0),
              QStringLiteral("initialise: ask 5 PluginRecordingManagement.cpp:scope"));
     QCOMPARE(trace.filter("refused: ask"), QStringList{"refused: ask 2 PluginRecordingManagement_Req.cpp:55"});
     QVERIFY(!trace.filter("refused: write").isEmpty());
@@ -265,7 +265,7 @@ void TraceLibraryTest::unloadingLetsTheLibraryGo()
 {
     const Run result = run("unload", complete);
     QCOMPARE(result.seen, QStringList({"loaded 1, trace library mapped 1", "unloaded 1, trace library mapped 0"}));
-    QCOMPARE(result.trace.constLast(), QStringLiteral("unload: unloaded"));
+    QCOMPARE(result.trace.value(result.trace.size() - 1), QStringLiteral("unload: unloaded"));
     QCOMPARE(run("unload", noFolder).seen,
              QStringList({"loaded 1, trace library mapped 0", "unloaded 1, trace library mapped 0"}));
 }
