@@ -33,7 +33,7 @@ class PluginRecordingManagement : public PluginBase
 
 public:
     /// Kind of a recording path, sent as an int.
-    enum RecPathType {
+    enum RecPathType : int {
         Local = 0, ///< on a disk of the station
         NetHost = 1, ///< on a network host
         NetDomain = 2, ///< in a network domain
@@ -41,7 +41,7 @@ public:
     Q_ENUM(RecPathType)
 
     /// Outcome of a NAS command.
-    enum NASServerErrorCode {
+    enum NASServerErrorCode : int {
         NonError = 0,
         LogonFailed = 1,
         ServerExist = 2,
@@ -52,7 +52,7 @@ public:
     Q_ENUM(NASServerErrorCode)
 
     /// Which of the entries "." and ".." a NAS folder listing hides; a set of bits.
-    enum NASDirFilter {
+    enum NASDirFilter : int {
         NoDot = 1,
         NoDotDot = 2,
         NoDotAndDotDot = 3,
