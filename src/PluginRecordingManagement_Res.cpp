@@ -513,12 +513,17 @@ void PluginRecordingManagement::handleUpdateNASServer(const QString &result, voi
     const QString id = server.value(QStringLiteral("id")).toString();
     const NASServerErrorCode code = TransferNASServerErrorCode(result);
     if (code == NonError) {
-        if (QStandardItem *row =
-                m_nasServerModel ? m_nasServerModel->itemFromIndex(findRow(m_nasServerModel, id)) : nullptr) {
-            row->setData(server.value(FieldKey::host).toString(), NasServerRole::Host);
-            row->setData(server.value(FieldKey::logonDomain).toString(), NasServerRole::LogonDomain);
-            row->setData(server.value(FieldKey::userName).toString(), NasServerRole::UserName);
-            row->setData(server.value(FieldKey::password).toString(), NasServerRole::Password);
+        // Whoever hears of the first change may bring the row to an end.
+        const QPersistentModelIndex row = findRow(m_nasServerModel, id);
+        const std::pair<const QString &, int> fields[] = {
+            {FieldKey::host, NasServerRole::Host},
+            {FieldKey::logonDomain, NasServerRole::LogonDomain},
+            {FieldKey::userName, NasServerRole::UserName},
+            {FieldKey::password, NasServerRole::Password},
+        };
+        for (const auto &[key, role] : fields) {
+            if (row.isValid())
+                m_nasServerModel->setData(row, server.value(key).toString(), role);
         }
     }
     emit updateNASServerResponsed(code, id);
