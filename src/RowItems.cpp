@@ -131,7 +131,9 @@ RowBatch::RowBatch(QStandardItemModel *model)
 }
 
 RowBatch::RowBatch(QStandardItem *parent)
-    : m_item(parent)
+    : m_model(parent->model())
+    , m_below(true)
+    , m_parent(parent->index())
 {
 }
 
@@ -141,12 +143,16 @@ RowBatch &RowBatch::operator=(RowBatch &&) noexcept = default;
 
 QStandardItem *RowBatch::parent() const
 {
-    return m_model ? m_model->invisibleRootItem() : m_item; // a cleared model has a new root
+    if (!m_model)
+        return nullptr;
+    if (m_below)
+        return m_parent.isValid() ? m_model->itemFromIndex(m_parent) : nullptr;
+    return m_model->invisibleRootItem(); // a cleared model has a new root
 }
 
 bool RowBatch::add(RowItem row) noexcept
 {
-    if (!row || !parent())
+    if (!row || !m_model)
         return false;
     try {
         m_rows.push_back(std::move(row));
@@ -164,12 +170,17 @@ bool RowBatch::append() noexcept
         QList<QStandardItem *> items;
         items.reserve(static_cast<qsizetype>(m_rows.size()));
         // A column inserted from within the insertion of rows would reach the views nested in it.
-        if (parent()->columnCount() == 0)
+        if (parent() && parent()->columnCount() == 0)
             parent()->setColumnCount(1);
+        QStandardItem *const item = parent();
+        if (!item) {
+            m_rows.clear();
+            return false;
+        }
         for (RowItem &row : m_rows)
             items.append(row.release());
         m_rows.clear();
-        parent()->appendRows(items);
+        item->appendRows(items);
         return true;
     } catch (const std::bad_alloc &) {
         m_rows.clear();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QHash>
+#include <QPersistentModelIndex>
 #include <QString>
 #include <QStringList>
 
@@ -34,7 +35,7 @@ class RowBatch
 {
 public:
     explicit RowBatch(QStandardItemModel *model);
-    /// Appends below @p parent, an item that stays in its model meanwhile.
+    /// Appends below @p parent, an item of a model; where it has left the model meanwhile, append() drops the rows.
     explicit RowBatch(QStandardItem *parent);
     ~RowBatch();
     RowBatch(RowBatch &&) noexcept;
@@ -42,14 +43,15 @@ public:
 
     /// Takes @p row as the next one; false when it is null, memory ran out or there is nothing to append to.
     bool add(RowItem row) noexcept;
-    /// Appends what was gathered; false when memory ran out.
+    /// Appends what was gathered; false when memory ran out or the parent is gone.
     bool append() noexcept;
 
 private:
     QStandardItem *parent() const;
 
     QStandardItemModel *m_model = nullptr; // not owned
-    QStandardItem *m_item = nullptr; // not owned
+    bool m_below = false; // below m_parent, not at the top
+    QPersistentModelIndex m_parent;
     std::vector<RowItem> m_rows;
 };
 
