@@ -355,26 +355,31 @@ QMap<QString, QVariant> PluginRecordingManagement::calculateGroupUsage(QVariant 
 void PluginRecordingManagement::updateRecordingGroupVolumeModel(const QString &source, QVariant &data)
 {
     std::exchange(m_groupVolumeModels[source], {}); // emptied first: a model's end may bring QML back in here
-    std::map<QString, RowBatch> batches;
+    struct GroupRows
+    {
+        QSharedPointer<QStandardItemModel> model; // held until it is filled
+        RowBatch rows;
+    };
+    std::map<QString, GroupRows> groups;
     const QVariantList entries = data.toList();
     for (const QVariant &element : entries) {
         const QVariantMap entry = element.toMap();
         const QString groupId = entry.value(FieldKey::recordingGroupID).toString();
-        auto batch = batches.find(groupId);
-        if (batch == batches.end()) {
+        auto group = groups.find(groupId);
+        if (group == groups.end()) {
             const QSharedPointer<QStandardItemModel> model(newListModel(volumeRoleNames(), this));
             if (!model)
                 continue;
             m_groupVolumeModels[source].insert(groupId, model);
-            batch = batches.emplace(groupId, RowBatch(model.data())).first;
+            group = groups.emplace(groupId, GroupRows{model, RowBatch(model.data())}).first;
         }
-        batch->second.add(VolumeItem(
+        group->second.rows.add(VolumeItem(
             entry.value(FieldKey::recordingPath).toString(), entry.value(FieldKey::volumeName).toString(),
             entry.value(FieldKey::volumeSize).toLongLong(), entry.value(FieldKey::volumeAvailableSize).toLongLong(),
             entry.value(FieldKey::volumeIsSystem).toBool(), entry.value(FieldKey::volumeIsNAS).toBool()));
     }
-    for (auto &[groupId, batch] : batches)
-        batch.append();
+    for (auto &[groupId, group] : groups)
+        group.rows.append();
 }
 
 void PluginRecordingManagement::updateRecordingGroupUsageModel(const QString &source, QMap<QString, QVariant> &usage)
