@@ -7,6 +7,7 @@
 #include "framework/FrameworkWrapperBase.h"
 #include "trace/TraceLog.h"
 
+#include <QMetaMethod>
 #include <QStandardItemModel>
 #include <QUuid>
 
@@ -37,6 +38,19 @@ QVariantMap nasPathRequest(const QString &basePath, const QString &logonDomain, 
         {FieldKey::basePath, basePath}, {FieldKey::logonDomain, logonDomain}, {FieldKey::userName, userName},
         {FieldKey::password, password}, {FieldKey::relayPath, relayPath},
     };
+}
+
+// What the station plug-in tells of its station; empty when the object or its method is missing.
+QVariantMap stationTree(QObject *stationPlugin)
+{
+    if (!stationPlugin)
+        return {};
+    const QMetaObject *const meta = stationPlugin->metaObject();
+    const QMetaMethod method = meta->method(meta->indexOfMethod("getStationTree()"));
+    QVariant station;
+    if (method.isValid() && method.returnMetaType() == QMetaType::fromType<QVariant>())
+        method.invoke(stationPlugin, Qt::DirectConnection, Q_RETURN_ARG(QVariant, station));
+    return station.toMap();
 }
 
 // The map inside @p value, in place where it holds one; @p converted keeps what a conversion made.
@@ -291,19 +305,14 @@ bool PluginRecordingManagement::addRecordingGroupWithCompleteInfo(const QVariant
 bool PluginRecordingManagement::retrieveRecordingGroupTreeModel()
 {
     static const QString stationPluginId = QStringLiteral("1AA33B3D0AA047C9A202F1181284D2CD");
-    constexpr auto getStationTree = "getStationTree";
 
     if (!m_treeModel || m_treeModel->rowCount() == 0) {
-        QVariant station;
-        if (QObject *stationPlugin = pluginObject(stationPluginId))
-            QMetaObject::invokeMethod(stationPlugin, getStationTree, Qt::DirectConnection,
-                                      Q_RETURN_ARG(QVariant, station));
-        const QVariantMap stationMap = station.toMap();
-        if (stationMap.isEmpty()) {
+        const QVariantMap station = stationTree(pluginObject(stationPluginId));
+        if (station.isEmpty()) {
             TRACE_ERROR("%s, GetStationTree failed", "PluginRecordingManagement::retrieveRecordingGroupTreeModel");
             return false;
         }
-        CreateStationTreeModel(stationMap);
+        CreateStationTreeModel(station);
     } else if (QStandardItem *station = m_treeModel->item(0, 0)) {
         station->removeRows(0, station->rowCount());
     }
