@@ -15,6 +15,7 @@
 #include <exception>
 #include <memory>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -467,10 +468,14 @@ bool PluginRecordingManagement::addNASServer(const QString &host, const QString 
         TRACE_ERROR("%s, new AddNASServerContext failed", function);
         return false;
     }
-    if (!sendRequestToServer(ServerCommand::AddNasServer, request, context.get(), ""))
+    // Current before it is sent: the framework may answer from within the call.
+    const QString previousRequestId = std::exchange(m_addRequestId, requestId);
+    if (!sendRequestToServer(ServerCommand::AddNasServer, request, context.get(), "")) {
+        if (m_addRequestId == requestId)
+            m_addRequestId = previousRequestId;
         return false;
+    }
     context.release(); // handleAddNASServer destroys it
-    m_addRequestId = requestId;
     return true;
 }
 
