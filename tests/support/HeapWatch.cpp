@@ -1,0 +1,118 @@
+#include "HeapWatch.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+struct Watched
+{
+    const void *address;
+    bool freed;
+};
+
+std::array<Watched, 1024> watched; // fixed: the heap itself is under test
+std::size_t watchedCount = 0;
+int allocationsToFailure = -1; // below 0: none is due
+
+void *allocate(std::size_t size)
+{
+    return std::malloc(std::max<std::size_t>(size, 1));
+}
+
+void *allocateOrThrow(std::size_t size)
+{
+    void *const address = allocate(size);
+    if (!address)
+        throw std::bad_alloc();
+    return address;
+}
+
+void release(void *address)
+{
+    for (std::size_t i = watchedCount; i > 0; --i) {
+        Watched &entry = watched[i - 1];
+        if (entry.address == address && !entry.freed) {
+            entry.freed = true;
+            break;
+        }
+    }
+    std::free(address);
+}
+
+} // namespace
+
+void watchAllocation(const void *address)
+{
+    if (watchedCount == watched.size())
+        std::abort();
+    watched[watchedCount++] = {address, false};
+}
+
+bool isFreed(const void *address)
+{
+    for (std::size_t i = watchedCount; i > 0; --i) {
+        if (watched[i - 1].address == address)
+            return watched[i - 1].freed;
+    }
+    return false;
+}
+
+AllocationFailure::AllocationFailure(int nth)
+{
+    allocationsToFailure = nth;
+}
+
+AllocationFailure::~AllocationFailure()
+{
+    allocationsToFailure = -1;
+}
+
+bool AllocationFailure::happened() const
+{
+    return allocationsToFailure < 0;
+}
+
+void *operator new(std::size_t size)
+{
+    return allocateOrThrow(size);
+}
+
+void *operator new[](std::size_t size)
+{
+    return allocateOrThrow(size);
+}
+
+void *operator new(std::size_t size, const std::nothrow_t &) noexcept
+{
+    if (allocationsToFailure >= 0 && allocationsToFailure-- == 0)
+        return nullptr;
+    return allocate(size);
+}
+
+void operator delete(void *address) noexcept
+{
+    release(address);
+}
+
+void operator delete[](void *address) noexcept
+{
+    release(address);
+}
+
+void operator delete(void *address, std::size_t) noexcept
+{
+    release(address);
+}
+
+void operator delete[](void *address, std::size_t) noexcept
+{
+    release(address);
+}
+
+void operator delete(void *address, const std::nothrow_t &) noexcept
+{
+    release(address);
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+/// Watches and disturbs the C++ heap of the test executable. A test that uses it has its operator new and delete
+/// replaced. Single-threaded.
+
+/// Follows the object at @p address, which must be alive, until it is freed.
+void watchAllocation(const void *address);
+
+/// Whether the object that watchAllocation() follows was freed. False for an address that was never watched.
+bool isFreed(const void *address);
+
+/// While it lives, the nth allocation with std::nothrow fails, counted from 0; every other one goes well.
+class AllocationFailure
+{
+public:
+    explicit AllocationFailure(int nth);
+    ~AllocationFailure();
+
+    AllocationFailure(const AllocationFailure &) = delete;
+    AllocationFailure &operator=(const AllocationFailure &) = delete;
+
+    /// Whether the allocation was asked for, and refused.
+    bool happened() const;
+};
