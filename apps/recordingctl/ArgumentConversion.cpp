@@ -77,14 +77,14 @@ ConvertedArgument toEnumerator(const QString &text, const QString &parameter, QM
     return Wanted{parameter, QStringLiteral("%1 (or %2)").arg(wordList(names), wordList(numbers)), text}.refused();
 }
 
-/// Parses @p wanted.typed; on failure the document is null and the error says where it is wrong.
+/// Parses @p text; on failure the document is null and the second says what is wrong.
 std::pair<QJsonDocument, QString> parseJson(const QString &text)
 {
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(text.toUtf8(), &error);
     if (error.error == QJsonParseError::NoError)
         return {document, {}};
-    return {{}, QStringLiteral("%1 at byte %2").arg(error.errorString()).arg(error.offset + 1)};
+    return {{}, error.errorString()};
 }
 
 ConvertedArgument toStringList(const QString &text, const QString &parameter)
