@@ -1,0 +1,390 @@
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QStorageInfo>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <csignal>
+
+namespace {
+
+struct Run
+{
+    int exitCode = -1;
+    QString output;
+    QString errors;
+
+    QStringList outputLines() const { return output.split(u'\n', Qt::SkipEmptyParts); }
+    QStringList errorLines() const { return errors.split(u'\n', Qt::SkipEmptyParts); }
+    QJsonObject json() const { return QJsonDocument::fromJson(output.toUtf8()).object(); }
+};
+
+Run finished(QProcess &process)
+{
+    if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit)
+        return {};
+    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
+}
+
+Run run(const QStringList &arguments, const QByteArray &input = {}, const QString &program = RECORDINGCTL)
+{
+    QProcess process;
+    process.start(program, arguments);
+    process.write(input);
+    process.closeWriteChannel();
+    return finished(process);
+}
+
+/// The words of a line of a table.
+QStringList words(const QString &line)
+{
+    static const QRegularExpression gap(QStringLiteral("  +"));
+    return line.split(gap);
+}
+
+} // namespace
+
+class TestRecordingctl : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase();
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
+
+    void listShowsInvokablesAndSignals();
+    void listAsJson();
+    void callGetVolume();
+    void callGetVolumeAsJson();
+    void callGetServerDir();
+    void queryIsAnsweredFromTheStation();
+    void createDirectoryMakesIt();
+    void createDirectoryRefusedByTheStation();
+    void refusalWithoutASignal();
+    void refusedByThePlugin();
+    void volumesForAnOperator();
+    void foldersOnePerLine();
+    void foldersOfNothing();
+    void mkdirMakesParents();
+    void wrongUse_data();
+    void wrongUse();
+    void noAnswerInTime_data();
+    void noAnswerInTime();
+    void passwordFromStandardInput();
+    void watchEndsByCount();
+    void watchEndsByTime();
+    void watchMissesItsCount();
+    void watchEndsByInterruption_data();
+    void watchEndsByInterruption();
+    void helpAndVersion();
+
+private:
+    QString folder(const QString &name) const { return m_folder.filePath(name); }
+
+    QTemporaryDir m_folder;
+};
+
+void TestRecordingctl::initTestCase()
+{
+    QVERIFY(m_folder.isValid());
+}
+
+void TestRecordingctl::listShowsInvokablesAndSignals()
+{
+    const Run list = run({"list"});
+    QCOMPARE(list.exitCode, 0);
+    QCOMPARE(list.errors, QString());
+    for (const char *line : {
+             "  QObject*      getVolumeModel()",
+             "  bool          getVolume([QString relayPath])",
+             "  bool          addRecordingGroup(QString groupName, QString path, RecPathType recPathType, "
+             "[qlonglong reserveSpace])",
+             "  void          clearRecordingGroupDataList()",
+             "  addNASServerResponded(NASServerErrorCode result, QString srvId)",
+             "  NASDirFilter: NoDot = 1, NoDotDot = 2, NoDotAndDotDot = 3",
+         })
+        QVERIFY2(list.outputLines().contains(QLatin1String(line)), line);
+    QVERIFY(!list.output.contains("deleteLater"));
+}
+
+void TestRecordingctl::listAsJson()
+{
+    const Run list = run({"list", "--json"});
+    QCOMPARE(list.exitCode, 0);
+    QCOMPARE(list.json().value("invokables").toArray().size(), 40);
+    QCOMPARE(list.json().value("signals").toArray().size(), 21);
+    QCOMPARE(list.json().value("enumerations").toArray().size(), 3);
+    const QJsonObject first = list.json().value("invokables").toArray().at(7).toObject();
+    QCOMPARE(first,
+             (QJsonObject{{"name", "getVolume"},
+                          {"returnType", "bool"},
+                          {"parameters",
+                           QJsonArray{QJsonObject{{"name", "relayPath"}, {"type", "QString"}, {"optional", true}}}}}));
+}
+
+void TestRecordingctl::callGetVolume()
+{
+    const Run call = run({"call", "getVolume"});
+    QCOMPARE(call.exitCode, 0);
+    QCOMPARE(call.outputLines().value(0), "getVolumeResponded success: true");
+    QCOMPARE(words(call.outputLines().value(1)),
+             (QStringList{"idRole", "rootPathRole", "nameRole", "sizeRole", "availableSizeRole", "isSystemRole",
+                          "isNASRole"}));
+    QVERIFY(call.outputLines().size() > 2);
+}
+
+void TestRecordingctl::callGetVolumeAsJson()
+{
+    const Run call = run({"call", "getVolume", "--json"});
+    QCOMPARE(call.exitCode, 0);
+    const QJsonObject object = call.json();
+    QCOMPARE(object.value("call"), QJsonValue("getVolume"));
+    QCOMPARE(object.value("result"), QJsonValue(true));
+    QCOMPARE(object.value("returnCode"), QJsonValue("0"));
+    QCOMPARE(
+        object.value("answers").toArray(),
+        (QJsonArray{QJsonObject{{"signal", "getVolumeResponded"}, {"arguments", QJsonObject{{"success", true}}}}}));
+    const QJsonObject system = object.value("model").toArray().at(0).toObject();
+    QCOMPARE(system.value("rootPathRole"), QJsonValue("/"));
+    QCOMPARE(system.value("sizeRole").toInteger(), QStorageInfo::root().bytesTotal() / 1024);
+}
+
+void TestRecordingctl::callGetServerDir()
+{
+    QVERIFY(QDir(m_folder.path()).mkpath("browse/cam2"));
+    QVERIFY(QDir(m_folder.path()).mkpath("browse/cam10"));
+    const Run call = run({"call", "getServerDir", folder("browse")});
+    QCOMPARE(call.exitCode, 0);
+    QCOMPARE(call.output,
+             QStringLiteral("getServerDirResponded path: %1\n"
+                            "idRole  nameRole\n"
+                            "cam2    cam2\n"
+                            "cam10   cam10\n")
+                 .arg(folder("browse")));
+}
+
+void TestRecordingctl::queryIsAnsweredFromTheStation()
+{
+    const Run call = run({"call", "getVolumeInfo", "/", ""});
+    QCOMPARE(call.exitCode, 0);
+    const QJsonObject info = call.json();
+    QCOMPARE(info.value("size").toInteger(), QStorageInfo::root().bytesTotal() / 1024);
+    QCOMPARE(info.value("isSystem"), QJsonValue(true));
+}
+
+void TestRecordingctl::createDirectoryMakesIt()
+{
+    const Run call = run({"call", "createDirectory", folder("made")});
+    QCOMPARE(call.exitCode, 0);
+    QCOMPARE(call.output, "createDirectoryResponded success: true\n");
+    QVERIFY(QFileInfo(folder("made")).isDir());
+}
+
+void TestRecordingctl::createDirectoryRefusedByTheStation()
+{
+    QVERIFY(QDir(m_folder.path()).mkpath("there"));
+    const Run call = run({"call", "createDirectory", folder("there")});
+    QCOMPARE(call.exitCode, 1);
+    QCOMPARE(call.output, "createDirectoryResponded success: false\n");
+    QCOMPARE(call.errorLines().last(), "recordingctl: createDirectory: the station refused: DirectoryExists");
+}
+
+void TestRecordingctl::refusalWithoutASignal()
+{
+    const Run call = run({"call", "getVolume", "relay-of-nobody", "--json"});
+    QCOMPARE(call.exitCode, 1);
+    QCOMPARE(call.json().value("returnCode"), QJsonValue("UnknownStation"));
+    QVERIFY(!call.json().contains("model"));
+    QCOMPARE(call.errorLines().last(), "recordingctl: getVolume: the station refused: UnknownStation");
+}
+
+void TestRecordingctl::refusedByThePlugin()
+{
+    const Run call = run({"call", "addRecordingGroup", "Yard", "/srv", "Local", "1000"});
+    QCOMPARE(call.exitCode, 1);
+    QCOMPARE(call.output, QString());
+    QCOMPARE(call.errorLines().last(),
+             "recordingctl: addRecordingGroup: the plug-in refused and sent nothing; the trace log says why");
+}
+
+void TestRecordingctl::volumesForAnOperator()
+{
+    const Run volumes = run({"volumes"});
+    QCOMPARE(volumes.exitCode, 0);
+    QCOMPARE(words(volumes.outputLines().value(0)),
+             (QStringList{"Name", "Path", "Size", "Free", "Used", "System", "NAS"}));
+    const QStringList system = words(volumes.outputLines().value(1));
+    QCOMPARE(system.value(1), "/");
+    static const QRegularExpression size(QStringLiteral("^\\d+\\.\\d\\d [KMGT]B$"));
+    QVERIFY2(size.match(system.value(2)).hasMatch(), qPrintable(system.value(2)));
+    QCOMPARE(system.value(5), "yes");
+    QCOMPARE(system.value(6), "no");
+}
+
+void TestRecordingctl::foldersOnePerLine()
+{
+    QVERIFY(QDir(m_folder.path()).mkpath("list/a b"));
+    QVERIFY(QDir(m_folder.path()).mkpath("list/c"));
+    const Run folders = run({"folders", folder("list")});
+    QCOMPARE(folders.exitCode, 0);
+    QCOMPARE(folders.output, "a b\nc\n");
+    QVERIFY(run({"folders"}).outputLines().contains("/"));
+}
+
+void TestRecordingctl::foldersOfNothing()
+{
+    const Run folders = run({"folders", folder("nothing")});
+    QCOMPARE(folders.exitCode, 1);
+    QCOMPARE(folders.output, QString());
+    QCOMPARE(folders.errorLines().last(), "recordingctl: getServerDir: the station refused: DirectoryNotFound");
+}
+
+void TestRecordingctl::mkdirMakesParents()
+{
+    const Run mkdir = run({"mkdir", folder("one/two/three")});
+    QCOMPARE(mkdir.exitCode, 0);
+    QCOMPARE(mkdir.output, QString());
+    QVERIFY(QFileInfo(folder("one/two/three")).isDir());
+}
+
+void TestRecordingctl::wrongUse_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("error");
+    QTest::newRow("nearly a name") << QStringList{"call", "getVolumes"}
+                                   << "there is no invokable \"getVolumes\"; did you mean \"getVolume\"? "
+                                      "\"recordingctl list\" shows them all";
+    QTest::newRow("no name") << QStringList{"call", "reboot"}
+                             << "there is no invokable \"reboot\"; \"recordingctl list\" shows them all";
+    QTest::newRow("a signal") << QStringList{"call", "volumeInfoChanged"}
+                              << "volumeInfoChanged is a signal and cannot be called; \"recordingctl watch\" prints "
+                                 "signals";
+    QTest::newRow("no arguments") << QStringList{"call", "getServerDir"}
+                                  << "getServerDir takes 1 or 2 arguments (basePath, [relayPath]), not 0";
+    QTest::newRow("too many") << QStringList{"call", "createDirectory", "/a", "/b"}
+                              << "createDirectory takes 1 argument (path), not 2";
+    QTest::newRow("takes none") << QStringList{"call", "getRecordingGroup", "x"}
+                                << "getRecordingGroup takes no arguments, not 1";
+    QTest::newRow("a range") << QStringList{"call", "addNASServer"}
+                             << "addNASServer takes 1 to 5 arguments (host, [logonDomain], [userName], [password], "
+                                "[relayPath]), not 0";
+    QTest::newRow("enumerator") << QStringList{"call", "addRecordingGroup", "Yard", "/srv", "Disk"}
+                                << "recPathType must be Local, NetHost or NetDomain (or 0, 1 or 2), not \"Disk\"";
+    QTest::newRow("password") << QStringList{"call", "addNASServer", "nas", "Host", "anna", "hunter2"}
+                              << "password must not stand on the command line, where everyone on this machine can read "
+                                 "it; give - to read it from standard input, or @FILE to read it from a file";
+    QTest::newRow("command") << QStringList{"volume"} << "there is no command \"volume\"; did you mean \"volumes\"?";
+    QTest::newRow("a name with a line end")
+        << QStringList{"call", "a\nb"} << "there is no invokable \"a\\nb\"; \"recordingctl list\" shows them all";
+}
+
+void TestRecordingctl::wrongUse()
+{
+    QFETCH(const QStringList, arguments);
+    QFETCH(const QString, error);
+    const Run call = run(arguments);
+    QCOMPARE(call.exitCode, 2);
+    QCOMPARE(call.output, QString());
+    QCOMPARE(call.errors, QStringLiteral("recordingctl: %1\n").arg(error));
+}
+
+void TestRecordingctl::noAnswerInTime_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("name");
+    QTest::newRow("call") << QStringList{"call", "getVolume"} << "getVolume";
+    QTest::newRow("call, JSON") << QStringList{"call", "getVolume", "--json"} << "getVolume";
+    QTest::newRow("volumes") << QStringList{"volumes"} << "getVolume";
+}
+
+void TestRecordingctl::noAnswerInTime()
+{
+    QFETCH(const QStringList, arguments);
+    QFETCH(const QString, name);
+    const Run call = run(arguments + QStringList{"--timeout", "0.2"}, {}, HANGING_STATION);
+    QCOMPARE(call.exitCode, 3);
+    QVERIFY(!call.output.contains("/"));
+    QCOMPARE(call.errorLines().last(), QStringLiteral("recordingctl: %1: no answer within 0.2 s").arg(name));
+}
+
+void TestRecordingctl::passwordFromStandardInput()
+{
+    const QStringList call{"call", "addNASServer", "nas", "Host", "anna", "-"};
+    const Run given = run(call, "s3 cret\n");
+    QCOMPARE(given.exitCode, 1); // this station knows no NAS servers: it was asked
+    QVERIFY2(given.errorLines().last().startsWith("recordingctl: addNASServer: the station refused: "),
+             qPrintable(given.errors));
+    QVERIFY(!given.errors.contains("s3 cret"));
+
+    const Run missing = run(call);
+    QCOMPARE(missing.exitCode, 2);
+    QCOMPARE(missing.errors, "recordingctl: password was to be read from standard input, but no line came\n");
+}
+
+void TestRecordingctl::watchEndsByCount()
+{
+    const Run watch = run({"watch", "--json", "--count", "2", "--timeout", "60"});
+    QCOMPARE(watch.exitCode, 0);
+    QCOMPARE(watch.outputLines().size(), 2);
+    for (const QString &line : watch.outputLines()) {
+        const QJsonObject happening = QJsonDocument::fromJson(line.toUtf8()).object();
+        QCOMPARE(happening.keys(), (QStringList{"kind", "name", "time", "values"}));
+        QCOMPARE(happening.value("kind"), QJsonValue("signal"));
+    }
+    QVERIFY(watch.output.contains("recordingGroupRetrievedChanged"));
+}
+
+void TestRecordingctl::watchEndsByTime()
+{
+    const Run watch = run({"watch", "--timeout", "0.001"});
+    QCOMPARE(watch.exitCode, 0);
+}
+
+void TestRecordingctl::watchMissesItsCount()
+{
+    const Run watch = run({"watch", "--timeout", "0.001", "--count", "1000"});
+    QCOMPARE(watch.exitCode, 3);
+    static const QRegularExpression error(QStringLiteral("^recordingctl: watch: \\d+ of 1000 lines came in time$"));
+    QVERIFY2(error.match(watch.errorLines().last()).hasMatch(), qPrintable(watch.errors));
+}
+
+void TestRecordingctl::watchEndsByInterruption_data()
+{
+    QTest::addColumn<int>("number");
+    QTest::newRow("SIGINT") << SIGINT;
+    QTest::newRow("SIGTERM") << SIGTERM;
+}
+
+void TestRecordingctl::watchEndsByInterruption()
+{
+    QFETCH(const int, number);
+    QProcess watch;
+    watch.start(RECORDINGCTL, {"watch"});
+    QByteArray output;
+    while (!output.contains('\n') && watch.waitForReadyRead())
+        output += watch.readAllStandardOutput();
+    QVERIFY(output.contains("signal  recordingGroupRetrievedChanged"));
+    QCOMPARE(::kill(static_cast<pid_t>(watch.processId()), number), 0);
+    QVERIFY(watch.waitForFinished());
+    QCOMPARE(watch.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(watch.exitCode(), 0);
+}
+
+void TestRecordingctl::helpAndVersion()
+{
+    const Run help = run({"--help"});
+    QCOMPARE(help.exitCode, 0);
+    for (const char *command : {"list", "call", "watch", "volumes", "folders", "mkdir"})
+        QVERIFY2(help.output.contains(QStringLiteral("\n  %1").arg(QLatin1String(command))), command);
+    const Run version = run({"--version"});
+    QCOMPARE(version.exitCode, 0);
+    QCOMPARE(version.output, "recordingctl " RECORDING_VERSION "\n");
+}
+
+QTEST_GUILESS_MAIN(TestRecordingctl)
+#include "tst_recordingctl.moc"
