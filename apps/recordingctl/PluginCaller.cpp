@@ -127,7 +127,8 @@ CallOutcome PluginCaller::send(const AnswerRow &answer, const QMetaMethod &metho
     if (isRefusal(outcome.result) && !answeredAtOnce) {
         outcome.exitCode = ExitCode::Refused;
         outcome.error =
-            QStringLiteral("%1: the plug-in refused and sent nothing; the trace log says why").arg(nameOf(method));
+            QStringLiteral("%1: the plug-in refused and sent nothing; with RECORDING_TRACE_LEVEL=error it says why")
+                .arg(nameOf(method));
         return outcome;
     }
     const auto isOurs = [&](const CallOutcome::Emission &emission) {

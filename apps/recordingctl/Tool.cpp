@@ -7,6 +7,18 @@
 
 #include <cstdlib>
 
+namespace {
+
+/// The plug-in's log goes to standard error unless told otherwise, where scripts look for one line.
+void keepTraceQuiet()
+{
+    constexpr auto level = "RECORDING_TRACE_LEVEL";
+    if (!qEnvironmentVariableIsSet(level) && !qEnvironmentVariableIsSet("RECORDING_TRACE_FILE"))
+        qputenv(level, "off");
+}
+
+} // namespace
+
 int runTool(int argc, char **argv, ClientSession::Options options)
 {
     const QCoreApplication application(argc, argv);
@@ -23,6 +35,7 @@ int runTool(int argc, char **argv, ClientSession::Options options)
         return static_cast<int>(ExitCode::Done);
     }
 
+    keepTraceQuiet();
     options.replyTimeout = line.timeout.value_or(defaultTimeout);
     ClientSession session;
     if (!session.start(options)) {
