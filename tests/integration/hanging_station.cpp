@@ -26,13 +26,25 @@ private:
     mutable QSemaphore m_never;
 };
 
+/// A station whose disk hangs, and which once tells that its volumes changed.
+std::unique_ptr<Station> makeStation()
+{
+    auto station = std::make_unique<Station>(std::make_unique<HangingVolumes>());
+    const auto tell = [station = station.get()] {
+        const QVariantMap volume{{QStringLiteral("volumePath"), QStringLiteral("/srv")}};
+        emit station->eventRaised({QStringLiteral("VolumeChanged"), QVariantList{volume}});
+    };
+    QMetaObject::invokeMethod(station.get(), tell, Qt::QueuedConnection); // once somebody listens
+    return station;
+}
+
 } // namespace
 
-/// recordingctl, the whole of it, with a station whose disk hangs.
+/// recordingctl, the whole of it, with that station.
 int main(int argc, char **argv)
 {
     ClientSession::Options options;
     options.pluginFolders = QStringList{QStringLiteral(PLUGIN_FOLDER)};
-    options.makeStation = [] { return std::make_unique<Station>(std::make_unique<HangingVolumes>()); };
+    options.makeStation = makeStation;
     return runTool(argc, argv, options);
 }

@@ -86,6 +86,8 @@ private slots:
     void noAnswerInTime_data();
     void noAnswerInTime();
     void passwordFromStandardInput();
+    void watchShowsEvents_data();
+    void watchShowsEvents();
     void watchEndsByCount();
     void watchEndsByTime();
     void watchMissesItsCount();
@@ -335,6 +337,33 @@ void TestRecordingctl::passwordFromStandardInput()
     const Run missing = run(call);
     QCOMPARE(missing.exitCode, 2);
     QCOMPARE(missing.errors, "recordingctl: password was to be read from standard input, but no line came\n");
+}
+
+void TestRecordingctl::watchShowsEvents_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QString>("event");
+    QTest::addColumn<QString>("signal");
+    QTest::newRow("text") << QStringList{} << R"(  event   VolumeChanged source= data=[{"volumePath":"/srv"}])"
+                          << "  signal  volumeInfoChanged";
+    QTest::newRow("JSON") << QStringList{"--json"} << R"({"data":[{"volumePath":"/srv"}],"source":""}})"
+                          << R"("name":"volumeInfoChanged")";
+}
+
+void TestRecordingctl::watchShowsEvents()
+{
+    QFETCH(const QStringList, options);
+    QFETCH(const QString, event);
+    QFETCH(const QString, signal);
+    QProcess watch;
+    watch.start(HANGING_STATION, QStringList{"watch"} + options);
+    QString output;
+    while (!(output.contains(event) && output.contains(signal)) && watch.waitForReadyRead())
+        output += QString::fromUtf8(watch.readAllStandardOutput());
+    watch.terminate();
+    QVERIFY(watch.waitForFinished());
+    QVERIFY2(output.contains(event), qPrintable(output));
+    QVERIFY2(output.contains(signal), qPrintable(output));
 }
 
 void TestRecordingctl::watchEndsByCount()
