@@ -1,0 +1,50 @@
+#include "RefusalText.h"
+
+#include "StationProtocol.h"
+#include "framework/HostReturnCode.h"
+
+#include <QCoreApplication>
+
+namespace {
+struct Refusal
+{
+    const QString &returnCode;
+    const char *sentence;
+};
+
+const Refusal refusals[] = {
+    {HostReturnCode::LinkDown, QT_TRANSLATE_NOOP("Refusal", "There is no connection to the station.")},
+    {HostReturnCode::NoAnswer, QT_TRANSLATE_NOOP("Refusal", "The station did not answer in time.")},
+    {HostReturnCode::UnknownStation, QT_TRANSLATE_NOOP("Refusal", "No station can be reached under that path.")},
+    {HostReturnCode::Closing, QT_TRANSLATE_NOOP("Refusal", "The console is closing.")},
+    {StationReturnCode::UnknownCommand, QT_TRANSLATE_NOOP("Refusal", "The station does not know this command.")},
+    {StationReturnCode::BadRequest, QT_TRANSLATE_NOOP("Refusal", "The station did not understand the request.")},
+    {StationReturnCode::InternalError, QT_TRANSLATE_NOOP("Refusal", "The station failed; its log says why.")},
+    {StationReturnCode::PathNotAbsolute, QT_TRANSLATE_NOOP("Refusal", "The path has to start with a slash.")},
+    {StationReturnCode::DirectoryNotFound, QT_TRANSLATE_NOOP("Refusal", "There is no such folder.")},
+    {StationReturnCode::NotADirectory,
+     QT_TRANSLATE_NOOP("Refusal", "This is not a folder, or a part of its path is not.")},
+    {StationReturnCode::DirectoryNotReadable, QT_TRANSLATE_NOOP("Refusal", "The station may not read this folder.")},
+    {StationReturnCode::NameRefused, QT_TRANSLATE_NOOP("Refusal", "The station does not take this name.")},
+    {StationReturnCode::EmptyName, QT_TRANSLATE_NOOP("Refusal", "A folder needs a name.")},
+    {StationReturnCode::DirectoryExists, QT_TRANSLATE_NOOP("Refusal", "A folder of this name exists already.")},
+    {StationReturnCode::FileExists, QT_TRANSLATE_NOOP("Refusal", "A file of this name exists already.")},
+    {StationReturnCode::OutsideVolumes,
+     QT_TRANSLATE_NOOP("Refusal", "This place lies on none of the station's volumes.")},
+    {StationReturnCode::VolumeReadOnly, QT_TRANSLATE_NOOP("Refusal", "This volume cannot be written to.")},
+    {StationReturnCode::VolumeFull, QT_TRANSLATE_NOOP("Refusal", "This volume is full.")},
+    {StationReturnCode::PermissionDenied, QT_TRANSLATE_NOOP("Refusal", "The station may not write here.")},
+    {StationReturnCode::CannotCreate, QT_TRANSLATE_NOOP("Refusal", "The station could not make the folder.")},
+};
+} // namespace
+
+QString refusalText(const QString &returnCode)
+{
+    if (returnCode == StationReturnCode::Success)
+        return {};
+    for (const Refusal &refusal : refusals) {
+        if (refusal.returnCode == returnCode)
+            return QCoreApplication::translate("Refusal", refusal.sentence);
+    }
+    return QCoreApplication::translate("Refusal", "The station refused: %1").arg(returnCode);
+}

@@ -1,0 +1,54 @@
+#include "Screenshot.h"
+
+#include <QImage>
+#include <QImageWriter>
+#include <QMetaProperty>
+#include <QQuickWindow>
+
+namespace {
+constexpr int framesUntilComplete = 2; // drawings that are painted on their own appear one frame after their items
+} // namespace
+
+Screenshot::Screenshot(QQuickWindow &window, const QString &file, QObject *parent)
+    : QObject(parent)
+    , m_window(window)
+    , m_file(file)
+{
+    const QMetaObject *type = window.metaObject();
+    const QMetaProperty settled = type->property(type->indexOfProperty("settled"));
+    connect(&window, settled.notifySignal(), this, metaObject()->method(metaObject()->indexOfSlot("waitForFrame()")));
+    QMetaObject::invokeMethod(this, &Screenshot::waitForFrame, Qt::QueuedConnection);
+}
+
+void Screenshot::waitForFrame()
+{
+    if (m_framesToCome > 0 || !m_window.property("settled").toBool())
+        return;
+    m_framesToCome = framesUntilComplete;
+    connect(
+        &m_window, &QQuickWindow::frameSwapped, this,
+        [this] {
+            if (m_framesToCome <= 0)
+                return;
+            if (--m_framesToCome == 0)
+                take();
+            else
+                m_window.update();
+        },
+        Qt::QueuedConnection);
+    m_window.update();
+}
+
+void Screenshot::take()
+{
+    const QString failure = m_window.property("failure").toString();
+    if (!failure.isEmpty()) {
+        emit finished(failure);
+        return;
+    }
+    QImageWriter writer(m_file, "png");
+    writer.setCompression(100);
+    emit finished(writer.write(m_window.grabWindow())
+                      ? QString()
+                      : QStringLiteral("%1 could not be written: %2").arg(m_file, writer.errorString()));
+}

@@ -1,0 +1,82 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import RecordingConsole
+
+/// The way from the list of the volumes to a folder; each step leads there. Where it is too long, the end stays in view.
+Flickable {
+    id: breadcrumb
+
+    required property string folder
+
+    signal opened(path: string)
+
+    implicitHeight: 32
+    contentWidth: row.width
+    contentHeight: height
+    clip: true
+    boundsBehavior: Flickable.StopAtBounds
+    contentX: Math.max(0, contentWidth - width)
+    Accessible.role: Accessible.Grouping
+    Accessible.name: qsTr("Path %1").arg(folder === "" ? qsTr("Volumes") : folder)
+
+    Row {
+        id: row
+
+        height: breadcrumb.height
+
+        Repeater {
+            id: crumbs
+
+            model: FolderPath.steps(breadcrumb.folder)
+
+            Row {
+                id: step
+
+                required property int index
+                required property var modelData
+                readonly property bool last: index === crumbs.count - 1
+
+                height: row.height
+
+                Icon {
+                    visible: step.index > 0
+                    anchors.verticalCenter: parent.verticalCenter
+                    name: "chevron"
+                    color: Theme.disabledText
+                    size: 16
+                }
+                AbstractButton {
+                    id: crumb
+
+                    objectName: "crumb:" + step.modelData.path
+                    width: Math.min(implicitWidth, 260)
+                    height: parent.height
+                    leftPadding: 6
+                    rightPadding: 6
+                    text: step.modelData.name
+                    font.pixelSize: Theme.bodySize
+                    font.bold: step.last
+                    Accessible.name: step.modelData.path === "" ? text : step.modelData.path
+                    onClicked: breadcrumb.opened(step.modelData.path)
+                    Keys.onReturnPressed: click()
+                    Keys.onEnterPressed: click()
+
+                    contentItem: Text {
+                        text: crumb.text
+                        font: crumb.font
+                        color: step.last ? Theme.text : Theme.accent
+                        textFormat: Text.PlainText
+                        verticalAlignment: Text.AlignVCenter
+                        elide: Text.ElideMiddle
+                    }
+                    background: Rectangle {
+                        radius: Theme.radius
+                        color: crumb.hovered ? Theme.hover : "transparent"
+                        border.width: crumb.visualFocus ? 2 : 0
+                        border.color: Theme.accent
+                    }
+                }
+            }
+        }
+    }
+}

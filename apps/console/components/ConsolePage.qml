@@ -1,0 +1,18 @@
+import QtQuick
+import RecordingConsole
+import com.meridon.pluginrecordingmanagement
+
+/// What the window asks of a page, and what it gives it.
+FocusScope {
+    /// The plug-in's object.
+    required property PluginRecordingManagement recording
+    /// The connection, and the words behind a refusal.
+    required property ConsoleSession session
+    /// Where the page begins, if it can begin in several places; else not used.
+    property string startPlace
+
+    /// True once what the page shows has been answered for, well or badly.
+    property bool settled: false
+    /// Why the page could not be filled, in words; empty while it could.
+    property string failure
+}

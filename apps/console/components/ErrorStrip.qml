@@ -1,0 +1,60 @@
+import QtQuick
+import QtQuick.Layouts
+import RecordingConsole
+
+/// Says above a page what went wrong, until it went well or somebody closes it.
+Rectangle {
+    id: strip
+
+    property string text
+    property string actionText
+
+    signal actionTriggered
+    signal dismissed
+
+    implicitHeight: visible ? content.implicitHeight + 2 * Theme.small : 0
+    visible: text !== ""
+    radius: Theme.radius
+    color: Theme.dangerGround
+    border.color: Theme.dangerOutline
+    Accessible.role: Accessible.AlertMessage
+    Accessible.name: text
+
+    RowLayout {
+        id: content
+
+        anchors.fill: parent
+        anchors.leftMargin: Theme.medium
+        anchors.rightMargin: Theme.small
+        spacing: Theme.medium
+
+        Icon {
+            name: "alert"
+            color: Theme.danger
+            size: Theme.iconSize
+        }
+        Text {
+            text: strip.text
+            color: Theme.text
+            font.pixelSize: Theme.bodySize
+            textFormat: Text.PlainText
+            wrapMode: Text.Wrap
+            Accessible.ignored: true
+            Layout.fillWidth: true
+        }
+        ActionButton {
+            objectName: "errorAction"
+            visible: strip.actionText !== ""
+            quiet: true
+            text: strip.actionText
+            onClicked: strip.actionTriggered()
+        }
+        ActionButton {
+            objectName: "errorClose"
+            quiet: true
+            iconName: "close"
+            hint: qsTr("Close this message")
+            onClicked: strip.dismissed()
+        }
+    }
+}

@@ -1,0 +1,63 @@
+import QtQuick
+import QtQuick.Layouts
+import RecordingConsole
+
+/// Whether the station can be reached, and the switch of the colours.
+Rectangle {
+    id: line
+
+    required property ConsoleSession session
+
+    implicitHeight: 40
+    color: Theme.rail
+
+    Rectangle {
+        width: parent.width
+        height: 1
+        color: Theme.outline
+    }
+
+    RowLayout {
+        anchors.fill: parent
+        anchors.leftMargin: Theme.large
+        anchors.rightMargin: Theme.small
+        anchors.topMargin: 1
+        spacing: Theme.small
+
+        Icon {
+            name: line.session.connected ? "connected" : "disconnected"
+            color: line.session.connected ? Theme.good : Theme.danger
+            size: 18
+        }
+        Text {
+            objectName: "connection"
+            text: line.session.connected ? qsTr("Connected to the station on this machine")
+                                         : qsTr("No connection to the station on this machine")
+            color: Theme.text
+            font.pixelSize: Theme.captionSize
+            textFormat: Text.PlainText
+            elide: Text.ElideRight
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
+            Layout.fillWidth: true
+        }
+        ActionButton {
+            id: schemeButton
+
+            readonly property var schemes: [
+                { iconName: "desktop", text: qsTr("As the desktop") },
+                { iconName: "light", text: qsTr("Light") },
+                { iconName: "dark", text: qsTr("Dark") }
+            ]
+
+            objectName: "scheme"
+            quiet: true
+            implicitHeight: 30
+            font.pixelSize: Theme.captionSize
+            iconName: schemes[Theme.scheme].iconName
+            text: schemes[Theme.scheme].text
+            hint: qsTr("Change the colours")
+            onClicked: Theme.scheme = Theme.nextScheme()
+        }
+    }
+}

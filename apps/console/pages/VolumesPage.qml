@@ -1,0 +1,137 @@
+import QtQuick
+import QtQuick.Layouts
+import RecordingConsole
+
+/// The volumes of the connected station and how full they are.
+ConsolePage {
+    id: page
+
+    property bool loading: false
+    property bool askAgain: false // something changed while a reply was under way
+    property real totalSize: 0
+    property real freeSize: 0
+
+    function refresh(): void {
+        if (loading) {
+            askAgain = true;
+            return;
+        }
+        if (!session.connected)
+            return;
+        askAgain = false;
+        loading = true;
+        if (!recording.getVolume())
+            finish(qsTr("The request could not be sent."));
+    }
+
+    function finish(words: string): void {
+        loading = false;
+        failure = words;
+        sumUp();
+        settled = true;
+        if (askAgain)
+            refresh();
+    }
+
+    function sumUp(): void {
+        let total = 0;
+        let free = 0;
+        for (let row = 0; row < rows.count; ++row) {
+            const volume = rows.objectAt(row) as VolumeSize;
+            total += volume.sizeRole;
+            free += volume.availableSizeRole;
+        }
+        totalSize = total;
+        freeSize = free;
+    }
+
+    Component.onCompleted: refresh()
+
+    Connections {
+        target: page.recording
+
+        function onGetVolumeResponded(success: bool): void {
+            page.finish(success ? "" : page.session.refusal("getVolume"));
+        }
+        function onVolumeInfoChanged(): void {
+            page.refresh();
+        }
+    }
+    Connections {
+        target: page.session
+
+        function onConnectedChanged(): void {
+            page.refresh();
+        }
+    }
+    Shortcut {
+        sequences: [StandardKey.Refresh]
+        enabled: page.visible
+        onActivated: page.refresh()
+    }
+    Instantiator {
+        id: rows
+
+        model: page.recording.getVolumeModel()
+        delegate: VolumeSize {}
+    }
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: Theme.large
+
+        PageHeader {
+            title: qsTr("Volumes")
+            subtitle: card.count === 0 ? qsTr("Where this station can record")
+                : card.count === 1 ? qsTr("1 volume · %1 free of %2").arg(Units.capacity(page.freeSize))
+                                         .arg(Units.capacity(page.totalSize))
+                : qsTr("%1 volumes · %2 free of %3").arg(card.count).arg(Units.capacity(page.freeSize))
+                      .arg(Units.capacity(page.totalSize))
+            Layout.fillWidth: true
+
+            ActionButton {
+                objectName: "refresh"
+                iconName: "refresh"
+                text: page.width >= 420 ? qsTr("Refresh") : ""
+                hint: qsTr("Ask the station again (F5)")
+                enabled: page.session.connected && !page.loading
+                onClicked: page.refresh()
+            }
+        }
+        ErrorStrip {
+            objectName: "errorStrip"
+            text: page.failure
+            actionText: page.session.connected ? qsTr("Try again") : ""
+            Layout.fillWidth: true
+            onActionTriggered: page.refresh()
+            onDismissed: page.failure = ""
+        }
+        ListCard {
+            id: card
+
+            objectName: "volumes"
+            focus: true
+            model: page.recording.getVolumeModel()
+            list.Accessible.name: qsTr("Volumes")
+            delegate: VolumeRow {
+                width: ListView.view?.width ?? 0
+            }
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+
+            Placeholder {
+                objectName: "placeholder"
+                anchors.centerIn: parent
+                width: Math.min(420, parent.width - 2 * Theme.huge)
+                visible: card.count === 0
+                busy: page.session.connected && (page.loading || !page.settled)
+                iconName: "volume"
+                title: !page.session.connected ? qsTr("No connection to the station")
+                    : busy ? qsTr("Asking the station for its volumes…")
+                    : page.failure !== "" ? qsTr("The volumes could not be listed") : qsTr("No volumes to show")
+                text: busy ? "" : !page.session.connected ? qsTr("The volumes appear as soon as it is there.")
+                    : page.failure !== "" ? "" : qsTr("The station has no mounted volume that it could record to.")
+            }
+        }
+    }
+}
