@@ -11,6 +11,8 @@ ApplicationWindow {
     required property ConsoleSession session
     property string startPage: "volumes"
     property string startPlace ///< of the start page
+    property int scheme: Theme.followDesktop ///< to begin with
+    property bool animated: true
 
     /// The pages, in their order. A page is a file in pages/ and a line here.
     readonly property var pages: [
@@ -19,8 +21,9 @@ ApplicationWindow {
     ]
     property int currentIndex: Math.max(0, pages.findIndex(page => page.key === startPage))
     readonly property ConsolePage currentPage: (stack.count, stack.itemAt(currentIndex) as Loader)?.item as ConsolePage
-    readonly property bool settled: currentPage?.settled ?? false
-    readonly property string failure: currentPage?.failure ?? ""
+    readonly property bool broken: (stack.count, stack.itemAt(currentIndex) as Loader)?.status === Loader.Error
+    readonly property bool settled: broken || (currentPage?.settled ?? false)
+    readonly property string failure: broken ? qsTr("The page could not be loaded.") : currentPage?.failure ?? ""
 
     minimumWidth: 400
     minimumHeight: 360
@@ -28,6 +31,10 @@ ApplicationWindow {
     color: Theme.window
     visible: true
     font.pixelSize: Theme.bodySize
+    Component.onCompleted: {
+        Theme.scheme = scheme;
+        Theme.animated = animated;
+    }
 
     Instantiator {
         model: window.pages.length

@@ -6,15 +6,18 @@ import QtQuick
 QtObject {
     id: theme
 
-    enum Scheme { System, Light, Dark }
+    // Schemes.
+    readonly property int followDesktop: 0
+    readonly property int alwaysLight: 1
+    readonly property int alwaysDark: 2
 
-    /// Which colours are shown; System follows the desktop's palette.
-    property int scheme: Theme.System
+    /// Which colours are shown: one of the schemes above.
+    property int scheme: followDesktop
     /// False where a picture is taken: nothing moves then.
     property bool animated: true
 
-    readonly property bool dark: scheme === Theme.System ? systemPalette.window.hslLightness < 0.5
-                                                         : scheme === Theme.Dark
+    readonly property bool dark: scheme === followDesktop ? systemPalette.window.hslLightness < 0.5
+                                                          : scheme === alwaysDark
     readonly property SystemPalette systemPalette: SystemPalette {}
 
     // Grounds, from the back to the front.

@@ -20,9 +20,9 @@ QtObject {
     function percent(share: real): string {
         const rounded = Math.round(share * 100);
         if (share > 0 && rounded === 0)
-            return qsTr("under 1 %");
+            return qsTr("< 1 %");
         if (share < 1 && rounded === 100)
-            return qsTr("over 99 %");
+            return qsTr("> 99 %");
         return qsTr("%1 %").arg(rounded);
     }
 }

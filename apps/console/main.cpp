@@ -73,12 +73,14 @@ int run(const ConsoleOptions &options)
     follow(client, session);
 
     QQmlApplicationEngine engine;
-    prepareConsoleEngine(engine, static_cast<int>(options.scheme), options.screenshot.isEmpty());
+    prepareConsoleEngine(engine);
     engine.setInitialProperties({
         {QStringLiteral("recording"), QVariant::fromValue(client.plugin())},
         {QStringLiteral("session"), QVariant::fromValue(&session)},
         {QStringLiteral("startPage"), options.page},
         {QStringLiteral("startPlace"), options.folder},
+        {QStringLiteral("scheme"), static_cast<int>(options.scheme)},
+        {QStringLiteral("animated"), options.screenshot.isEmpty()},
         {QStringLiteral("width"), options.size.width()},
         {QStringLiteral("height"), options.size.height()},
     });

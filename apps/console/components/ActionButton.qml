@@ -24,8 +24,8 @@ Button {
     Accessible.name: text !== "" ? text : hint
     Accessible.description: hint
 
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: button.clicked()
+    Keys.onEnterPressed: button.clicked()
 
     contentItem: RowLayout {
         spacing: Theme.small

@@ -58,8 +58,8 @@ Flickable {
                     font.bold: step.last
                     Accessible.name: step.modelData.path === "" ? text : step.modelData.path
                     onClicked: breadcrumb.opened(step.modelData.path)
-                    Keys.onReturnPressed: click()
-                    Keys.onEnterPressed: click()
+                    Keys.onReturnPressed: crumb.clicked()
+                    Keys.onEnterPressed: crumb.clicked()
 
                     contentItem: Text {
                         text: crumb.text

@@ -71,8 +71,8 @@ Rectangle {
                 Accessible.name: text
                 Accessible.selected: current
                 onClicked: rail.chosen(index)
-                Keys.onReturnPressed: click()
-                Keys.onEnterPressed: click()
+                Keys.onReturnPressed: tab.clicked()
+                Keys.onEnterPressed: tab.clicked()
                 Keys.onDownPressed: (tabs.itemAt(index + 1) ?? tab).forceActiveFocus(Qt.TabFocusReason)
                 Keys.onUpPressed: (tabs.itemAt(index - 1) ?? tab).forceActiveFocus(Qt.BacktabFocusReason)
 

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
+import QtQuick.Templates as T
 import RecordingConsole
 
 /// Asks for the name of a new folder. It stays open until the folder is made: a refusal stands at the field.
@@ -71,7 +72,7 @@ Dialog {
         border.color: Theme.controlOutline
         radius: Theme.radius + 2
     }
-    Overlay.modal: Rectangle { color: Theme.scrim }
+    T.Overlay.modal: Rectangle { color: Theme.scrim }
 
     contentItem: ColumnLayout {
         spacing: Theme.small

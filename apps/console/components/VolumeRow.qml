@@ -31,8 +31,18 @@ ItemDelegate {
     bottomPadding: Theme.large
     highlighted: ListView.isCurrentItem && ListView.view.activeFocus
     Accessible.role: Accessible.ListItem
-    Accessible.name: [nameRole, rootPathRole, isSystemRole ? systemMark.text : "", isNASRole ? nasMark.text : "",
-                      low ? lowMark.text : "", usedText, freeText].filter(words => words !== "").join(", ")
+    Accessible.name: summary()
+
+    function summary(): string {
+        let words = [nameText.text, rootPathRole];
+        for (const mark of [systemMark, nasMark, lowMark]) {
+            if (mark.visible)
+                words.push(mark.text);
+        }
+        words.push(usedText, freeText);
+        return words.join(", ");
+    }
+
     onClicked: {
         ListView.view.currentIndex = index;
         ListView.view.forceActiveFocus(Qt.MouseFocusReason);

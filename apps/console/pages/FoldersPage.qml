@@ -97,7 +97,7 @@ ConsolePage {
     }
 
     Connections {
-        target: page.recording
+        target: page.recording // qmllint disable type
 
         function onGetServerDirResponded(path: string): void {
             page.answered(path);
@@ -122,7 +122,7 @@ ConsolePage {
         }
     }
     Shortcut {
-        sequences: [StandardKey.Refresh]
+        sequence: StandardKey.Refresh
         enabled: page.visible && !dialog.visible
         onActivated: page.refresh()
     }
@@ -132,9 +132,9 @@ ConsolePage {
         onActivated: page.goUp()
     }
     Shortcut {
-        sequences: [StandardKey.New]
+        sequence: StandardKey.New
         enabled: newFolder.enabled && page.visible && !dialog.visible
-        onActivated: newFolder.click()
+        onActivated: dialog.ask(page.folder)
     }
 
     ColumnLayout {

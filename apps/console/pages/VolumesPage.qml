@@ -48,7 +48,7 @@ ConsolePage {
     Component.onCompleted: refresh()
 
     Connections {
-        target: page.recording
+        target: page.recording // qmllint disable type
 
         function onGetVolumeResponded(success: bool): void {
             page.finish(success ? "" : page.session.refusal("getVolume"));
@@ -65,7 +65,7 @@ ConsolePage {
         }
     }
     Shortcut {
-        sequences: [StandardKey.Refresh]
+        sequence: StandardKey.Refresh
         enabled: page.visible
         onActivated: page.refresh()
     }
@@ -118,6 +118,7 @@ ConsolePage {
             }
             Layout.fillWidth: true
             Layout.fillHeight: true
+            Layout.maximumHeight: count > 0 ? list.contentHeight + 2 : -1
 
             Placeholder {
                 objectName: "placeholder"
@@ -132,6 +133,10 @@ ConsolePage {
                 text: busy ? "" : !page.session.connected ? qsTr("The volumes appear as soon as it is there.")
                     : page.failure !== "" ? "" : qsTr("The station has no mounted volume that it could record to.")
             }
+        }
+        Item {
+            visible: card.count > 0
+            Layout.fillHeight: true
         }
     }
 }
