@@ -12,7 +12,6 @@ ApplicationWindow {
     property string startPage: "volumes"
     property string startPlace ///< of the start page
     property int scheme: Theme.followDesktop ///< to begin with
-    property bool animated: true
 
     /// The pages, in their order. A page is a file in pages/ and a line here.
     readonly property var pages: [
@@ -31,10 +30,7 @@ ApplicationWindow {
     color: Theme.window
     visible: true
     font.pixelSize: Theme.bodySize
-    Component.onCompleted: {
-        Theme.scheme = scheme;
-        Theme.animated = animated;
-    }
+    Component.onCompleted: Theme.scheme = scheme
 
     Instantiator {
         model: window.pages.length

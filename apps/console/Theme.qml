@@ -13,8 +13,6 @@ QtObject {
 
     /// Which colours are shown: one of the schemes above.
     property int scheme: followDesktop
-    /// False where a picture is taken: nothing moves then.
-    property bool animated: true
 
     readonly property bool dark: scheme === followDesktop ? systemPalette.window.hslLightness < 0.5
                                                           : scheme === alwaysDark
@@ -37,7 +35,7 @@ QtObject {
     readonly property color disabledText: dark ? "#6c7986" : "#8a96a2"
     readonly property color accent: dark ? "#62b6d8" : "#0d6487"
     readonly property color accentHover: dark ? "#7cc5e2" : "#0a5473"
-    readonly property color onAccent: dark ? "#0b1a22" : "#ffffff"
+    readonly property color accentText: dark ? "#0b1a22" : "#ffffff"
     readonly property color track: dark ? "#2e3944" : "#dde4eb"
     readonly property color good: dark ? "#79c79a" : "#1d7044"
     readonly property color warning: dark ? "#e9b455" : "#8a5300"
@@ -61,8 +59,6 @@ QtObject {
     readonly property int bodySize: 14
     readonly property int titleSize: 15
     readonly property int headlineSize: 22
-
-    readonly property int duration: animated ? 120 : 0
 
     /// The scheme that follows in the cycle of the theme switch.
     function nextScheme(): int {

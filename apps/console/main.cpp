@@ -80,7 +80,6 @@ int run(const ConsoleOptions &options)
         {QStringLiteral("startPage"), options.page},
         {QStringLiteral("startPlace"), options.folder},
         {QStringLiteral("scheme"), static_cast<int>(options.scheme)},
-        {QStringLiteral("animated"), options.screenshot.isEmpty()},
         {QStringLiteral("width"), options.size.width()},
         {QStringLiteral("height"), options.size.height()},
     });

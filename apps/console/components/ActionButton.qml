@@ -11,7 +11,7 @@ Button {
     property string hint: text
     property bool primary: false
     property bool quiet: false
-    property color foreground: !enabled ? Theme.disabledText : primary ? Theme.onAccent : Theme.text
+    property color foreground: !enabled ? Theme.disabledText : primary ? Theme.accentText : Theme.text
 
     implicitHeight: Theme.controlHeight
     implicitWidth: Math.max(implicitHeight, contentItem.implicitWidth + leftPadding + rightPadding)
@@ -58,7 +58,6 @@ Button {
              : button.quiet ? "transparent" : Theme.surface
         border.width: button.quiet || button.primary ? 0 : 1
         border.color: button.enabled ? Theme.controlOutline : Theme.outline
-        Behavior on color { ColorAnimation { duration: Theme.duration } }
 
         FocusRing { shown: button.visualFocus }
     }

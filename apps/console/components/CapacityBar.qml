@@ -29,7 +29,6 @@ Item {
         height: parent.height
         radius: height / 2
         color: bar.low ? Theme.warning : Theme.accent
-        Behavior on width { NumberAnimation { duration: Theme.duration; easing.type: Easing.OutCubic } }
     }
     Row {
         anchors.fill: fill

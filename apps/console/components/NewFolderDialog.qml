@@ -97,7 +97,7 @@ Dialog {
             placeholderText: qsTr("Name")
             placeholderTextColor: Theme.disabledText
             selectionColor: Theme.accent
-            selectedTextColor: Theme.onAccent
+            selectedTextColor: Theme.accentText
             selectByMouse: true
             font.pixelSize: Theme.bodySize
             leftPadding: Theme.medium

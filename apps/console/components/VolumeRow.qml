@@ -22,7 +22,7 @@ ItemDelegate {
                                                     : qsTr("Size unknown")
     readonly property string freeText: sizeRole > 0 ? qsTr("%1 free of %2").arg(Units.capacity(availableSizeRole))
                                                           .arg(Units.capacity(sizeRole)) : ""
-    readonly property bool wide: width >= 620
+    readonly property bool wide: width >= 760
 
     objectName: "volume:" + rootPathRole
     leftPadding: Theme.large

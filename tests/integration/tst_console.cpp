@@ -1,0 +1,155 @@
+#include <QDir>
+#include <QImage>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QSet>
+#include <QTemporaryDir>
+#include <QTest>
+
+/// The console as it is built, run as an operator's machine runs it.
+class tst_console : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init();
+    void screenshotShowsThePage_data();
+    void screenshotShowsThePage();
+    void pageWithoutDataIsNoPicture();
+    void noDisplayIsSaid();
+    void wrongUseIsSaid_data();
+    void wrongUseIsSaid();
+    void helpAndVersion();
+
+private:
+    struct Result
+    {
+        int exitCode = -1;
+        QString output;
+        QString error;
+    };
+    static Result run(const QStringList &arguments, const QStringList &unset = {});
+    QString file(const QString &name) const { return m_folder.filePath(name); }
+
+    QTemporaryDir m_folder;
+};
+
+void tst_console::init()
+{
+    QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+    QVERIFY(m_folder.isValid());
+}
+
+tst_console::Result tst_console::run(const QStringList &arguments, const QStringList &unset)
+{
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const QString &name : unset)
+        environment.remove(name);
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(CONSOLE), arguments);
+    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
+        return {-1, {}, process.errorString() + QString::fromLocal8Bit(process.readAllStandardError())};
+    return {process.exitCode(), QString::fromLocal8Bit(process.readAllStandardOutput()),
+            QString::fromLocal8Bit(process.readAllStandardError())};
+}
+
+void tst_console::screenshotShowsThePage_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<bool>("dark");
+    const auto row = [](const char *options, QSize size, bool dark) {
+        QTest::newRow(options) << QString::fromLatin1(options).split(u' ') << size << dark;
+    };
+    row("--page volumes --theme light", {1280, 800}, false);
+    row("--page volumes --theme dark --size 800x600", {800, 600}, true);
+    row("--page folders --theme light --size 480x640", {480, 640}, false);
+    row("--page folders --folder / --theme dark", {1280, 800}, true);
+}
+
+void tst_console::screenshotShowsThePage()
+{
+    QFETCH(const QStringList, options);
+    QFETCH(const QSize, size);
+    QFETCH(const bool, dark);
+    const QString picture = file(QStringLiteral("page.png"));
+    const Result result = run(options
+                              + QStringList{QStringLiteral("--platform"), QStringLiteral("offscreen"),
+                                            QStringLiteral("--screenshot"), picture});
+    QVERIFY2(result.exitCode == 0, qPrintable(result.error));
+    const QImage image(picture);
+    QCOMPARE(image.size(), size);
+    QSet<QRgb> colours;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            colours.insert(image.pixel(x, y));
+    }
+    QVERIFY2(colours.size() > 30, qPrintable(QString::number(colours.size())));
+    const QColor ground = image.pixelColor(size.width() - 4, size.height() / 2);
+    QCOMPARE(ground.lightnessF() < 0.5F, dark);
+}
+
+void tst_console::pageWithoutDataIsNoPicture()
+{
+    const QString picture = file(QStringLiteral("refused.png"));
+    const Result result = run({QStringLiteral("--platform"), QStringLiteral("offscreen"), QStringLiteral("--page"),
+                               QStringLiteral("folders"), QStringLiteral("--folder"), file(QStringLiteral("nowhere")),
+                               QStringLiteral("--screenshot"), picture});
+    QCOMPARE(result.exitCode, 1);
+    QVERIFY2(result.error.contains(QStringLiteral("There is no such folder.")), qPrintable(result.error));
+    QVERIFY(!QFile::exists(picture));
+}
+
+void tst_console::noDisplayIsSaid()
+{
+    const Result result =
+        run({}, {QStringLiteral("DISPLAY"), QStringLiteral("WAYLAND_DISPLAY"), QStringLiteral("QT_QPA_PLATFORM")});
+    QCOMPARE(result.exitCode, 2);
+    QCOMPARE(result.output, QString());
+    QVERIFY2(result.error.contains(QStringLiteral("no display")), qPrintable(result.error));
+    QVERIFY(result.error.contains(QStringLiteral("--platform offscreen --screenshot FILE")));
+}
+
+void tst_console::wrongUseIsSaid_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QString>("words");
+    const auto row = [](const char *options, const char *words) {
+        QTest::newRow(options) << QString::fromLatin1(options).split(u' ') << QString::fromLatin1(words);
+    };
+    row("--page nowhere", "--page is 'nowhere', expected volumes or folders.");
+    row("--theme blue", "--theme is 'blue', expected system, light or dark.");
+    row("--size 800", "--size is '800', expected WIDTHxHEIGHT");
+    row("--size 0x600", "--size is '0x600', expected WIDTHxHEIGHT");
+    row("--size 99999x600", "--size is '99999x600', expected WIDTHxHEIGHT");
+    row("--platform nosuch", "--platform is 'nosuch', expected one of ");
+    row("--screenshot /nowhere/x.png", "--screenshot is '/nowhere/x.png', expected a file in a folder that exists.");
+    row("--folder /srv", "--folder is for the folders page");
+    row("--colour blue", "Unknown option 'colour'");
+    row("volumes", "Unexpected argument 'volumes'");
+}
+
+void tst_console::wrongUseIsSaid()
+{
+    QFETCH(const QStringList, options);
+    QFETCH(const QString, words);
+    const Result result = run(options);
+    QCOMPARE(result.exitCode, 2);
+    QVERIFY2(result.error.startsWith(words), qPrintable(result.error));
+    QCOMPARE(result.error.count(u'\n'), 1);
+    QCOMPARE(result.output, QString());
+}
+
+void tst_console::helpAndVersion()
+{
+    const Result help = run({QStringLiteral("--help")}, {QStringLiteral("QT_QPA_PLATFORM")});
+    QCOMPARE(help.exitCode, 0);
+    for (const char *option : {"--page", "--folder", "--theme", "--size", "--platform", "--screenshot", "--version"})
+        QVERIFY2(help.output.contains(QString::fromLatin1(option)), option);
+    const Result version = run({QStringLiteral("--version")}, {QStringLiteral("QT_QPA_PLATFORM")});
+    QCOMPARE(version.exitCode, 0);
+    QVERIFY(version.output.startsWith(QStringLiteral("recording-console ")));
+}
+
+QTEST_GUILESS_MAIN(tst_console)
+#include "tst_console.moc"

@@ -1,0 +1,78 @@
+import QtQuick
+import QtTest
+
+/// What the tests of all pages share.
+TestCase {
+    id: test
+
+    property Item page
+
+    when: windowShown
+    visible: true
+    width: 800
+    height: 560
+
+    function init(): void {
+        failOnWarning(/.*/);
+    }
+
+    function cleanup(): void {
+        if (page)
+            page.destroy();
+        page = null;
+        wait(0);
+        server.renew();
+    }
+
+    /// Makes a page on the played server.
+    function open(name, properties): void {
+        const component = Qt.createComponent("qrc:/qt/qml/RecordingConsole/pages/" + name + ".qml");
+        compare(component.errorString(), "");
+        page = component.createObject(test, Object.assign({
+            recording: server.recording, session: server.session, width: test.width, height: test.height
+        }, properties));
+        verify(page);
+    }
+
+    function part(name) {
+        const found = findChild(page, name);
+        verify(found, name);
+        return found;
+    }
+
+    function text(owner, name): string {
+        const found = findChild(owner, name);
+        verify(found, name);
+        return found.text;
+    }
+
+    /// No visible item may have a negative side or stand outside of the page; texts side by side may not overlap.
+    function checkGeometry(item) {
+        if (!item.visible)
+            return;
+        verify(item.width >= 0 && item.height >= 0, item + " has a negative side");
+        const texts = [];
+        collectTexts(item, texts);
+        for (let i = 0; i < texts.length; ++i) {
+            const a = texts[i].mapToItem(page, 0, 0, texts[i].width, texts[i].height);
+            verify(a.width >= 0 && a.height >= 0, texts[i].text);
+            verify(a.x >= -0.5 && a.x + a.width <= page.width + 0.5, texts[i].text + " leaves the page");
+            for (let j = 0; j < i; ++j) {
+                const b = texts[j].mapToItem(page, 0, 0, texts[j].width, texts[j].height);
+                const apart = a.x + a.width <= b.x + 0.5 || b.x + b.width <= a.x + 0.5
+                    || a.y + a.height <= b.y + 0.5 || b.y + b.height <= a.y + 0.5;
+                verify(apart, texts[i].text + " overlaps " + texts[j].text);
+            }
+        }
+    }
+
+    function collectTexts(item, texts) {
+        if (!item.visible)
+            return;
+        verify(item.width >= 0 && item.height >= 0, item + " has a negative side");
+        if (item.text !== undefined && item.contentWidth !== undefined && item.text !== "")
+            texts.push(item);
+        for (let i = 0; i < item.children.length; ++i)
+            collectTexts(item.children[i], texts);
+    }
+}

@@ -1,0 +1,172 @@
+import QtQuick
+import QtTest
+import RecordingConsole
+
+PageTest {
+    id: test
+
+    readonly property string longName: "a-folder-with-a-name-that-does-not-fit-into-any-window-".repeat(4)
+
+    name: "FoldersPage"
+
+    function answer(path, folders): void {
+        server.reply("getServerDir", { basePath: path, dirFolderList: folders }, "0");
+    }
+
+    function openAt(path, folders, properties): void {
+        open("FoldersPage", Object.assign({ startPlace: path }, properties));
+        answer(path, folders);
+        server.takeSent();
+        waitForRendering(page);
+    }
+
+    function test_beginsWithTheVolumes(): void {
+        open("FoldersPage", {});
+        compare(server.takeSent(), ["getServerDir"]);
+        answer("", ["/", "/srv/video"]);
+        verify(page.settled);
+        compare(page.failure, "");
+        tryVerify(() => findChild(page, "folder:/srv/video") !== null);
+        verify(!part("up").enabled);
+        verify(!part("newFolder").enabled);
+        mouseClick(part("folder:/srv/video"));
+        compare(server.takeSent(), ["getServerDir /srv/video"]);
+    }
+
+    function test_opensFoldersAndGoesUp(): void {
+        openAt("/srv", ["audio", "video"]);
+        mouseClick(part("folder:video"));
+        compare(server.takeSent(), ["getServerDir /srv/video"]);
+        compare(page.folder, "/srv", "not before the reply");
+        answer("/srv/video", ["north"]);
+        compare(page.folder, "/srv/video");
+        compare(text(page, "subtitle"), "1 folder");
+        keyClick(Qt.Key_Up, Qt.AltModifier);
+        compare(server.takeSent(), ["getServerDir /srv"]);
+        answer("/srv", ["audio", "video"]);
+        compare(part("folders").currentIndex, 1, "the folder that was left is the current one");
+        keyClick(Qt.Key_Return);
+        compare(server.takeSent(), ["getServerDir /srv/video"]);
+        answer("/srv/video", []);
+        compare(part("placeholder").title, "No folders in here");
+        keyClick(Qt.Key_Backspace);
+        compare(server.takeSent(), ["getServerDir /srv"]);
+    }
+
+    function test_breadcrumbLeadsUp_data() {
+        return [{ tag: "folder", path: "/srv" }, { tag: "root", path: "/" }, { tag: "volumes", path: "" }];
+    }
+    function test_breadcrumbLeadsUp(row): void {
+        openAt("/srv/video/north", []);
+        mouseClick(part("crumb:" + row.path));
+        compare(server.takeSent(), [("getServerDir " + row.path).trim()]);
+        answer(row.path, []);
+        compare(page.folder, row.path);
+    }
+
+    function test_newestOfTwoRequestsDecides(): void {
+        openAt("/srv", ["a", "b"]);
+        page.open("/srv/a");
+        page.open("/srv/b");
+        answer("/srv/a", ["in-a"]);
+        compare(page.folder, "/srv");
+        answer("/srv/b", ["in-b"]);
+        compare(page.folder, "/srv/b");
+    }
+
+    function test_refusedFolderKeepsTheOldOne(): void {
+        openAt("/srv", ["audio", "locked"]);
+        mouseClick(part("folder:locked"));
+        compare(server.takeSent(), ["getServerDir /srv/locked"]);
+        server.reply("getServerDir", {}, "DirectoryNotReadable");
+        compare(server.takeSent(), ["getServerDir /srv"], "the refusal emptied the list");
+        answer("/srv", ["audio", "locked"]);
+        compare(page.folder, "/srv");
+        compare(part("folders").count, 2);
+        compare(part("folders").currentIndex, 1);
+        verify(part("errorStrip").visible);
+        compare(part("errorStrip").text, "/srv/locked: The station may not read this folder.");
+        mouseClick(part("errorClose"));
+        verify(!part("errorStrip").visible);
+    }
+
+    function test_refusedStartIsSaid(): void {
+        open("FoldersPage", { startPlace: "/nowhere" });
+        server.reply("getServerDir", {}, "DirectoryNotFound");
+        verify(page.settled);
+        compare(part("errorStrip").text, "/nowhere: There is no such folder.");
+        compare(server.takeSent(), ["getServerDir /nowhere"]);
+    }
+
+    function test_refusedVolumesAreNotTakenForAnEmptyList(): void {
+        open("FoldersPage", {});
+        server.reply("getServerDir", {}, "LinkDown");
+        compare(part("errorStrip").text, "There is no connection to the station.");
+        compare(part("placeholder").title, "The folders could not be listed");
+    }
+
+    function test_createsAFolder(): void {
+        openAt("/srv", ["audio"]);
+        mouseClick(part("newFolder"));
+        const dialog = findChild(page, "newFolderDialog");
+        tryVerify(() => dialog.opened);
+        for (const key of ["c", "a", "m"])
+            keyClick(key);
+        keyClick(Qt.Key_Return);
+        compare(server.takeSent(), ["createDirectory /srv/cam"]);
+        keyClick(Qt.Key_Return);
+        compare(server.takeSent(), [], "one request is under way");
+        server.reply("createDirectory", undefined, "0");
+        tryVerify(() => !dialog.visible);
+        compare(server.takeSent(), ["getServerDir /srv"]);
+        answer("/srv", ["audio", "cam"]);
+        compare(part("folders").currentIndex, 1, "the new folder is the current one");
+    }
+
+    function test_refusedNameStaysAtTheField(): void {
+        openAt("/", ["srv"]);
+        mouseClick(part("newFolder"));
+        const dialog = findChild(page, "newFolderDialog");
+        tryVerify(() => dialog.opened);
+        keyClick("x");
+        keyClick(Qt.Key_Return);
+        compare(server.takeSent(), ["createDirectory /x"]);
+        server.reply("createDirectory", undefined, "PermissionDenied");
+        verify(dialog.visible);
+        compare(dialog.message, "The station may not write here.");
+        keyClick("y");
+        compare(dialog.message, "", "another name, another try");
+        keyClick(Qt.Key_Return);
+        compare(server.takeSent(), ["createDirectory /y"]);
+        server.reply("createDirectory", undefined, "DirectoryExists");
+        keyClick(Qt.Key_Escape);
+        tryVerify(() => !dialog.visible);
+    }
+
+    function test_obviousMistakesAreNotSent_data() {
+        return [{ tag: "slash", name: "a/b" }, { tag: "dot", name: "." }, { tag: "dots", name: ".." },
+                { tag: "blank", name: " " }, { tag: "empty", name: "" }];
+    }
+    function test_obviousMistakesAreNotSent(row): void {
+        openAt("/srv", []);
+        mouseClick(part("newFolder"));
+        const dialog = findChild(page, "newFolderDialog");
+        tryVerify(() => dialog.opened);
+        for (const key of row.name)
+            keyClick(key);
+        keyClick(Qt.Key_Return);
+        compare(server.takeSent(), []);
+        verify(dialog.message !== "");
+        verify(dialog.visible);
+    }
+
+    function test_sizesFit_data() {
+        return [{ tag: "wide", width: 1000, height: 700 }, { tag: "narrow", width: 380, height: 560 }];
+    }
+    function test_sizesFit(row): void {
+        openAt("/srv", ["audio", longName], { width: row.width, height: row.height });
+        tryVerify(() => findChild(page, "folder:" + longName) !== null);
+        verify(findChild(part("folder:" + longName), "name").truncated);
+        checkGeometry(page);
+    }
+}
