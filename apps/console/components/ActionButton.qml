@@ -15,7 +15,7 @@ Button {
 
     implicitHeight: Theme.controlHeight
     implicitWidth: Math.max(implicitHeight, contentItem.implicitWidth + leftPadding + rightPadding)
-    leftPadding: text === "" ? Theme.small : Theme.medium
+    leftPadding: text === "" ? Theme.small : iconName === "" ? Theme.large : Theme.medium
     rightPadding: text === "" ? Theme.small : Theme.large
     topPadding: 0
     bottomPadding: 0

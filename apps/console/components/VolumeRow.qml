@@ -34,7 +34,7 @@ ItemDelegate {
     Accessible.name: summary()
 
     function summary(): string {
-        let words = [nameText.text, rootPathRole];
+        let words = nameRole !== "" ? [nameRole, rootPathRole] : [rootPathRole];
         for (const mark of [systemMark, nasMark, lowMark]) {
             if (mark.visible)
                 words.push(mark.text);
@@ -111,6 +111,7 @@ ItemDelegate {
                 id: pathText
 
                 objectName: "path"
+                visible: row.nameRole !== ""
                 text: row.rootPathRole
                 color: Theme.secondaryText
                 font.pixelSize: Theme.bodySize
@@ -191,6 +192,6 @@ ItemDelegate {
     }
     ConsoleToolTip {
         visible: row.hovered && (nameText.truncated || pathText.truncated)
-        text: nameText.text + "\n" + row.rootPathRole
+        text: row.nameRole !== "" ? row.nameRole + "\n" + row.rootPathRole : row.rootPathRole
     }
 }

@@ -38,8 +38,8 @@ ConsolePage {
         let free = 0;
         for (let row = 0; row < rows.count; ++row) {
             const volume = rows.objectAt(row) as VolumeSize;
-            total += volume.sizeRole;
-            free += volume.availableSizeRole;
+            total += volume?.sizeRole ?? 0;
+            free += volume?.availableSizeRole ?? 0;
         }
         totalSize = total;
         freeSize = free;
@@ -74,6 +74,7 @@ ConsolePage {
 
         model: page.recording.getVolumeModel()
         delegate: VolumeSize {}
+        onObjectAdded: page.sumUp() // a NAS path comes without a reply to getVolume
     }
 
     ColumnLayout {
@@ -106,37 +107,37 @@ ConsolePage {
             onActionTriggered: page.refresh()
             onDismissed: page.failure = ""
         }
-        ListCard {
-            id: card
-
-            objectName: "volumes"
-            focus: true
-            model: page.recording.getVolumeModel()
-            list.Accessible.name: qsTr("Volumes")
-            delegate: VolumeRow {
-                width: ListView.view?.width ?? 0
-            }
+        Item {
             Layout.fillWidth: true
             Layout.fillHeight: true
-            Layout.maximumHeight: count > 0 ? list.contentHeight + 2 : -1
 
-            Placeholder {
-                objectName: "placeholder"
-                anchors.centerIn: parent
-                width: Math.min(420, parent.width - 2 * Theme.huge)
-                visible: card.count === 0
-                busy: page.session.connected && (page.loading || !page.settled)
-                iconName: "volume"
-                title: !page.session.connected ? qsTr("No connection to the station")
-                    : busy ? qsTr("Asking the station for its volumes…")
-                    : page.failure !== "" ? qsTr("The volumes could not be listed") : qsTr("No volumes to show")
-                text: busy ? "" : !page.session.connected ? qsTr("The volumes appear as soon as it is there.")
-                    : page.failure !== "" ? "" : qsTr("The station has no mounted volume that it could record to.")
+            ListCard {
+                id: card
+
+                objectName: "volumes"
+                width: parent.width
+                height: count > 0 ? Math.min(parent.height, list.contentHeight + 2) : parent.height
+                focus: true
+                model: page.recording.getVolumeModel()
+                list.Accessible.name: qsTr("Volumes")
+                delegate: VolumeRow {
+                    width: ListView.view?.width ?? 0
+                }
+
+                Placeholder {
+                    objectName: "placeholder"
+                    anchors.centerIn: parent
+                    width: Math.min(420, parent.width - 2 * Theme.huge)
+                    visible: card.count === 0
+                    busy: page.session.connected && (page.loading || !page.settled)
+                    iconName: "volume"
+                    title: !page.session.connected ? qsTr("No connection to the station")
+                        : busy ? qsTr("Asking the station for its volumes…")
+                        : page.failure !== "" ? qsTr("The volumes could not be listed") : qsTr("No volumes to show")
+                    text: busy ? "" : !page.session.connected ? qsTr("The volumes appear as soon as it is there.")
+                        : page.failure !== "" ? "" : qsTr("The station has no mounted volume that it could record to.")
+                }
             }
-        }
-        Item {
-            visible: card.count > 0
-            Layout.fillHeight: true
         }
     }
 }

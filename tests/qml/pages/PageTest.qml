@@ -5,7 +5,7 @@ import QtTest
 TestCase {
     id: test
 
-    property Item page
+    property var page: null
 
     when: windowShown
     visible: true

@@ -1,6 +1,4 @@
 import QtQuick
-import QtTest
-import RecordingConsole
 
 PageTest {
     id: test

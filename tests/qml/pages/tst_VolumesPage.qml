@@ -1,5 +1,4 @@
 import QtQuick
-import QtTest
 import RecordingConsole
 
 PageTest {
@@ -56,6 +55,7 @@ PageTest {
         const row = part("volume://nas/video");
         verify(findChild(row, "nasMark").visible);
         compare(text(row, "used"), "1.00 GB used");
+        tryVerify(() => text(page, "subtitle") === "3 volumes · 53.50 GB free of 4.10 TB");
     }
 
     function test_refreshSendsOneRequest_data() {
@@ -130,6 +130,8 @@ PageTest {
         openFilled({ width: row.width, height: row.height });
         waitForRendering(page);
         checkGeometry(page);
+        const list = part("list");
+        tryVerify(() => list.height >= list.contentHeight, 5000, "every row is in view where there is room");
     }
 
     function test_themesDiffer(): void {
