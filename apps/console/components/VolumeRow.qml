@@ -22,6 +22,7 @@ ItemDelegate {
                                                     : qsTr("Size unknown")
     readonly property string freeText: sizeRole > 0 ? qsTr("%1 free of %2").arg(Units.capacity(availableSizeRole))
                                                           .arg(Units.capacity(sizeRole)) : ""
+    readonly property bool named: nameRole !== "" && nameRole !== rootPathRole
     readonly property bool wide: width >= 760
 
     objectName: "volume:" + rootPathRole
@@ -34,7 +35,7 @@ ItemDelegate {
     Accessible.name: summary()
 
     function summary(): string {
-        let words = nameRole !== "" ? [nameRole, rootPathRole] : [rootPathRole];
+        let words = named ? [nameRole, rootPathRole] : [rootPathRole];
         for (const mark of [systemMark, nasMark, lowMark]) {
             if (mark.visible)
                 words.push(mark.text);
@@ -71,7 +72,7 @@ ItemDelegate {
                     id: nameText
 
                     objectName: "name"
-                    text: row.nameRole !== "" ? row.nameRole : row.rootPathRole
+                    text: row.named ? row.nameRole : row.rootPathRole
                     color: Theme.text
                     font.pixelSize: Theme.titleSize
                     font.weight: Font.DemiBold
@@ -111,7 +112,7 @@ ItemDelegate {
                 id: pathText
 
                 objectName: "path"
-                visible: row.nameRole !== ""
+                visible: row.named
                 text: row.rootPathRole
                 color: Theme.secondaryText
                 font.pixelSize: Theme.bodySize
@@ -192,6 +193,6 @@ ItemDelegate {
     }
     ConsoleToolTip {
         visible: row.hovered && (nameText.truncated || pathText.truncated)
-        text: row.nameRole !== "" ? row.nameRole + "\n" + row.rootPathRole : row.rootPathRole
+        text: row.named ? row.nameRole + "\n" + row.rootPathRole : row.rootPathRole
     }
 }
