@@ -5,6 +5,7 @@
 // trace_probe memory     Init, with the memory running out at each of its models in turn
 // trace_probe unload     loads and unloads
 
+#include "HeapWatch.h"
 #include "RecordingFramework.h"
 #include "SignalLog.h"
 
@@ -13,11 +14,8 @@
 #include <QTextStream>
 
 #include <cstdlib>
-#include <new>
 
 namespace {
-
-int allocationsUntilFailure = -1; // of those that may answer null
 
 void mark(const QString &stage)
 {
@@ -103,9 +101,10 @@ int runMemory()
     for (int model = 0; model < 5; ++model) {
         const auto plugin = Contract::createPlugin();
         mark(QStringLiteral("model %1").arg(model + 1));
-        allocationsUntilFailure = model;
-        const bool initialised = plugin->InitialPluginBase(nullptr, nullptr, nullptr);
-        allocationsUntilFailure = -1;
+        const bool initialised = [&plugin, model] {
+            const AllocationFailure failure(model);
+            return plugin->InitialPluginBase(nullptr, nullptr, nullptr);
+        }();
         print(QStringLiteral("initialised %1, volume model %2")
                   .arg(initialised)
                   .arg(volumeModel(plugin.get()) != nullptr));
@@ -133,17 +132,6 @@ int runUnload()
 }
 
 } // namespace
-
-void *operator new(std::size_t size, const std::nothrow_t &) noexcept
-{
-    if (allocationsUntilFailure >= 0 && allocationsUntilFailure-- == 0)
-        return nullptr;
-    try {
-        return ::operator new(size);
-    } catch (const std::bad_alloc &) {
-        return nullptr;
-    }
-}
 
 int main(int argc, char **argv)
 {
