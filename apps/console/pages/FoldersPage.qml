@@ -97,7 +97,7 @@ ConsolePage {
     }
 
     Connections {
-        target: page.recording // qmllint disable type
+        target: page.recording
 
         function onGetServerDirResponded(path: string): void {
             page.answered(path);

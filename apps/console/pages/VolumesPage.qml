@@ -48,7 +48,7 @@ ConsolePage {
     Component.onCompleted: refresh()
 
     Connections {
-        target: page.recording // qmllint disable type
+        target: page.recording
 
         function onGetVolumeResponded(success: bool): void {
             page.finish(success ? "" : page.session.refusal("getVolume"));
