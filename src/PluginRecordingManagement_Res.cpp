@@ -5,121 +5,27 @@
 #include "RequestContexts.h"
 #include "RowItems.h"
 #include "ServerVocabulary.h"
+#include "StatusMonitor.h"
+#include "UsageFigures.h"
 #include "trace/TraceLog.h"
 
-#include <QMetaMethod>
-#include <QPointer>
 #include <QStandardItemModel>
-#include <QUuid>
 
 #include <algorithm>
 #include <iterator>
 #include <map>
 #include <memory>
 #include <new>
-#include <optional>
 #include <utility>
 #include <vector>
 
 namespace {
-
-constexpr int bytesPerKb = 1024;
-constexpr int minutesPerDay = 24 * 60;
-constexpr qlonglong unknown = -1;
 
 // Takes a context over from the framework; a missing one counts as empty.
 template<typename Context>
 std::unique_ptr<Context> takeContext(void *context)
 {
     return std::unique_ptr<Context>(static_cast<Context *>(context));
-}
-
-qlonglong wrappingSum(qlonglong left, qlonglong right)
-{
-    return static_cast<qlonglong>(static_cast<qulonglong>(left) + static_cast<qulonglong>(right));
-}
-
-qlonglong wrappingDifference(qlonglong left, qlonglong right)
-{
-    return static_cast<qlonglong>(static_cast<qulonglong>(left) - static_cast<qulonglong>(right));
-}
-
-// Rows keep the low 32 bits of a number of days.
-int lowBits(qlonglong days)
-{
-    return static_cast<int>(days);
-}
-
-// Whole days of recording that fit into @p available KB at @p oneDayUsage bytes a day.
-qlonglong remainingDays(qlonglong available, qlonglong oneDayUsage)
-{
-    if (oneDayUsage <= 0)
-        return unknown;
-    // Whole KB first, as the figures always were: below one KB a day the quotient is infinite and counts as 0.
-    const double days = static_cast<double>(available) / static_cast<double>(oneDayUsage / bytesPerKb);
-    constexpr double limit = 9223372036854775808.0; // 2^63
-    return days >= -limit && days < limit ? static_cast<qlonglong>(days) : 0;
-}
-
-// What the entries of one recording group add up to.
-struct GroupUsage
-{
-    int reserveTime = 0;
-    QString name;
-    qlonglong availableSize = 0;
-    std::optional<qlonglong> recordedDays; // empty while every entry's figure is unknown
-    std::optional<qlonglong> oneDayUsage;
-
-    static void addKnown(std::optional<qlonglong> &sum, qlonglong value)
-    {
-        if (value >= 0)
-            sum = wrappingSum(value, sum.value_or(0));
-    }
-
-    QVariantMap toMap() const
-    {
-        QVariantMap map{
-            {QStringLiteral("reserveTime"), reserveTime},
-            {QStringLiteral("groupName"), name},
-            {QStringLiteral("availableSize"), availableSize},
-        };
-        if (recordedDays)
-            map.insert(QStringLiteral("recordedDays"), *recordedDays);
-        if (oneDayUsage)
-            map.insert(QStringLiteral("oneDayUsage"), *oneDayUsage);
-        return map;
-    }
-};
-
-// The client's status monitor, as far as it is there: a missing object or method is passed over.
-class StatusMonitor
-{
-public:
-    explicit StatusMonitor(QObject *monitor)
-        : m_monitor(monitor)
-    {
-    }
-
-    template<typename... Strings>
-    void call(const QString &method, const Strings &...arguments) const
-    {
-        if (!m_monitor)
-            return;
-        const QByteArray name = method.toLatin1();
-        QByteArrayList types;
-        types.fill("QString", sizeof...(arguments));
-        if (m_monitor->metaObject()->indexOfMethod(name + '(' + types.join(',') + ')') >= 0)
-            QMetaObject::invokeMethod(m_monitor.data(), name.constData(), Qt::AutoConnection,
-                                      Q_ARG(QString, arguments)...);
-    }
-
-private:
-    QPointer<QObject> m_monitor; // not owned, and it may go away in the middle of a call
-};
-
-QString statusMonitorId()
-{
-    return QStringLiteral("{CA5B02D6-F3E0-4FD7-A55C-17F425D5B415}");
 }
 
 QModelIndex findRow(const QStandardItemModel *model, const QString &id)
@@ -395,8 +301,8 @@ void PluginRecordingManagement::updateRecordingGroupUsageModel(const QString &so
             continue;
         }
         const QVariantMap group = entry->toMap();
-        const qlonglong recorded = group.value(QStringLiteral("recordedDays"), unknown).toLongLong();
-        const qlonglong oneDay = group.value(QStringLiteral("oneDayUsage"), unknown).toLongLong();
+        const qlonglong recorded = group.value(QStringLiteral("recordedDays"), unknownFigure).toLongLong();
+        const qlonglong oneDay = group.value(QStringLiteral("oneDayUsage"), unknownFigure).toLongLong();
         const qlonglong remaining = remainingDays(group.value(QStringLiteral("availableSize")).toLongLong(), oneDay);
         const QString name =
             id == FieldKey::backupID ? QStringLiteral("Backup") : group.value(QStringLiteral("groupName")).toString();
@@ -408,7 +314,7 @@ void PluginRecordingManagement::updateRecordingGroupUsageModel(const QString &so
 
 void PluginRecordingManagement::monitorVolumnStatus(const QString &source, QVariant &data)
 {
-    const StatusMonitor monitor(pluginObject(statusMonitorId()));
+    const StatusMonitor monitor(pluginObject(StatusMonitor::pluginId()));
     monitor.call(StatusMonitorMethod::removeVolumeError, source);
     const QVariantList entries = data.toList();
     const bool dead = std::any_of(entries.begin(), entries.end(), [](const QVariant &element) {
@@ -423,7 +329,7 @@ void PluginRecordingManagement::monitorVolumnStatus(const QString &source, QVari
 void PluginRecordingManagement::monitorGroupStatus(const QString &source)
 {
     const QSharedPointer<QStandardItemModel> model = m_storageUsageModels.value(source);
-    const StatusMonitor monitor(pluginObject(statusMonitorId()));
+    const StatusMonitor monitor(pluginObject(StatusMonitor::pluginId()));
     for (int row = 0; model && row < model->rowCount(); ++row) {
         const QModelIndex group = model->index(row, 0);
         const QString id = group.data(RecordingGroupRole::Id).toString();
@@ -433,7 +339,7 @@ void PluginRecordingManagement::monitorGroupStatus(const QString &source)
         const int reserve = group.data(RecordingGroupRole::ReserveTime).toInt();
         if (remaining < 0 || recorded < 0 || reserve < 0)
             continue; // an unknown figure is never judged
-        if (recorded + remaining >= reserve / minutesPerDay)
+        if (coverReserve(recorded, remaining, reserve))
             monitor.call(StatusMonitorMethod::monitorSufficientRecordingGroup, source, id);
         else
             monitor.call(StatusMonitorMethod::monitorInsufficientRecordingDays, source, name, id);
