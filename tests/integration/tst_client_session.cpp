@@ -226,7 +226,8 @@ void ClientSessionTest::foldersOfThisMachine()
 
 void ClientSessionTest::folderIsMade()
 {
-    const QTemporaryDir dir;
+    // Beside the test: a folder for temporary files may lie in memory, on none of the volumes.
+    const QTemporaryDir dir(QCoreApplication::applicationDirPath() + u"/folder-XXXXXX"_s);
     const QString path = dir.path() + u"/cameras/gate 1"_s;
     start(builtPlugin());
     QSignalSpy responded(m_session->plugin(), SIGNAL(createDirectoryResponded(bool)));

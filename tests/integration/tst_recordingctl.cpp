@@ -5,13 +5,19 @@
 #include <QJsonObject>
 #include <QProcess>
 #include <QRegularExpression>
-#include <QStorageInfo>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <csignal>
+#include <filesystem>
 
 namespace {
+
+// In KB. The system itself is asked: where the root was changed, Qt knows of no mount that holds it.
+qint64 rootSize()
+{
+    return static_cast<qint64>(std::filesystem::space("/").capacity) / 1024;
+}
 
 struct Run
 {
@@ -98,7 +104,8 @@ private slots:
 private:
     QString folder(const QString &name) const { return m_folder.filePath(name); }
 
-    QTemporaryDir m_folder;
+    // Beside the test: a folder for temporary files may lie in memory, on none of the volumes.
+    QTemporaryDir m_folder{QCoreApplication::applicationDirPath() + "/folder-XXXXXX"};
 };
 
 void TestRecordingctl::initTestCase()
@@ -161,9 +168,9 @@ void TestRecordingctl::callGetVolumeAsJson()
     QCOMPARE(
         object.value("answers").toArray(),
         (QJsonArray{QJsonObject{{"signal", "getVolumeResponded"}, {"arguments", QJsonObject{{"success", true}}}}}));
-    const QJsonObject system = object.value("model").toArray().at(0).toObject();
+    const QJsonObject system = object.value("model").toArray().last().toObject();
     QCOMPARE(system.value("rootPathRole"), QJsonValue("/"));
-    QCOMPARE(system.value("sizeRole").toInteger(), QStorageInfo::root().bytesTotal() / 1024);
+    QCOMPARE(system.value("sizeRole").toInteger(), rootSize());
 }
 
 void TestRecordingctl::callGetServerDir()
@@ -185,7 +192,7 @@ void TestRecordingctl::queryIsAnsweredFromTheStation()
     const Run call = run({"call", "getVolumeInfo", "/", ""});
     QCOMPARE(call.exitCode, 0);
     const QJsonObject info = call.json();
-    QCOMPARE(info.value("size").toInteger(), QStorageInfo::root().bytesTotal() / 1024);
+    QCOMPARE(info.value("size").toInteger(), rootSize());
     QCOMPARE(info.value("isSystem"), QJsonValue(true));
 }
 
