@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 # What scripts/run and scripts/test share. Source it after `set -euo pipefail`.
 
-repository=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/.." && pwd)
+repository=$(cd -- "$(dirname -- "$(readlink -f -- "${BASH_SOURCE[0]}")")/.." && pwd)
 current_step=
 
 fail() {
