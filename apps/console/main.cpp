@@ -2,6 +2,7 @@
 #include "ConsoleOptions.h"
 #include "ConsoleSession.h"
 #include "ConsoleTypes.h"
+#include "Display.h"
 #include "Screenshot.h"
 #include "framework/HostFramework.h"
 
@@ -32,16 +33,6 @@ void print(std::FILE *stream, const QString &text)
 {
     std::fputs(qPrintable(text), stream);
     std::fputc('\n', stream);
-}
-
-bool hasDisplay()
-{
-#ifdef Q_OS_LINUX
-    const auto isSet = [](const char *name) { return !qEnvironmentVariableIsEmpty(name); };
-    return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM");
-#else
-    return true;
-#endif
 }
 
 void renderWithoutGraphicsCard()

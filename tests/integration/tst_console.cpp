@@ -15,6 +15,7 @@ private slots:
     void screenshotShowsThePage_data();
     void screenshotShowsThePage();
     void pageWithoutDataIsNoPicture();
+    void noDisplayIsSaid_data();
     void noDisplayIsSaid();
     void wrongUseIsSaid_data();
     void wrongUseIsSaid();
@@ -27,7 +28,8 @@ private:
         QString output;
         QString error;
     };
-    static Result run(const QStringList &arguments, const QStringList &unset = {});
+    static Result run(const QStringList &arguments, const QStringList &unset = {}, const QString &variable = {},
+                      const QString &value = {});
     QString file(const QString &name) const { return m_folder.filePath(name); }
 
     QTemporaryDir m_folder;
@@ -39,12 +41,15 @@ void tst_console::init()
     QVERIFY(m_folder.isValid());
 }
 
-tst_console::Result tst_console::run(const QStringList &arguments, const QStringList &unset)
+tst_console::Result tst_console::run(const QStringList &arguments, const QStringList &unset, const QString &variable,
+                                     const QString &value)
 {
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const QString &name : unset)
         environment.remove(name);
+    if (!variable.isEmpty())
+        environment.insert(variable, value);
     process.setProcessEnvironment(environment);
     process.start(QStringLiteral(CONSOLE), arguments);
     if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
@@ -100,10 +105,23 @@ void tst_console::pageWithoutDataIsNoPicture()
     QVERIFY(!QFile::exists(picture));
 }
 
+void tst_console::noDisplayIsSaid_data()
+{
+    QTest::addColumn<QString>("variable");
+    QTest::addColumn<QString>("value");
+    QTest::newRow("none is named") << QString() << QString();
+    QTest::newRow("nobody answers for X11") << QStringLiteral("DISPLAY") << QStringLiteral(":7777");
+    QTest::newRow("no X11 display") << QStringLiteral("DISPLAY") << QStringLiteral("nonsense");
+    QTest::newRow("nobody answers for Wayland") << QStringLiteral("WAYLAND_DISPLAY") << file(QStringLiteral("gone"));
+}
+
 void tst_console::noDisplayIsSaid()
 {
-    const Result result =
-        run({}, {QStringLiteral("DISPLAY"), QStringLiteral("WAYLAND_DISPLAY"), QStringLiteral("QT_QPA_PLATFORM")});
+    QFETCH(const QString, variable);
+    QFETCH(const QString, value);
+    const QStringList unset{QStringLiteral("DISPLAY"), QStringLiteral("WAYLAND_DISPLAY"),
+                            QStringLiteral("QT_QPA_PLATFORM")};
+    const Result result = run({}, unset, variable, value);
     QCOMPARE(result.exitCode, 2);
     QCOMPARE(result.output, QString());
     QVERIFY2(result.error.contains(QStringLiteral("no display")), qPrintable(result.error));

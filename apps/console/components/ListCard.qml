@@ -30,6 +30,18 @@ Rectangle {
         highlightMoveDuration: 0
         highlightResizeDuration: 0
         Accessible.role: Accessible.List
+        Keys.onPressed: event => {
+            const rowsInView = Math.max(1, Math.floor(list.height * list.count / Math.max(1, list.contentHeight)) - 1);
+            const target = event.key === Qt.Key_Home ? 0
+                : event.key === Qt.Key_End ? list.count - 1
+                : event.key === Qt.Key_PageUp ? list.currentIndex - rowsInView
+                : event.key === Qt.Key_PageDown ? list.currentIndex + rowsInView : NaN;
+            if (isNaN(target) || list.count === 0)
+                return;
+            list.currentIndex = Math.max(0, Math.min(list.count - 1, target));
+            list.positionViewAtIndex(list.currentIndex, ListView.Contain);
+            event.accepted = true;
+        }
 
         ScrollBar.vertical: ScrollBar {
             policy: list.contentHeight > list.height ? ScrollBar.AlwaysOn : ScrollBar.AlwaysOff

@@ -15,6 +15,7 @@ Dialog {
     readonly property alias name: field.text
     readonly property string mistake: name.trim() === "" ? qsTr("Enter a name.")
         : name.includes("/") ? qsTr("A name has no slash in it.")
+        : name.includes("\\") ? qsTr("A name has no backslash in it.")
         : name === "." || name === ".." ? qsTr("“%1” means another folder.").arg(name) : ""
     readonly property string message: refusal !== "" ? refusal : field.edited ? mistake : ""
 

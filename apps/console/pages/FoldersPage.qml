@@ -12,6 +12,8 @@ ConsolePage {
     property string entryToSelect ///< becomes the current one when it is listed
     property string pendingFailure ///< shown when the folder that stays in view is listed again
     property bool everListed: false
+    property bool listed: false ///< the folder in view could be listed when it was asked for last
+    property real keptPosition: -1 ///< how far the list is scrolled, for the same folder listed again
     readonly property bool loading: outstanding > 0
     readonly property bool atVolumes: folder === ""
     readonly property int nameRoleNumber: 258 // of nameRole, for match()
@@ -34,8 +36,10 @@ ConsolePage {
     }
 
     function refresh(): void {
-        if (!loading)
-            ask(folder, (card.list.currentItem as FolderRow)?.nameRole ?? "");
+        if (loading)
+            return;
+        keptPosition = card.list.contentY;
+        ask(folder, (card.list.currentItem as FolderRow)?.nameRole ?? "");
     }
 
     function goUp(): void {
@@ -60,8 +64,10 @@ ConsolePage {
     }
 
     function showListed(): void {
+        const again = folder === asked;
         folder = asked;
         everListed = true;
+        listed = true;
         fail(pendingFailure);
         pendingFailure = "";
         const model = card.model;
@@ -70,6 +76,9 @@ ConsolePage {
         card.currentIndex = card.count === 0 ? -1 : found.length > 0 ? found[0].row : 0;
         if (card.count > 0)
             card.list.positionViewAtIndex(card.currentIndex, ListView.Contain);
+        if (again && keptPosition >= 0)
+            card.list.contentY = Math.max(0, Math.min(keptPosition, card.list.contentHeight - card.list.height));
+        keptPosition = -1;
     }
 
     /// The refused reply emptied the model: what was in view is asked for again and the refusal shown above it.
@@ -79,6 +88,8 @@ ConsolePage {
             pendingFailure = sentence;
             ask(folder, FolderPath.above(asked) === folder ? asked.substring(asked.lastIndexOf("/") + 1) : "");
         } else {
+            listed = false;
+            keptPosition = -1;
             fail(sentence);
         }
     }
@@ -164,7 +175,7 @@ ConsolePage {
                 text: page.width >= 420 ? qsTr("New folder") : ""
                 hint: page.atVolumes ? qsTr("Open a volume first: a folder is made inside one")
                                      : qsTr("Make a folder here (Ctrl+N)")
-                enabled: page.session.connected && !page.atVolumes && page.everListed
+                enabled: page.session.connected && !page.atVolumes && page.listed
                 onClicked: dialog.ask(page.folder)
             }
         }

@@ -51,6 +51,38 @@ PageTest {
         compare(server.takeSent(), ["getServerDir /srv"]);
     }
 
+    function test_keysCrossALongList(): void {
+        const names = Array.from({ length: 500 }, (value, index) => "cam" + index);
+        openAt("/srv", names);
+        const folders = part("folders");
+        folders.list.forceActiveFocus();
+        keyClick(Qt.Key_End);
+        compare(folders.currentIndex, 499);
+        verify(folders.list.contentY > 0);
+        keyClick(Qt.Key_PageUp);
+        verify(folders.currentIndex < 499 && folders.currentIndex > 400, folders.currentIndex);
+        const position = folders.list.contentY;
+        keyClick(Qt.Key_F5);
+        answer("/srv", names);
+        compare(folders.list.contentY, position, "a list that is asked for again stays where it is");
+        keyClick(Qt.Key_Home);
+        compare(folders.currentIndex, 0);
+        keyClick(Qt.Key_PageDown);
+        verify(folders.currentIndex > 0 && folders.currentIndex < 100, folders.currentIndex);
+    }
+
+    function test_nothingIsMadeWhereNothingCouldBeListed(): void {
+        openAt("/srv", ["audio"]);
+        verify(part("newFolder").enabled);
+        keyClick(Qt.Key_F5);
+        server.reply("getServerDir", {}, "DirectoryNotFound");
+        verify(page.failure !== "");
+        verify(!part("newFolder").enabled);
+        keyClick(Qt.Key_F5);
+        answer("/srv", ["audio"]);
+        verify(part("newFolder").enabled);
+    }
+
     function test_breadcrumbLeadsUp_data() {
         return [{ tag: "folder", path: "/srv" }, { tag: "root", path: "/" }, { tag: "volumes", path: "" }];
     }
@@ -142,8 +174,8 @@ PageTest {
     }
 
     function test_obviousMistakesAreNotSent_data() {
-        return [{ tag: "slash", name: "a/b" }, { tag: "dot", name: "." }, { tag: "dots", name: ".." },
-                { tag: "blank", name: " " }, { tag: "empty", name: "" }];
+        return [{ tag: "slash", name: "a/b" }, { tag: "backslash", name: "a\\b" }, { tag: "dot", name: "." },
+                { tag: "dots", name: ".." }, { tag: "blank", name: " " }, { tag: "empty", name: "" }];
     }
     function test_obviousMistakesAreNotSent(row): void {
         openAt("/srv", []);
