@@ -76,6 +76,16 @@ QString unknownCommand(const QString &command)
         : QStringLiteral("there is no command \"%1\"; did you mean \"%2\"?").arg(command, closest);
 }
 
+/// The first argument that is a dash and a digit; empty when there is none.
+QString numberTakenForAnOption(const QStringList &arguments)
+{
+    for (const QString &argument : arguments) {
+        if (argument.size() > 1 && argument.startsWith(u'-') && argument.at(1).isDigit())
+            return argument;
+    }
+    return {};
+}
+
 } // namespace
 
 CommandLine CommandLine::parse(const QStringList &arguments)
@@ -94,6 +104,10 @@ CommandLine CommandLine::parse(const QStringList &arguments)
         return line;
     };
     if (!parser.parse(arguments)) {
+        const QString number = numberTakenForAnOption(arguments);
+        if (!number.isEmpty())
+            return wrong(QStringLiteral("\"%1\" looks like an option; put -- before arguments that begin with a dash")
+                             .arg(number));
         QString error = parser.errorText().section(u'\n', 0, 0);
         while (error.endsWith(u'.'))
             error.chop(1);

@@ -72,6 +72,8 @@ ConvertedArgument passwordArgument(const QString &text, const QString &parameter
         return {text, {}};
     if (text == QStringLiteral("-"))
         return fromStandardInput(parameter);
+    if (text == QStringLiteral("@"))
+        return {{}, QStringLiteral("%1 is @ alone; the name of a file was expected behind it").arg(parameter)};
     if (text.startsWith(u'@'))
         return fromFile(text.mid(1), parameter);
     return {{},

@@ -5,7 +5,9 @@
 
 #include <QCoreApplication>
 
+#include <cstdio>
 #include <cstdlib>
+#include <optional>
 
 namespace {
 
@@ -17,6 +19,25 @@ void keepTraceQuiet()
         qputenv(level, "off");
 }
 
+/// The first argument whose bytes are no text, and would reach the station as another name.
+std::optional<int> unreadableArgument(int argc, char **argv)
+{
+    for (int i = 1; i < argc; ++i) {
+        if (QString::fromLocal8Bit(argv[i]).toLocal8Bit() != argv[i])
+            return i;
+    }
+    return {};
+}
+
+/// A result that could not be written was not given.
+ExitCode afterWriting(ExitCode exitCode)
+{
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0)
+        return exitCode;
+    printError(QStringLiteral("standard output could not be written"));
+    return ExitCode::WrongUse;
+}
+
 } // namespace
 
 int runTool(int argc, char **argv, ClientSession::Options options)
@@ -25,6 +46,10 @@ int runTool(int argc, char **argv, ClientSession::Options options)
     QCoreApplication::setApplicationName(QStringLiteral("recordingctl"));
     QCoreApplication::setApplicationVersion(QStringLiteral(RECORDING_VERSION));
 
+    if (const std::optional<int> unreadable = unreadableArgument(argc, argv)) {
+        printError(QStringLiteral("argument %1 is not valid UTF-8").arg(*unreadable));
+        return static_cast<int>(ExitCode::WrongUse);
+    }
     const CommandLine line = CommandLine::parse(QCoreApplication::arguments());
     if (!line.error.isEmpty()) {
         printError(line.error);
@@ -32,7 +57,7 @@ int runTool(int argc, char **argv, ClientSession::Options options)
     }
     if (!line.text.isEmpty()) {
         printText(line.text);
-        return static_cast<int>(ExitCode::Done);
+        return static_cast<int>(afterWriting(ExitCode::Done));
     }
 
     keepTraceQuiet();
@@ -42,7 +67,7 @@ int runTool(int argc, char **argv, ClientSession::Options options)
         printError(session.error().simplified());
         return static_cast<int>(ExitCode::WrongUse);
     }
-    const ExitCode exitCode = runCommand(session, line);
+    const ExitCode exitCode = afterWriting(runCommand(session, line));
     // A station that hangs in the file system, on a network disk that is gone, cannot be waited for.
     if (exitCode == ExitCode::NoAnswer)
         std::_Exit(static_cast<int>(exitCode));

@@ -80,6 +80,8 @@ private slots:
     void callGetServerDir();
     void queryIsAnsweredFromTheStation();
     void createDirectoryMakesIt();
+    void aNameThatIsNoTextIsRefused();
+    void aResultThatCannotBeWrittenIsAFailure();
     void createDirectoryRefusedByTheStation();
     void refusalWithoutASignal();
     void refusedByThePlugin();
@@ -202,6 +204,23 @@ void TestRecordingctl::createDirectoryMakesIt()
     QCOMPARE(call.exitCode, 0);
     QCOMPARE(call.output, "createDirectoryResponded success: true\n");
     QVERIFY(QFileInfo(folder("made")).isDir());
+}
+
+void TestRecordingctl::aNameThatIsNoTextIsRefused()
+{
+    // Through a shell: QProcess hands on text only.
+    const Run call =
+        run({"-c", "exec '" RECORDINGCTL "' mkdir \"$1/$(printf '\\377')\"", "sh", m_folder.path()}, {}, "/bin/sh");
+    QCOMPARE(call.exitCode, 2);
+    QCOMPARE(call.errors, "recordingctl: argument 2 is not valid UTF-8\n");
+    QVERIFY(!QDir(m_folder.path()).exists(QString(QChar::ReplacementCharacter)));
+}
+
+void TestRecordingctl::aResultThatCannotBeWrittenIsAFailure()
+{
+    const Run call = run({"-c", "exec '" RECORDINGCTL "' list > /dev/full"}, {}, "/bin/sh");
+    QCOMPARE(call.exitCode, 2);
+    QCOMPARE(call.errors, "recordingctl: standard output could not be written\n");
 }
 
 void TestRecordingctl::createDirectoryRefusedByTheStation()

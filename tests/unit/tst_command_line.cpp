@@ -87,6 +87,9 @@ void TestCommandLine::refusesWithOneLine_data()
     QTest::newRow("too many paths") << QStringList{"mkdir", "/a", "/b"} << "usage: recordingctl mkdir PATH";
     QTest::newRow("unknown option") << QStringList{"volumes", "--all"}
                                     << "Unknown option 'all'; put -- before arguments that begin with a dash";
+    QTest::newRow("a negative number")
+        << QStringList{"call", "addRecordingGroup", "a", "/srv", "Local", "-2048"}
+        << "\"-2048\" looks like an option; put -- before arguments that begin with a dash";
     QTest::newRow("option without its value")
         << QStringList{"watch", "--count"}
         << "Missing value after '--count'; put -- before arguments that begin with a dash";
