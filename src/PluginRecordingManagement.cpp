@@ -13,7 +13,23 @@
 
 #include <algorithm>
 #include <iterator>
+#include <new>
 #include <utility>
+
+namespace {
+
+// Memory may run out inside Qt, too. What is left of @p work stays undone then; the client goes on.
+template<typename Work>
+void withoutException(Work work)
+{
+    try {
+        work();
+    } catch (const std::bad_alloc &) {
+        return;
+    }
+}
+
+} // namespace
 
 struct PluginRecordingManagement::ListModel
 {
@@ -147,7 +163,7 @@ void PluginRecordingManagement::EventProcessor(QString event, qint64, int, int, 
     const TraceScope scope(__FILE__, "PluginRecordingManagement::EventProcessor", __LINE__);
     if (event != ServerEvent::VolumeChanged)
         return;
-    handleVolumeChanged(data, source);
+    withoutException([&] { handleVolumeChanged(data, source); });
     emit volumeInfoChanged();
 }
 
@@ -163,7 +179,7 @@ void PluginRecordingManagement::CommandProcessor(QString command, QVariant data,
     const auto route = std::find_if(std::begin(replyRoutes), std::end(replyRoutes),
                                     [&command](const ReplyRoute &entry) { return entry.command == command; });
     if (route != std::end(replyRoutes))
-        route->handle(*this, {data, context, returnCode, finish});
+        withoutException([&] { route->handle(*this, {data, context, returnCode, finish}); });
 }
 
 void PluginRecordingManagement::CommandProcessorEx(QString, ConfigBase *, QVariant, void *, QString, QString, bool,
@@ -230,7 +246,7 @@ void PluginRecordingManagement::CreateStationTreeModel(const QVariantMap &statio
 {
     if (!m_treeModel)
         return;
-    m_treeModel->clear();
+    clearRows(m_treeModel.data());
     RowBatch rows(m_treeModel.data());
     rows.add(TreeStationItem(
         station.value(QStringLiteral("name")).toString(), station.value(QStringLiteral("ip")).toString(),

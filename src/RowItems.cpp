@@ -197,9 +197,11 @@ void clearRows(QStandardItemModel *model)
 QStandardItemModel *newListModel(const QHash<int, QByteArray> &roleNames, QObject *parent) noexcept
 {
     return orNull([&]() -> QStandardItemModel * {
-        std::unique_ptr<QStandardItemModel> model(new (std::nothrow) QStandardItemModel(parent));
-        if (model)
-            model->setItemRoleNames(roleNames);
+        std::unique_ptr<QStandardItemModel> model(new (std::nothrow) QStandardItemModel);
+        if (!model)
+            return nullptr;
+        model->setItemRoleNames(roleNames);
+        model->setParent(parent); // last: a child that failed half made would stay in its parent's list
         return model.release();
     });
 }

@@ -16,6 +16,12 @@ struct Watched
 std::array<Watched, 1024> watched; // fixed: the heap itself is under test
 std::size_t watchedCount = 0;
 int allocationsToFailure = -1; // below 0: none is due
+AllocationFailure::Kind failingKind = AllocationFailure::Kind::Nothrow;
+
+bool failsNow(AllocationFailure::Kind kind)
+{
+    return allocationsToFailure >= 0 && kind == failingKind && allocationsToFailure-- == 0;
+}
 
 void *allocate(std::size_t size)
 {
@@ -24,7 +30,7 @@ void *allocate(std::size_t size)
 
 void *allocateOrThrow(std::size_t size)
 {
-    void *const address = allocate(size);
+    void *const address = failsNow(AllocationFailure::Kind::Throwing) ? nullptr : allocate(size);
     if (!address)
         throw std::bad_alloc();
     return address;
@@ -60,8 +66,9 @@ bool isFreed(const void *address)
     return false;
 }
 
-AllocationFailure::AllocationFailure(int nth)
+AllocationFailure::AllocationFailure(int nth, Kind kind)
 {
+    failingKind = kind;
     allocationsToFailure = nth;
 }
 
@@ -87,7 +94,7 @@ void *operator new[](std::size_t size)
 
 void *operator new(std::size_t size, const std::nothrow_t &) noexcept
 {
-    if (allocationsToFailure >= 0 && allocationsToFailure-- == 0)
+    if (failsNow(AllocationFailure::Kind::Nothrow))
         return nullptr;
     return allocate(size);
 }

@@ -9,11 +9,16 @@ void watchAllocation(const void *address);
 /// Whether the object that watchAllocation() follows was freed. False for an address that was never watched.
 bool isFreed(const void *address);
 
-/// While it lives, the nth allocation with std::nothrow fails, counted from 0; every other one goes well.
+/// While it lives, the nth allocation of its kind fails, counted from 0; every other one goes well.
 class AllocationFailure
 {
 public:
-    explicit AllocationFailure(int nth);
+    enum class Kind {
+        Nothrow, ///< with std::nothrow: answers null
+        Throwing, ///< throws std::bad_alloc
+    };
+
+    explicit AllocationFailure(int nth, Kind kind = Kind::Nothrow);
     ~AllocationFailure();
 
     AllocationFailure(const AllocationFailure &) = delete;

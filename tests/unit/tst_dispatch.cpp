@@ -1,4 +1,5 @@
 #include "FakeFramework.h"
+#include "HeapWatch.h"
 #include "PluginRecordingManagement.h"
 #include "RequestContexts.h"
 #include "SignalLog.h"
@@ -8,6 +9,7 @@
 #include <QTest>
 
 #include <functional>
+#include <new>
 
 namespace {
 
@@ -49,6 +51,8 @@ private slots:
     void connectionAsksForThreeThings();
     void connectionForgetsTheUsageModels();
     void everyCommandCarriesTheEnvelope();
+    void noExceptionLeavesWhenMemoryRunsOut_data();
+    void noExceptionLeavesWhenMemoryRunsOut();
 
 private:
     QStringList answer(const QString &command, const QString &returnCode, bool finish = true, const QVariant &data = {},
@@ -280,6 +284,41 @@ void DispatchTest::everyCommandCarriesTheEnvelope()
         QVERIFY(!sent.flag);
         QCOMPARE(sent.relayPath, sent.command == "getVolume" ? "r" : "");
     }
+}
+
+void DispatchTest::noExceptionLeavesWhenMemoryRunsOut_data()
+{
+    QTest::addColumn<QVariant>("data");
+    const QVariantMap entry{{"id", "1"}, {"host", "h"}, {"recordingGroupID", "g"}, {"diskName", "d"}};
+    for (const char *command : {"getVolume", "GetNasServers", "addNASPathsToVolume", "VolumeChanged"})
+        QTest::newRow(command) << QVariant(QVariantList{entry});
+    for (const char *command : {"getServerDir", "GetNasDir"})
+        QTest::newRow(command) << QVariant(QVariantMap{{"dirFolderList", QStringList{"a", "b"}}});
+}
+
+void DispatchTest::noExceptionLeavesWhenMemoryRunsOut()
+{
+    QFETCH(QVariant, data);
+    const QString name = QTest::currentDataTag();
+    m_log.reset();
+    bool happened = true;
+    for (int nth = 0; happened && nth < 200; ++nth) {
+        bool thrown = false;
+        {
+            const AllocationFailure failure(nth, AllocationFailure::Kind::Throwing);
+            try {
+                if (name == "VolumeChanged")
+                    m_plugin->EventProcessor(name, 0, 0, 0, data, {});
+                else
+                    m_plugin->CommandProcessor(name, data, nullptr, "0", {}, true, {});
+            } catch (const std::bad_alloc &) {
+                thrown = true;
+            }
+            happened = failure.happened();
+        }
+        QVERIFY2(!thrown, qPrintable(QString("allocation %1").arg(nth)));
+    }
+    QVERIFY(!happened); // every allocation has had its turn
 }
 
 QTEST_GUILESS_MAIN(DispatchTest)
