@@ -17,5 +17,5 @@ function(add_recording_test name)
     set_tests_properties(${name} PROPERTIES
         TIMEOUT 120
         LABELS "${arg_LABELS}"
-        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;${RECORDING_TEST_ENVIRONMENT};${arg_ENVIRONMENT}")
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;XDG_DATA_HOME=${CMAKE_CURRENT_BINARY_DIR}/${name}.data;${RECORDING_TEST_ENVIRONMENT};${arg_ENVIRONMENT}")
 endfunction()

@@ -1,11 +1,12 @@
 #pragma once
 
-#include "StationMessage.h"
-#include "VolumeSource.h"
+#include "CommandTable.h"
+#include "StationData.h"
+#include "StationSettings.h"
+#include "VolumeCommands.h"
 
 #include <QObject>
 
-#include <functional>
 #include <memory>
 
 /// A recording server: does what commands ask for on the machine that it runs on. Lives on one thread of its own and
@@ -14,24 +15,20 @@ class Station : public QObject
 {
     Q_OBJECT
 public:
-    using Answer = std::function<void(const StationReply &)>;
-
-    /// Serves the volumes that @p volumes names; without one, the storage volumes mounted on this machine.
-    explicit Station(std::unique_ptr<VolumeSource> volumes = {}, QObject *parent = nullptr);
+    explicit Station(StationSettings settings = {}, QObject *parent = nullptr);
     ~Station() override;
 
-    /// Carries @p command out and gives every part of the reply to @p answer, the last with StationReply::finish set.
-    /// A command that the station does not know is answered with a failure.
+    /// Carries @p command out and gives every part of the reply to @p answer, on this thread, the last with
+    /// StationReply::finish set. That may be after the return, and is never after the station's end. A command that the
+    /// station does not know is answered with a failure.
     void handle(const StationCommand &command, const Answer &answer);
 
 signals:
     void eventRaised(const StationEvent &event);
 
 private:
-    void carryOut(const StationCommand &command, const Answer &answer);
-    void getVolume(const QVariant &data, const Answer &answer);
-    void getServerDir(const QVariant &data, const Answer &answer);
-    void createDirectory(const QVariant &data, const Answer &answer);
-
     std::unique_ptr<VolumeSource> m_volumes;
+    StationData m_data;
+    VolumeCommands m_volumeCommands;
+    CommandTable m_commands;
 };

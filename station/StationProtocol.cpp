@@ -15,6 +15,7 @@ const QString StationKey::dirFolderList = QStringLiteral("dirFolderList");
 const QString StationReturnCode::Success = QStringLiteral("0");
 const QString StationReturnCode::UnknownCommand = QStringLiteral("UnknownCommand");
 const QString StationReturnCode::BadRequest = QStringLiteral("BadRequest");
+const QString StationReturnCode::DatabaseFailed = QStringLiteral("DatabaseFailed");
 const QString StationReturnCode::InternalError = QStringLiteral("InternalError");
 const QString StationReturnCode::PathNotAbsolute = QStringLiteral("PathNotAbsolute");
 const QString StationReturnCode::DirectoryNotFound = QStringLiteral("DirectoryNotFound");

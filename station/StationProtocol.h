@@ -29,6 +29,7 @@ extern const QString Success; ///< "0"
 // Any command.
 extern const QString UnknownCommand; ///< the station has no command of that name
 extern const QString BadRequest; ///< the data is not of the type that the command takes
+extern const QString DatabaseFailed; ///< the station could not read or write its database; its log says why
 extern const QString InternalError; ///< the station failed where it should not have, out of memory for instance
 // Paths.
 extern const QString PathNotAbsolute; ///< the path does not start with a slash

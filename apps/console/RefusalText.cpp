@@ -19,6 +19,8 @@ const Refusal refusals[] = {
     {HostReturnCode::Closing, QT_TRANSLATE_NOOP("Refusal", "The console is closing.")},
     {StationReturnCode::UnknownCommand, QT_TRANSLATE_NOOP("Refusal", "The station does not know this command.")},
     {StationReturnCode::BadRequest, QT_TRANSLATE_NOOP("Refusal", "The station did not understand the request.")},
+    {StationReturnCode::DatabaseFailed,
+     QT_TRANSLATE_NOOP("Refusal", "The station could not use its database; its log says why.")},
     {StationReturnCode::InternalError, QT_TRANSLATE_NOOP("Refusal", "The station failed; its log says why.")},
     {StationReturnCode::PathNotAbsolute, QT_TRANSLATE_NOOP("Refusal", "The path has to start with a slash.")},
     {StationReturnCode::DirectoryNotFound, QT_TRANSLATE_NOOP("Refusal", "There is no such folder.")},

@@ -29,7 +29,7 @@ private:
 /// A station whose disk hangs, and which once tells that its volumes changed.
 std::unique_ptr<Station> makeStation()
 {
-    auto station = std::make_unique<Station>(std::make_unique<HangingVolumes>());
+    auto station = std::make_unique<Station>(StationSettings{{}, {}, std::make_unique<HangingVolumes>()});
     const auto tell = [station = station.get()] {
         const QVariantMap volume{{QStringLiteral("volumePath"), QStringLiteral("/srv")}};
         emit station->eventRaised({QStringLiteral("VolumeChanged"), QVariantList{volume}});

@@ -83,7 +83,9 @@ void ClientSessionTest::start(const ClientSession::Options &options)
 ClientSession::Options ClientSessionTest::gated()
 {
     ClientSession::Options options = builtPlugin();
-    options.makeStation = [this] { return std::make_unique<Station>(std::make_unique<GatedVolumes>(*m_gate)); };
+    options.makeStation = [this] {
+        return std::make_unique<Station>(StationSettings{{}, {}, std::make_unique<GatedVolumes>(*m_gate)});
+    };
     return options;
 }
 

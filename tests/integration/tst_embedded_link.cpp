@@ -54,7 +54,7 @@ void EmbeddedLinkTest::init()
     const auto makeStation = [this] {
         ++m_stations;
         m_birthThread = QThread::currentThread();
-        auto station = std::make_unique<Station>(std::make_unique<GatedVolumes>(*m_gate));
+        auto station = std::make_unique<Station>(StationSettings{{}, {}, std::make_unique<GatedVolumes>(*m_gate)});
         m_station = station.get();
         return station;
     };

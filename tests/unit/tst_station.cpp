@@ -84,7 +84,7 @@ void StationTest::anUnknownCommandIsRefused_data()
 void StationTest::anUnknownCommandIsRefused()
 {
     QFETCH(QString, name);
-    Station station(std::make_unique<FakeVolumes>(twoVolumes));
+    Station station(StationSettings{{}, {}, std::make_unique<FakeVolumes>(twoVolumes)});
     const QList<StationReply> parts = replies(station, name, QStringLiteral("/"));
     QCOMPARE(parts.size(), 1);
     QCOMPARE(parts.front().returnCode, QStringLiteral("UnknownCommand"));
@@ -112,7 +112,7 @@ void StationTest::dataOfTheWrongTypeIsRefused()
 {
     QFETCH(QString, name);
     QFETCH(QVariant, data);
-    Station station(std::make_unique<FakeVolumes>(twoVolumes));
+    Station station(StationSettings{{}, {}, std::make_unique<FakeVolumes>(twoVolumes)});
     const QList<StationReply> parts = replies(station, name, data);
     QCOMPARE(parts.size(), 1);
     QCOMPARE(parts.front().returnCode, QStringLiteral("BadRequest"));
@@ -122,7 +122,7 @@ void StationTest::dataOfTheWrongTypeIsRefused()
 
 void StationTest::volumesAreMapsWithSizesInKilobytes()
 {
-    Station station(std::make_unique<FakeVolumes>(twoVolumes));
+    Station station(StationSettings{{}, {}, std::make_unique<FakeVolumes>(twoVolumes)});
     const QList<StationReply> parts = replies(station, QStringLiteral("getVolume"));
     QCOMPARE(parts.size(), 1);
     QCOMPARE(parts.front().returnCode, QStringLiteral("0"));
@@ -152,7 +152,7 @@ void StationTest::volumesAreMapsWithSizesInKilobytes()
 
 void StationTest::noVolumesAreAnEmptyList()
 {
-    Station station(std::make_unique<FakeVolumes>());
+    Station station(StationSettings{{}, {}, std::make_unique<FakeVolumes>()});
     const QList<StationReply> parts = replies(station, QStringLiteral("getVolume"));
     QCOMPARE(parts.size(), 1);
     QCOMPARE(parts.front().returnCode, QStringLiteral("0"));
@@ -173,7 +173,7 @@ void StationTest::anExceptionBecomesAFailure()
 {
     QFETCH(QString, name);
     QFETCH(QVariant, data);
-    Station station(std::make_unique<ThrowingVolumes>());
+    Station station(StationSettings{{}, {}, std::make_unique<ThrowingVolumes>()});
     const QList<StationReply> parts = replies(station, name, data);
     QCOMPARE(parts.size(), 1);
     QCOMPARE(parts.front().returnCode, QStringLiteral("InternalError"));
@@ -183,7 +183,7 @@ void StationTest::anExceptionBecomesAFailure()
 
 void StationTest::anAnswerThatThrowsIsNotGivenTwice()
 {
-    Station station(std::make_unique<FakeVolumes>(twoVolumes));
+    Station station(StationSettings{{}, {}, std::make_unique<FakeVolumes>(twoVolumes)});
     int count = 0;
     station.handle({QStringLiteral("getVolume"), {}}, [&count](const StationReply &) {
         ++count;
@@ -194,7 +194,7 @@ void StationTest::anAnswerThatThrowsIsNotGivenTwice()
 
 void StationTest::aMissingAnswerDoesNoHarm()
 {
-    Station station(std::make_unique<FakeVolumes>(twoVolumes));
+    Station station(StationSettings{{}, {}, std::make_unique<FakeVolumes>(twoVolumes)});
     station.handle({QStringLiteral("getVolume"), {}}, {});
     QCOMPARE(replies(station, QStringLiteral("getVolume")).size(), 1);
 }

@@ -102,10 +102,13 @@ void StationDirectoriesTest::init()
     QVERIFY(m_folder->isValid());
     QVERIFY(m_elsewhere->isValid());
     QVERIFY(setMode(m_folder->path(), 0755));
-    m_station = std::make_unique<Station>(std::make_unique<FakeVolumes>(QList<Volume>{
-        {m_folder->path(), QStringLiteral("Recordings"), 4096, 2048, false, false},
-        {path(QStringLiteral("read-only")), QStringLiteral("Archive"), 4096, 2048, false, true},
-    }));
+    m_station = std::make_unique<Station>(
+        StationSettings{{},
+                        {},
+                        std::make_unique<FakeVolumes>(QList<Volume>{
+                            {m_folder->path(), QStringLiteral("Recordings"), 4096, 2048, false, false},
+                            {path(QStringLiteral("read-only")), QStringLiteral("Archive"), 4096, 2048, false, true},
+                        })});
 }
 
 void StationDirectoriesTest::cleanup()

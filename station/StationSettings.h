@@ -1,0 +1,22 @@
+#pragma once
+
+#include "VolumeSource.h"
+
+#include <QString>
+
+#include <memory>
+
+/// What tells one station from another.
+struct StationSettings
+{
+    /// The folder of everything that the station must not forget, made when it is missing. Empty:
+    /// defaultStationFolder().
+    QString dataFolder;
+    /// Under which relay path clients know the station; empty where it is connected directly.
+    QString relayPath;
+    /// Null: the storage volumes mounted on this machine.
+    std::unique_ptr<VolumeSource> volumes;
+};
+
+/// "recording-station" below the folder where this user's programs keep their data.
+QString defaultStationFolder();

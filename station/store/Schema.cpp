@@ -1,0 +1,82 @@
+#include "Schema.h"
+
+#include "Database.h"
+
+#include <iterator>
+
+namespace {
+struct Step
+{
+    const char *subject;
+    const char *statements; // separated by semicolons
+};
+
+constexpr Step steps[] = {
+    {"cameras and recording groups", R"(
+        CREATE TABLE camera (
+            name TEXT PRIMARY KEY,
+            streams INTEGER NOT NULL);
+        CREATE TABLE recording_group (
+            number INTEGER PRIMARY KEY,
+            id TEXT NOT NULL UNIQUE,
+            name TEXT NOT NULL UNIQUE,
+            folder TEXT NOT NULL UNIQUE,
+            reserved_minutes INTEGER NOT NULL,
+            reserved_time_enabled INTEGER NOT NULL);
+        CREATE TABLE group_path (
+            number INTEGER PRIMARY KEY,
+            group_number INTEGER NOT NULL REFERENCES recording_group ON DELETE CASCADE,
+            path TEXT NOT NULL,
+            kind INTEGER NOT NULL,
+            reserved_megabytes INTEGER NOT NULL,
+            recovery INTEGER NOT NULL,
+            UNIQUE (group_number, path));
+        CREATE TABLE group_member (
+            number INTEGER PRIMARY KEY,
+            group_number INTEGER NOT NULL REFERENCES recording_group ON DELETE CASCADE,
+            camera TEXT NOT NULL REFERENCES camera,
+            stream INTEGER NOT NULL,
+            time_shift INTEGER NOT NULL,
+            seamless INTEGER NOT NULL,
+            UNIQUE (group_number, camera, stream));
+        CREATE TABLE group_node (
+            number INTEGER PRIMARY KEY,
+            group_number INTEGER NOT NULL REFERENCES recording_group ON DELETE CASCADE,
+            node TEXT NOT NULL,
+            UNIQUE (group_number, node)))"},
+};
+
+int version(Database &database)
+{
+    QSqlQuery query = database.run(QStringLiteral("PRAGMA user_version"));
+    query.next();
+    return query.value(0).toInt();
+}
+
+void take(Database &database, const Step &step)
+{
+    const QStringList statements = QString::fromUtf8(step.statements).split(u';');
+    for (const QString &statement : statements)
+        database.run(statement);
+}
+} // namespace
+
+void updateSchema(Database &database)
+{
+    constexpr int newest = std::size(steps);
+    while (version(database) < newest) {
+        Transaction transaction(database);
+        const int taken = version(database); // another process may have been quicker
+        if (taken >= newest)
+            break;
+        take(database, steps[taken]);
+        database.run(QStringLiteral("PRAGMA user_version = %1").arg(taken + 1));
+        transaction.commit();
+    }
+    const int found = version(database);
+    if (found > newest) {
+        throw DatabaseError(QStringLiteral("A newer station wrote the database: it has version %1, expected %2 at most")
+                                .arg(found)
+                                .arg(newest));
+    }
+}

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QString>
+
+class Database;
+
+/// Brings the tables of @p database up to date, one version after the other, each in a transaction of its own.
+///
+/// The version is the number of steps taken, kept in SQLite's user_version. A step that was published is never changed;
+/// what comes later is a step behind it. Throws DatabaseError where a newer station wrote the database.
+void updateSchema(Database &database);
