@@ -46,4 +46,26 @@ extern const QString VolumeReadOnly; ///< nothing can be written there
 extern const QString VolumeFull; ///< no space, or no quota, is left
 extern const QString PermissionDenied; ///< the station's user may not write there
 extern const QString CannotCreate; ///< any other failure, of the disk for instance
+// Recording groups and cameras.
+extern const QString RecordingGroupNotFound; ///< no recording group has that id
+extern const QString EmptyRecordingGroupName; ///< a recording group needs a name
+extern const QString RecordingGroupNameInUse; ///< another recording group has that name
+extern const QString PathNotWritable; ///< a small file could not be written into the folder; "reason" says why
+extern const QString PathTypeRefused; ///< there is no such kind of path, or the path is not written as that kind is
+extern const QString PathInGroup; ///< the recording group has that path already
+extern const QString PathNotInGroup; ///< the recording group has no such path
+extern const QString ReservedSpaceRefused; ///< the reserved space is negative or no multiple of 1024 MB
+extern const QString
+    ReservedSpaceExceedsVolume; ///< the reserves of all recording groups on that volume come to more than it holds
+extern const QString LastPathOfGroup; ///< a recording group with members needs a path
+extern const QString ReservedTimeRefused; ///< the reserved time applies and is below one minute
+extern const QString CameraNotFound; ///< the station has no camera of that name
+extern const QString StreamNotFound; ///< the camera has no stream of that index
+extern const QString CameraInGroup; ///< the recording group has that stream of the camera already
+extern const QString CameraNotInGroup; ///< the recording group has no such member
+extern const QString UnknownStation; ///< the relay path names another station
+extern const QString EmptyCameraName; ///< a camera needs a name
+extern const QString CameraExists; ///< a camera of that name exists
+extern const QString CameraInUse; ///< a recording group has the camera among its members
+extern const QString SiteNotEmpty; ///< the station has cameras or recording groups already
 } // namespace StationReturnCode
