@@ -95,3 +95,17 @@ void Transaction::commit()
     m_database.run(QStringLiteral("COMMIT"));
     m_isOpen = false;
 }
+
+Snapshot::Snapshot(Database &database)
+    : m_database(database)
+{
+    m_database.run(QStringLiteral("SAVEPOINT snapshot"));
+}
+
+Snapshot::~Snapshot()
+{
+    try {
+        m_database.run(QStringLiteral("RELEASE snapshot"));
+    } catch (const DatabaseError &) { // SQLite ended it by itself
+    }
+}

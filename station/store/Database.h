@@ -56,3 +56,17 @@ private:
     Database &m_database;
     bool m_isOpen = true;
 };
+
+/// Everything that is read during its life is of one moment, whatever others commit meanwhile. May stand within a
+/// Transaction and within another Snapshot.
+class Snapshot
+{
+public:
+    explicit Snapshot(Database &database);
+    ~Snapshot();
+    Snapshot(const Snapshot &) = delete;
+    Snapshot &operator=(const Snapshot &) = delete;
+
+private:
+    Database &m_database;
+};
