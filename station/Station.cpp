@@ -1,6 +1,7 @@
 #include "Station.h"
 
 #include "MountedVolumes.h"
+#include "RequestMap.h"
 #include "StationLog.h"
 #include "StationProtocol.h"
 #include "store/Database.h"
@@ -24,9 +25,14 @@ Station::Station(StationSettings settings, QObject *parent)
     : QObject(parent)
     , m_volumes(settings.volumes ? std::move(settings.volumes) : std::make_unique<MountedVolumes>())
     , m_data(settings.dataFolder)
+    , m_localPaths(*m_volumes)
     , m_volumeCommands(*m_volumes)
+    , m_groupCommands(m_data, PathChecks{&m_localPaths, nullptr, nullptr}, settings.relayPath)
+    , m_cameraCommands(m_data)
 {
     m_volumeCommands.enterInto(m_commands);
+    m_groupCommands.enterInto(m_commands);
+    m_cameraCommands.enterInto(m_commands);
 }
 
 Station::~Station() = default;
@@ -41,6 +47,9 @@ void Station::handle(const StationCommand &command, const Answer &answer)
             part(lastPart(StationReturnCode::UnknownCommand));
         else
             (*handler)(command.data, part);
+    } catch (const BadRequest &error) {
+        qCInfo(stationLog, "%s: %s", qPrintable(command.name), error.what());
+        part(lastPart(StationReturnCode::BadRequest));
     } catch (const DatabaseError &error) {
         qCWarning(stationLog, "%s: %s", qPrintable(command.name), error.what());
         part(lastPart(StationReturnCode::DatabaseFailed));

@@ -4,6 +4,9 @@
 #include "StationData.h"
 #include "StationSettings.h"
 #include "VolumeCommands.h"
+#include "groups/CameraCommands.h"
+#include "groups/GroupCommands.h"
+#include "groups/LocalPaths.h"
 
 #include <QObject>
 
@@ -29,6 +32,9 @@ signals:
 private:
     std::unique_ptr<VolumeSource> m_volumes;
     StationData m_data;
+    LocalPaths m_localPaths;
     VolumeCommands m_volumeCommands;
+    GroupCommands m_groupCommands;
+    CameraCommands m_cameraCommands;
     CommandTable m_commands;
 };

@@ -10,9 +10,24 @@ namespace StationCommandName {
 extern const QString getVolume;
 extern const QString getServerDir;
 extern const QString createDirectory;
+extern const QString getRecordingGroup;
+extern const QString retrieveRecordingGroupTreeModel;
+extern const QString addRecordingGroup;
+extern const QString addPathToRecordingGroup;
+extern const QString removePathFromRecordingGroup;
+extern const QString removeRecordingGroup;
+extern const QString addRecordingGroupWithCompleteInfo;
+extern const QString updateRecordingGroup;
 } // namespace StationCommandName
 
-/// Keys of what the station answers.
+/// Commands of the station's own, which begin with "station.": for whoever sets it up.
+namespace StationOwnCommandName {
+extern const QString listCameras; ///< "station.listCameras"
+extern const QString addCamera; ///< "station.addCamera"
+extern const QString removeCamera; ///< "station.removeCamera"
+} // namespace StationOwnCommandName
+
+/// Keys of what the station is asked and of what it answers.
 namespace StationKey {
 extern const QString volumePath;
 extern const QString volumeName;
@@ -21,6 +36,41 @@ extern const QString volumeAvailableSize;
 extern const QString volumeIsSystem;
 extern const QString basePath;
 extern const QString dirFolderList;
+extern const QString relayPath;
+extern const QString recordingGroupID;
+extern const QString recordingGroupIDList;
+extern const QString recordingGroupName;
+extern const QString recordingGroupPathList;
+extern const QString recordingGroupNASPathList;
+extern const QString recordingGroupRecoveryPathList;
+extern const QString recordingGroupNodeIdList;
+extern const QString recordingGroupMemberList;
+extern const QString recordingGroupReservedTime;
+extern const QString recordingGroupReservedTimeEnabled;
+extern const QString reserveSpace;
+extern const QString path;
+extern const QString pathType;
+extern const QString isRecoveryMode;
+extern const QString pathInfoList;
+extern const QString deviceInfos;
+extern const QString updateRmCameraList;
+extern const QString updateAddCameraList;
+extern const QString updateRmPathList;
+extern const QString updateAddPathList;
+extern const QString updateSetPathList;
+extern const QString updateSetRecordingGroup;
+extern const QString camName;
+extern const QString streamIndex;
+extern const QString enableTimeShift;
+extern const QString enableSeamless;
+extern const QString streams;
+extern const QString keptBytes;
+extern const QString errorAction;
+extern const QString element;
+extern const QString index;
+extern const QString value;
+extern const QString returnCode;
+extern const QString reason;
 } // namespace StationKey
 
 /// What a StationReply says in its return code: "0" for success, else one word for each kind of refusal.
@@ -57,6 +107,7 @@ extern const QString PathNotInGroup; ///< the recording group has no such path
 extern const QString ReservedSpaceRefused; ///< the reserved space is negative or no multiple of 1024 MB
 extern const QString
     ReservedSpaceExceedsVolume; ///< the reserves of all recording groups on that volume come to more than it holds
+extern const QString NasServerNotFound; ///< no NAS server is known under the host of the path
 extern const QString LastPathOfGroup; ///< a recording group with members needs a path
 extern const QString ReservedTimeRefused; ///< the reserved time applies and is below one minute
 extern const QString CameraNotFound; ///< the station has no camera of that name

@@ -50,6 +50,8 @@ const Refusal refusals[] = {
      QT_TRANSLATE_NOOP("Refusal", "The reserved space has to be a multiple of 1024 MB, or 0.")},
     {StationReturnCode::ReservedSpaceExceedsVolume,
      QT_TRANSLATE_NOOP("Refusal", "All reserves on this volume together would be more than it holds.")},
+    {StationReturnCode::NasServerNotFound,
+     QT_TRANSLATE_NOOP("Refusal", "The station knows no NAS server of this name.")},
     {StationReturnCode::LastPathOfGroup, QT_TRANSLATE_NOOP("Refusal", "A group with cameras needs at least one path.")},
     {StationReturnCode::ReservedTimeRefused,
      QT_TRANSLATE_NOOP("Refusal", "The reserved time has to be at least one minute.")},

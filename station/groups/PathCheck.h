@@ -9,6 +9,7 @@ struct PathFacts
     QString reason; ///< why it cannot be written, a word of StationReturnCode; empty otherwise
     QString volume; ///< the same for all paths that share their space
     qint64 bytesTotal = 0; ///< what that volume holds
+    QString folder; ///< the same for all paths that lead to the same folder, by a link for instance; may be empty
 };
 
 /// Looks at places on storage of one kind. Asked on the station's thread; may block there, for a bounded time.
@@ -22,4 +23,21 @@ public:
     virtual PathFacts look(const QString &path) const = 0;
     /// Only the volume of @p path and its size, without touching it; returnCode "0" where they are known.
     virtual PathFacts volumeOf(const QString &path) const = 0;
+    /// The bytes of the files below @p folder, links not followed; 0 where it is missing or they cannot be counted.
+    virtual qint64 bytesBelow(const QString &folder) const;
+};
+
+/// Who looks at paths of which kind. Without anybody for it, a path is refused with NasServerNotFound. Not owned.
+struct PathChecks
+{
+    const PathCheck *local = nullptr;
+    const PathCheck *netHost = nullptr;
+    const PathCheck *netDomain = nullptr;
+
+    PathFacts look(PathKind kind, const QString &path) const;
+    PathFacts volumeOf(PathKind kind, const QString &path) const;
+    qint64 bytesBelow(PathKind kind, const QString &folder) const;
+
+private:
+    const PathCheck *of(PathKind kind) const;
 };

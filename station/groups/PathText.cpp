@@ -1,0 +1,32 @@
+#include "PathText.h"
+
+#include "StationProtocol.h"
+
+namespace {
+bool beginsOnTheNetwork(const QString &path)
+{
+    return path.size() > 2 && path.startsWith(QStringLiteral("//")) && path.at(2) != u'/';
+}
+} // namespace
+
+QString keptPath(const QString &path)
+{
+    const QString slashes = QString(path).replace(u'\\', u'/');
+    const QString names = slashes.split(u'/', Qt::SkipEmptyParts).join(u'/');
+    if (beginsOnTheNetwork(slashes))
+        return QStringLiteral("//") + names;
+    return slashes.startsWith(u'/') ? u'/' + names : names;
+}
+
+QString checkPathText(const QString &path, PathKind kind)
+{
+    const QStringList names = path.split(u'/', Qt::SkipEmptyParts);
+    if (names.contains(QStringLiteral(".")) || names.contains(QStringLiteral("..")))
+        return StationReturnCode::NameRefused;
+    if (kind != PathKind::Local)
+        return beginsOnTheNetwork(path) && names.size() > 1 ? StationReturnCode::Success
+                                                            : StationReturnCode::PathTypeRefused;
+    if (beginsOnTheNetwork(path))
+        return StationReturnCode::PathTypeRefused;
+    return path.startsWith(u'/') ? StationReturnCode::Success : StationReturnCode::PathNotAbsolute;
+}
