@@ -2,7 +2,10 @@
 
 #include "PluginHost.h"
 #include "Station.h"
+#include "companions/StationPlugin.h"
+#include "companions/StatusMonitorPlugin.h"
 #include "framework/PluginBase.h"
+#include "link/StationCalls.h"
 
 #include <utility>
 
@@ -30,10 +33,19 @@ bool ClientSession::start(const Options &options)
         m_error = host.error();
         return false;
     }
-    const auto thisMachine = [] { return std::make_unique<Station>(); };
+    const auto thisMachine = [folder = options.dataFolder, relayPath = options.relayPath] {
+        return std::make_unique<Station>(StationSettings{folder, relayPath, {}});
+    };
     m_link = std::make_unique<EmbeddedLink>(options.makeStation ? options.makeStation : thisMachine, options.relayPath);
+    m_stationCalls = std::make_unique<StationCalls>(*m_link);
+    m_stationCalls->setReplyTimeout(options.replyTimeout);
+    m_stationPlugin = std::make_unique<StationPlugin>(options.stationName, options.relayPath);
+    m_statusMonitor = std::make_unique<StatusMonitorPlugin>();
     m_framework = std::make_unique<HostFramework>(*m_link);
     m_framework->setReplyTimeout(options.replyTimeout);
+    m_framework->addPluginObject(StationPlugin::pluginId, m_stationPlugin.get());
+    m_framework->addPluginObject(StatusMonitorPlugin::pluginId, m_statusMonitor.get());
+    connect(m_framework.get(), &HostFramework::eventDelivered, this, &ClientSession::reportGroups);
     if (!m_framework->attach(m_plugin.get(), host.pluginId())) {
         m_error = QStringLiteral("The plug-in %1 could not be initialised.").arg(host.fileName());
         stop();
@@ -50,7 +62,21 @@ void ClientSession::stop()
         m_framework->close(); // while the plug-in lives: it takes its contexts back
     m_plugin.reset();
     m_framework.reset();
+    m_statusMonitor.reset();
+    m_stationPlugin.reset();
+    m_stationCalls.reset();
     m_link.reset();
+}
+
+void ClientSession::reportGroups(const QString &event, const QVariant &data, const QString &source)
+{
+    if (event != QStringLiteral("VolumeChanged"))
+        return;
+    QSet<QString> groupIds;
+    const QVariantList entries = data.toList();
+    for (const QVariant &entry : entries)
+        groupIds.insert(entry.toMap().value(QStringLiteral("recordingGroupID")).toString());
+    m_statusMonitor->keepGroups(source, groupIds);
 }
 
 QString ClientSession::error() const
@@ -66,6 +92,16 @@ QObject *ClientSession::plugin() const
 HostFramework *ClientSession::framework() const
 {
     return m_framework.get();
+}
+
+StationCalls *ClientSession::stationCalls() const
+{
+    return m_stationCalls.get();
+}
+
+StatusMonitorPlugin *ClientSession::statusMonitor() const
+{
+    return m_statusMonitor.get();
 }
 
 bool ClientSession::isConnected() const

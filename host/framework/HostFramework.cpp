@@ -1,17 +1,11 @@
 #include "HostFramework.h"
 
-#include "HostReturnCode.h"
-
-#include <algorithm>
-
 HostFramework::HostFramework(StationLink &link, QObject *parent)
     : QObject(parent)
     , m_link(link)
+    , m_sender(link, CommandSender::Range::Plugins)
 {
-    m_timer.setSingleShot(true);
-    connect(&m_timer, &QTimer::timeout, this, &HostFramework::refuseOverdue);
     connect(&m_link, &StationLink::upChanged, this, &HostFramework::changeUp);
-    connect(&m_link, &StationLink::replyReceived, this, &HostFramework::deliverReply);
     connect(&m_link, &StationLink::eventReceived, this, &HostFramework::deliverEvent);
 }
 
@@ -22,7 +16,7 @@ HostFramework::~HostFramework()
 
 void HostFramework::setReplyTimeout(std::chrono::milliseconds timeout)
 {
-    m_replyTimeout = std::max(timeout, std::chrono::milliseconds(1));
+    m_sender.setReplyTimeout(timeout);
 }
 
 bool HostFramework::attach(PluginBase *plugin, const QString &pluginId, QQmlContext *context)
@@ -48,7 +42,7 @@ void HostFramework::close()
 {
     m_closed = true;
     m_link.disconnect(this);
-    refuseAll(m_outstanding.keys(), HostReturnCode::Closing);
+    m_sender.close();
 }
 
 bool HostFramework::SendCommand(void *, const QString &pluginId, const QString &command, const QVariant &data,
@@ -57,15 +51,10 @@ bool HostFramework::SendCommand(void *, const QString &pluginId, const QString &
     const QPointer<PluginBase> plugin = m_plugins.value(pluginId);
     if (m_closed || !plugin)
         return false;
-    const quint64 correlation = ++m_lastCorrelation;
-    m_outstanding.insert(correlation, {plugin, command, context, relayPath, QDeadlineTimer(m_replyTimeout)});
-    if (m_link.isUp()) {
-        watchDeadline();
-        m_link.send(correlation, relayPath, {command, data});
-    } else {
-        const auto refuse = [this, correlation] { deliverReply(correlation, {HostReturnCode::LinkDown, {}}); };
-        QMetaObject::invokeMethod(this, refuse, Qt::QueuedConnection);
-    }
+    const Command sent{plugin, command, context, relayPath};
+    m_sender.send(relayPath, {command, data}, [this, sent](quint64 correlation, const StationReply &part) {
+        deliverPart(sent, correlation, part);
+    });
     return true;
 }
 
@@ -82,10 +71,8 @@ QList<QPointer<PluginBase>> HostFramework::plugins() const
 
 void HostFramework::changeUp(bool up)
 {
-    if (!up) {
-        refuseAll(m_outstanding.keys(), HostReturnCode::LinkDown);
+    if (!up)
         return;
-    }
     const auto connected = plugins();
     for (const QPointer<PluginBase> &plugin : connected) {
         if (plugin && !m_closed)
@@ -103,52 +90,13 @@ void HostFramework::deliverEvent(const QString &relayPath, const StationEvent &e
     emit eventDelivered(event.name, event.data, relayPath);
 }
 
-void HostFramework::deliverReply(quint64 correlation, const StationReply &reply)
+void HostFramework::deliverPart(const Command &command, quint64 correlation, const StationReply &part)
 {
-    const auto found = m_outstanding.find(correlation);
-    if (found == m_outstanding.end())
-        return; // late or once too often
-    const Command command = *found;
-    if (reply.finish) {
-        m_outstanding.erase(found);
-    } else {
-        found->deadline = QDeadlineTimer(m_replyTimeout);
-        watchDeadline();
-    }
     if (!command.plugin)
         return;
-    emit commandAnswered(command.name, reply.returnCode, reply.data, reply.finish);
+    emit commandAnswered(command.name, part.returnCode, part.data, part.finish);
     // A slot may have closed the framework: then the last part went out already, and nothing may follow it.
-    if (command.plugin && (reply.finish || m_outstanding.contains(correlation)))
-        command.plugin->CommandProcessor(command.name, reply.data, command.context, reply.returnCode, {}, reply.finish,
+    if (command.plugin && (part.finish || m_sender.isOutstanding(correlation)))
+        command.plugin->CommandProcessor(command.name, part.data, command.context, part.returnCode, {}, part.finish,
                                          command.relayPath);
-}
-
-void HostFramework::refuseAll(const QList<quint64> &correlations, const QString &returnCode)
-{
-    for (const quint64 correlation : correlations)
-        deliverReply(correlation, {returnCode, {}});
-}
-
-void HostFramework::watchDeadline()
-{
-    if (!m_timer.isActive() || m_timer.remainingTimeAsDuration() > m_replyTimeout)
-        m_timer.start(m_replyTimeout);
-}
-
-void HostFramework::refuseOverdue()
-{
-    QList<quint64> overdue;
-    for (auto command = m_outstanding.cbegin(); command != m_outstanding.cend(); ++command) {
-        if (command->deadline.hasExpired())
-            overdue.append(command.key());
-    }
-    refuseAll(overdue, HostReturnCode::NoAnswer);
-    if (m_outstanding.isEmpty())
-        return;
-    const auto earliest =
-        std::min_element(m_outstanding.cbegin(), m_outstanding.cend(),
-                         [](const Command &one, const Command &other) { return one.deadline < other.deadline; });
-    m_timer.start(std::max(std::chrono::ceil<std::chrono::milliseconds>(earliest->deadline.remainingTimeAsDuration()),
-                           std::chrono::milliseconds(1)));
 }

@@ -2,14 +2,12 @@
 
 #include "framework/FrameworkWrapperBase.h"
 #include "framework/PluginBase.h"
-#include "link/StationLink.h"
+#include "link/CommandSender.h"
 
-#include <QDeadlineTimer>
 #include <QHash>
 #include <QList>
 #include <QMap>
 #include <QPointer>
-#include <QTimer>
 
 #include <chrono>
 
@@ -63,23 +61,16 @@ private:
         QString name;
         void *context; // the plug-in's, again with the last part of the answer
         QString relayPath;
-        QDeadlineTimer deadline;
     };
 
     QList<QPointer<PluginBase>> plugins() const;
     void changeUp(bool up);
     void deliverEvent(const QString &relayPath, const StationEvent &event);
-    void deliverReply(quint64 correlation, const StationReply &reply);
-    void refuseAll(const QList<quint64> &correlations, const QString &returnCode);
-    void watchDeadline();
-    void refuseOverdue();
+    void deliverPart(const Command &command, quint64 correlation, const StationReply &part);
 
     StationLink &m_link;
+    CommandSender m_sender;
     QMap<QString, QPointer<PluginBase>> m_plugins; // by plug-in identifier
     QHash<QString, QPointer<QObject>> m_pluginObjects; // likewise
-    QMap<quint64, Command> m_outstanding; // by correlation, that is in the order of sending
-    quint64 m_lastCorrelation = 0;
-    std::chrono::milliseconds m_replyTimeout = std::chrono::seconds(30);
-    QTimer m_timer; // fires no later than the earliest deadline
     bool m_closed = false;
 };

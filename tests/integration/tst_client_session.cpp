@@ -1,7 +1,9 @@
 #include "ClientSession.h"
 #include "GatedVolumes.h"
 #include "Station.h"
+#include "companions/StatusMonitorPlugin.h"
 #include "framework/HostReturnCode.h"
+#include "link/StationCalls.h"
 
 #include <QAbstractItemModel>
 #include <QDir>
@@ -9,6 +11,8 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <atomic>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -34,6 +38,9 @@ private slots:
     void folderIsMade();
     void refusedFolderTellsWhy();
 
+    void stationIsTheRootOfTheTree();
+    void stationAnswersItsOwnCommands();
+    void alarmsFollowTheStation();
     void stationUnderItsRelayPath();
     void slowStationLeavesTheEventLoopFree();
     void silentStationIsAnsweredFor();
@@ -120,6 +127,8 @@ void ClientSessionTest::nothingIsThereBeforeTheStart()
 {
     QVERIFY(!m_session->plugin());
     QVERIFY(!m_session->framework());
+    QVERIFY(!m_session->stationCalls());
+    QVERIFY(!m_session->statusMonitor());
     QVERIFY(!m_session->isConnected());
     QVERIFY(m_session->error().isEmpty());
 }
@@ -255,6 +264,63 @@ void ClientSessionTest::refusedFolderTellsWhy()
     QVERIFY(!words.isEmpty());
     QVERIFY(words != u"0");
     QVERIFY(words != HostReturnCode::LinkDown);
+}
+
+void ClientSessionTest::stationIsTheRootOfTheTree()
+{
+    ClientSession::Options options = builtPlugin();
+    options.relayPath = u"relay-7"_s;
+    options.stationName = u"North"_s;
+    start(options);
+    bool accepted = false;
+    QVERIFY(QMetaObject::invokeMethod(m_session->plugin(), "retrieveRecordingGroupTreeModel",
+                                      Q_RETURN_ARG(bool, accepted)));
+    QVERIFY(accepted);
+    const QList<QVariantMap> stations = rows("getRecordingGroupTreeModel");
+    QCOMPARE(stations.size(), 1);
+    QCOMPARE(stations.first().value(u"nameRole"_s), QVariant(u"North"_s));
+    QCOMPARE(stations.first().value(u"relayPathRole"_s), QVariant(u"relay-7"_s));
+}
+
+void ClientSessionTest::stationAnswersItsOwnCommands()
+{
+    start(builtPlugin());
+    QStringList codes;
+    const auto note = [&codes](const StationReply &part) { codes.append(part.returnCode); };
+    QVERIFY(m_session->stationCalls()->send(u"getVolume"_s, {}, m_session.get(), note));
+    QVERIFY(m_session->stationCalls()->send(u"station.dance"_s, {}, m_session.get(), note));
+    QTRY_COMPARE(codes, (QStringList{u"0"_s, u"UnknownCommand"_s}));
+    QVERIFY(m_session->stationCalls()->send(u"getVolume"_s, {}, m_session.get(), note, u"relay-8"_s));
+    QTRY_COMPARE(codes.size(), 3);
+    QCOMPARE(codes.last(), u"UnknownStation"_s);
+}
+
+void ClientSessionTest::alarmsFollowTheStation()
+{
+    std::atomic<Station *> station = nullptr;
+    ClientSession::Options options = gated();
+    options.makeStation = [&station, make = options.makeStation] {
+        auto made = make();
+        station = made.get();
+        return made;
+    };
+    start(options);
+    const auto change = [&station](const QVariantList &entries) {
+        Station *const raiser = station;
+        const auto raise = [raiser, entries] { emit raiser->eventRaised({u"VolumeChanged"_s, entries}); };
+        QMetaObject::invokeMethod(raiser, raise, Qt::QueuedConnection);
+    };
+    const auto group = [](const QString &id) {
+        return QVariantMap{{u"recordingGroupID"_s, id},      {u"recordingGroupReservedTime"_s, 4320},
+                           {u"volumeRecordedDays"_s, 1},     {u"volumeOneDayUsage"_s, 1024 * 1024},
+                           {u"volumeAvailableSize"_s, 1024}, {u"volumeSize"_s, 0}};
+    };
+    StatusMonitorPlugin *const monitor = m_session->statusMonitor();
+    change({group(u"1"_s), group(u"2"_s)});
+    QTRY_COMPARE(monitor->alarms().size(), 2);
+    change({group(u"2"_s)}); // the first was removed
+    QTRY_COMPARE(monitor->alarms().size(), 1);
+    QCOMPARE(monitor->alarms().first().groupId, u"2"_s);
 }
 
 void ClientSessionTest::stationUnderItsRelayPath()

@@ -1,0 +1,120 @@
+#include "StatusMonitorPlugin.h"
+
+#include <algorithm>
+#include <utility>
+
+const QString StatusMonitorPlugin::pluginId = QStringLiteral("{CA5B02D6-F3E0-4FD7-A55C-17F425D5B415}");
+
+int StatusMonitorPlugin::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(m_alarms.size());
+}
+
+QVariant StatusMonitorPlugin::data(const QModelIndex &index, int role) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
+        return {};
+    const Alarm &alarm = m_alarms.at(index.row());
+    switch (role) {
+    case SourceRole:
+        return alarm.source;
+    case KindRole:
+        return QVariant::fromValue(alarm.kind);
+    case GroupIdRole:
+        return alarm.groupId;
+    case GroupNameRole:
+        return alarm.groupName;
+    case SinceRole:
+        return alarm.since;
+    default:
+        return {};
+    }
+}
+
+QHash<int, QByteArray> StatusMonitorPlugin::roleNames() const
+{
+    return {{SourceRole, "sourceRole"},
+            {KindRole, "kindRole"},
+            {GroupIdRole, "groupIdRole"},
+            {GroupNameRole, "groupNameRole"},
+            {SinceRole, "sinceRole"}};
+}
+
+void StatusMonitorPlugin::removeVolumeError(const QString &source)
+{
+    m_unconfirmed.insert(source);
+    QMetaObject::invokeMethod(this, &StatusMonitorPlugin::settleVolumeErrors, Qt::QueuedConnection);
+}
+
+void StatusMonitorPlugin::monitorVolumeStatus(const QString &source)
+{
+    m_unconfirmed.remove(source);
+    if (find(source, VolumeError, {}) < 0)
+        raise({source, VolumeError, {}, {}, QDateTime::currentDateTime()});
+}
+
+void StatusMonitorPlugin::monitorSufficientRecordingGroup(const QString &source, const QString &groupId)
+{
+    const qsizetype row = find(source, InsufficientRecordingDays, groupId);
+    if (row >= 0)
+        withdraw(row);
+}
+
+void StatusMonitorPlugin::monitorInsufficientRecordingDays(const QString &source, const QString &groupName,
+                                                           const QString &groupId)
+{
+    const qsizetype row = find(source, InsufficientRecordingDays, groupId);
+    if (row < 0) {
+        raise({source, InsufficientRecordingDays, groupId, groupName, QDateTime::currentDateTime()});
+    } else if (m_alarms.at(row).groupName != groupName) {
+        m_alarms[row].groupName = groupName;
+        const QModelIndex changed = index(static_cast<int>(row));
+        emit dataChanged(changed, changed, {GroupNameRole});
+    }
+}
+
+void StatusMonitorPlugin::keepGroups(const QString &source, const QSet<QString> &groupIds)
+{
+    QStringList gone;
+    for (const Alarm &alarm : std::as_const(m_alarms)) {
+        if (alarm.kind == InsufficientRecordingDays && alarm.source == source && !groupIds.contains(alarm.groupId))
+            gone.append(alarm.groupId);
+    }
+    for (const QString &groupId : std::as_const(gone))
+        monitorSufficientRecordingGroup(source, groupId);
+}
+
+qsizetype StatusMonitorPlugin::find(const QString &source, Kind kind, const QString &groupId) const
+{
+    const auto found = std::find_if(m_alarms.cbegin(), m_alarms.cend(), [&](const Alarm &alarm) {
+        return alarm.kind == kind && alarm.source == source && alarm.groupId == groupId;
+    });
+    return found == m_alarms.cend() ? -1 : found - m_alarms.cbegin();
+}
+
+void StatusMonitorPlugin::raise(const Alarm &alarm)
+{
+    const auto row = static_cast<int>(m_alarms.size());
+    beginInsertRows({}, row, row);
+    m_alarms.append(alarm);
+    endInsertRows();
+    emit raised(alarm);
+}
+
+void StatusMonitorPlugin::withdraw(qsizetype row)
+{
+    beginRemoveRows({}, static_cast<int>(row), static_cast<int>(row));
+    const Alarm alarm = m_alarms.takeAt(row);
+    endRemoveRows();
+    emit withdrawn(alarm);
+}
+
+void StatusMonitorPlugin::settleVolumeErrors()
+{
+    const QSet<QString> sources = std::exchange(m_unconfirmed, {});
+    for (const QString &source : sources) {
+        const qsizetype row = find(source, VolumeError, {});
+        if (row >= 0)
+            withdraw(row);
+    }
+}
