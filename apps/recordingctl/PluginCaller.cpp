@@ -83,9 +83,10 @@ CallOutcome PluginCaller::invoke(const QMetaMethod &method, const QVariantList &
 {
     constexpr std::size_t most = 10;
     std::array<QGenericArgument, most> values;
+    const QList<QByteArray> types = method.parameterTypes(); // as they are declared: an enumeration without its class
     for (qsizetype index = 0; index < arguments.size(); ++index)
         values.at(static_cast<std::size_t>(index)) =
-            QGenericArgument(arguments[index].metaType().name(), arguments[index].constData());
+            QGenericArgument(types.at(index).constData(), arguments[index].constData());
 
     CallOutcome outcome;
     const QMetaType type = method.returnMetaType();
