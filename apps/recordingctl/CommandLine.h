@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMap>
 #include <QString>
 #include <QStringList>
 
@@ -11,12 +12,22 @@ struct CommandLine
 {
     QString command;
     QStringList arguments;
+    QMap<QString, QStringList> options; ///< what was typed behind each option, checked; [""] for a flag
+
     bool json = false;
+    QString dataFolder; ///< empty: the station's own choice
     std::optional<std::chrono::milliseconds> timeout;
     std::optional<int> count;
 
     QString text; ///< what --help or --version prints; nothing else is to be done then
     QString error; ///< one line that says what is wrong; empty when nothing is
+
+    bool has(const QString &option) const { return options.contains(option); }
+    QStringList values(const QString &option) const { return options.value(option); }
+    QString value(const QString &option, const QString &otherwise = {}) const
+    {
+        return has(option) ? options.value(option).first() : otherwise;
+    }
 
     /// @param arguments those of the process, the program's name first
     static CommandLine parse(const QStringList &arguments);

@@ -9,5 +9,8 @@ class ClientSession;
 /// to standard error.
 ExitCode runCommand(ClientSession &session, const CommandLine &line);
 
+/// The names that runCommand() knows, in the order of the help.
+QStringList runnableCommands();
+
 /// How long a station may take when --timeout does not say.
 constexpr std::chrono::seconds defaultTimeout{30};

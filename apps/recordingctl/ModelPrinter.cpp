@@ -84,3 +84,12 @@ QJsonArray modelJson(const QAbstractItemModel &model)
 {
     return rowsJson(model, rolesOf(model), {});
 }
+
+QString nameLines(const QAbstractItemModel &model)
+{
+    const int role = model.roleNames().key("nameRole");
+    QString text;
+    for (int row = 0; row < model.rowCount(); ++row)
+        text += printable(model.index(row, 0).data(role).toString()) + u'\n';
+    return text;
+}

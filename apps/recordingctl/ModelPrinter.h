@@ -13,3 +13,6 @@ TextTable modelTable(const QAbstractItemModel &model);
 /// The rows of @p model as objects keyed by role names, values with their types; a row that has children has them under
 /// "children". Passwords are replaced by asterisks.
 QJsonArray modelJson(const QAbstractItemModel &model);
+
+/// The "nameRole" of each row of @p model on a line of its own.
+QString nameLines(const QAbstractItemModel &model);

@@ -38,9 +38,9 @@ PluginCaller::PluginCaller(QObject &plugin, HostFramework &framework, std::chron
     })
 {
     connect(&framework, &HostFramework::commandAnswered, this,
-            [this](const QString &command, const QString &returnCode, const QVariant &, bool finish) {
+            [this](const QString &command, const QString &returnCode, const QVariant &data, bool finish) {
                 if (m_onAnswer)
-                    m_onAnswer(command, returnCode, finish);
+                    m_onAnswer(command, {returnCode, data, finish});
                 else if (finish && returnCode != HostReturnCode::NoAnswer)
                     m_connectCommands.removeOne(command);
             });
@@ -104,18 +104,20 @@ CallOutcome PluginCaller::invoke(const QMetaMethod &method, const QVariantList &
 CallOutcome PluginCaller::send(const AnswerRow &answer, const QMetaMethod &method, const QVariantList &arguments)
 {
     QList<CallOutcome::Emission> emissions;
+    QList<StationReply> parts;
     QString returnCode;
     bool finished = false;
     m_onSignal = [&](const QMetaMethod &signal, const QVariantList &values) {
         if (signal.name() == answer.signal)
             emissions.append({signal, values});
     };
-    m_onAnswer = [&](const QString &command, const QString &code, bool finish) {
+    m_onAnswer = [&](const QString &command, const StationReply &part) {
         if (finished || command != QLatin1String(answer.command))
             return;
         if (returnCode.isEmpty() || returnCode == success)
-            returnCode = code;
-        finished = finish;
+            returnCode = part.returnCode;
+        parts.append(part);
+        finished = part.finish;
         restartClock();
     };
     const auto forget = qScopeGuard([this] {
@@ -140,6 +142,7 @@ CallOutcome PluginCaller::send(const AnswerRow &answer, const QMetaMethod &metho
         return answeredAtOnce || (finished && (returnCode != success || !emissions.isEmpty()));
     };
     const bool complete = waitUntil(isComplete);
+    outcome.parts = parts;
     outcome.answers = emissions;
     outcome.returnCode = returnCode;
     if (!complete || returnCode == HostReturnCode::NoAnswer) {

@@ -2,6 +2,7 @@
 
 #include "ExitCode.h"
 #include "SignalTap.h"
+#include "StationMessage.h"
 
 #include <QAbstractItemModel>
 #include <QDeadlineTimer>
@@ -31,6 +32,7 @@ struct CallOutcome
     QVariant result = {}; ///< what the invokable returned; invalid for void
     /// The station's: "0", or that of the first part that it refused; empty when nothing was sent.
     QString returnCode = {};
+    QList<StationReply> parts = {}; ///< of the station's answer, also those that a signal tells nothing of
     QList<Emission> answers = {}; ///< the answering signal, once for each part of the answer
     /// That the answer filled, or that the invokable returned; owned by the plug-in.
     QPointer<QAbstractItemModel> model = {};
@@ -66,6 +68,6 @@ private:
     QDeadlineTimer m_deadline;
     QStringList m_connectCommands; // not answered yet
     SignalTap m_tap;
-    std::function<void(const QString &command, const QString &returnCode, bool finish)> m_onAnswer;
+    std::function<void(const QString &command, const StationReply &part)> m_onAnswer;
     SignalTap::Receiver m_onSignal;
 };

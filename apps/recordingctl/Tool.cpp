@@ -61,6 +61,8 @@ int runTool(int argc, char **argv, ClientSession::Options options)
     }
 
     keepTraceQuiet();
+    if (!line.dataFolder.isEmpty())
+        options.dataFolder = line.dataFolder;
     options.replyTimeout = line.timeout.value_or(defaultTimeout);
     ClientSession session;
     if (!session.start(options)) {

@@ -1,20 +1,8 @@
 #include "VolumeTable.h"
 
+#include "Units.h"
+
 #include <QAbstractItemModel>
-
-#include <iterator>
-
-QString sizeText(qlonglong kilobytes)
-{
-    constexpr const char *units[] = {"KB", "MB", "GB", "TB"};
-    double value = static_cast<double>(kilobytes);
-    std::size_t unit = 0;
-    while (value >= 1024 && unit + 1 < std::size(units)) {
-        value /= 1024;
-        ++unit;
-    }
-    return QStringLiteral("%1 %2").arg(value, 0, 'f', 2).arg(QLatin1String(units[unit]));
-}
 
 TextTable volumeTable(const QAbstractItemModel &volumes)
 {
@@ -30,11 +18,8 @@ TextTable volumeTable(const QAbstractItemModel &volumes)
         };
         const qlonglong size = value("sizeRole").toLongLong();
         const qlonglong available = value("availableSizeRole").toLongLong();
-        const QString used = size > 0 ? QStringLiteral("%1 %").arg(
-                                 100.0 * static_cast<double>(size - available) / static_cast<double>(size), 0, 'f', 0)
-                                      : QStringLiteral("-");
         table.addRow({value("nameRole").toString(), value("rootPathRole").toString(), sizeText(size),
-                      sizeText(available), used, mark("isSystemRole"), mark("isNASRole")});
+                      sizeText(available), usedText(size, available), mark("isSystemRole"), mark("isNASRole")});
     }
     return table;
 }

@@ -1,12 +1,16 @@
 #include "Watch.h"
 
 #include "ClientSession.h"
+#include "CommandRun.h"
 #include "Interruption.h"
 #include "Output.h"
 #include "SignalTap.h"
 #include "TextTable.h"
+#include "UsageNews.h"
 #include "ValueText.h"
+#include "companions/StatusMonitorPlugin.h"
 
+#include <QAbstractItemModel>
 #include <QDateTime>
 #include <QEventLoop>
 #include <QTimer>
@@ -16,10 +20,11 @@ namespace {
 /// One thing that happened, as a line.
 struct Happening
 {
-    QString kind; // "event" or "signal"
+    QString kind; // "event", "signal", "usage" or "alarm"
     QString name;
     QVariantMap values;
     QStringList order; // of the keys of values
+    QString unknown = {}; // stands for a value that is not known
 
     void print(bool json) const
     {
@@ -33,15 +38,44 @@ struct Happening
         }
         QString text = QStringLiteral("%1  %2  %3").arg(time, kind.leftJustified(6), name);
         for (const QString &key : order)
-            text += QStringLiteral(" %1=%2").arg(key, valueText(values.value(key)));
+            text += QStringLiteral(" %1=%2").arg(key, values[key].isValid() ? valueText(values[key]) : unknown);
         printLine(printable(text));
     }
 };
 
+Happening alarmNews(const QString &name, const StatusMonitorPlugin::Alarm &alarm)
+{
+    return {QStringLiteral("alarm"),
+            name,
+            {{QStringLiteral("source"), alarm.source},
+             {QStringLiteral("kind"), QVariant::fromValue(alarm.kind)},
+             {QStringLiteral("group"), alarm.groupName},
+             {QStringLiteral("groupId"), alarm.groupId}},
+            {QStringLiteral("source"), QStringLiteral("kind"), QStringLiteral("group"), QStringLiteral("groupId")}};
+}
+
+Happening usageNews(const UsageNews::Change &change)
+{
+    Happening happening{QStringLiteral("usage"),
+                        change.isGone ? QStringLiteral("gone") : QStringLiteral("changed"),
+                        change.values,
+                        {},
+                        QStringLiteral("unknown")};
+    for (const auto *key :
+         {"source", "group", "groupId", "recordedDays", "remainingDays", "oneDayUsage", "reservedTime"}) {
+        if (change.values.contains(QLatin1String(key)))
+            happening.order.append(QLatin1String(key));
+    }
+    return happening;
+}
+
 } // namespace
 
-ExitCode watch(ClientSession &session, const CommandLine &line)
+ExitCode watch(CommandRun &run)
 {
+    ClientSession &session = run.session();
+    const CommandLine &line = run.line();
+    UsageNews usage;
     QEventLoop loop;
     ExitCode exitCode = ExitCode::Done;
     int printed = 0;
@@ -68,7 +102,17 @@ ExitCode watch(ClientSession &session, const CommandLine &line)
                                event,
                                {{QStringLiteral("source"), source}, {QStringLiteral("data"), data}},
                                {QStringLiteral("source"), QStringLiteral("data")}});
+                         const auto *model =
+                             qobject_cast<QAbstractItemModel *>(run.read<QObject *>("getStorageUsageModel", source));
+                         const QList<UsageNews::Change> changes = usage.take(source, *model);
+                         for (const UsageNews::Change &change : changes)
+                             show(usageNews(change));
                      });
+    for (const auto &[signal, name] : {std::pair(&StatusMonitorPlugin::raised, QStringLiteral("raised")),
+                                       std::pair(&StatusMonitorPlugin::withdrawn, QStringLiteral("withdrawn"))})
+        QObject::connect(
+            session.statusMonitor(), signal, &loop,
+            [&show, name = name](const StatusMonitorPlugin::Alarm &alarm) { show(alarmNews(name, alarm)); });
     const Interruption interruption([&loop] { loop.quit(); });
     if (line.timeout) {
         QTimer::singleShot(*line.timeout, Qt::PreciseTimer, &loop, [&] {

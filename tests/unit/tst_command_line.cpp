@@ -1,4 +1,6 @@
+#include "CommandForms.h"
 #include "CommandLine.h"
+#include "Commands.h"
 
 #include <QRegularExpression>
 #include <QTest>
@@ -11,7 +13,12 @@ class TestCommandLine : public QObject
 private slots:
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 
+    void everyCommandOfTheTableIsCarriedOut();
+    void everyOptionOfTheTableExists();
     void commandWithArgumentsAndOptions();
+    void optionsOfACommand();
+    void dataFolderGoesWithEveryCommand();
+    void helpOfACommand();
     void argumentsThatBeginWithADash();
     void helpAndVersionNeedNoCommand_data();
     void helpAndVersionNeedNoCommand();
@@ -24,6 +31,64 @@ private:
         return CommandLine::parse(QStringList{"recordingctl"} + arguments);
     }
 };
+
+void TestCommandLine::everyCommandOfTheTableIsCarriedOut()
+{
+    QCOMPARE(runnableCommands(), commandNames());
+}
+
+void TestCommandLine::everyOptionOfTheTableExists()
+{
+    QStringList known;
+    for (const OptionForm &option : optionForms())
+        known.append(QLatin1String(option.name));
+    for (const QString &name : commandNames()) {
+        const CommandForm *form = commandForm(name);
+        QVERIFY(form);
+        const QStringList used = (QString(form->needs) + ' ' + form->takes).split(' ', Qt::SkipEmptyParts);
+        for (const QString &option : used)
+            QVERIFY2(known.contains(option), qPrintable(name + ' ' + option));
+    }
+}
+
+void TestCommandLine::optionsOfACommand()
+{
+    const CommandLine line = parse({"group-add", "Yard", "--path", "/a", "--path=/b", "--reserve", "4096", "--member",
+                                    "Gate:1", "--seamless", "--reserved-time", "0"});
+    QCOMPARE(line.error, QString());
+    QCOMPARE(line.command, "group-add");
+    QCOMPARE(line.arguments, QStringList{"Yard"});
+    QCOMPARE(line.values("path"), (QStringList{"/a", "/b"}));
+    QCOMPARE(line.value("reserve"), "4096");
+    QCOMPARE(line.value("kind", "Local"), "Local");
+    QVERIFY(line.has("seamless"));
+    QVERIFY(!line.has("time-shift"));
+    QCOMPARE(line.values("time-shift"), QStringList{});
+}
+
+void TestCommandLine::dataFolderGoesWithEveryCommand()
+{
+    for (const QString &name : commandNames()) {
+        const CommandForm *form = commandForm(name);
+        QStringList arguments{name, "--data", "/srv/station"};
+        for (qsizetype count = 0; count < form->fewest; ++count)
+            arguments.append("x");
+        for (const QString &option : neededOptions(*form))
+            arguments.append({"--" + option, "x"});
+        const CommandLine line = parse(arguments);
+        QCOMPARE(line.error, QString());
+        QCOMPARE(line.dataFolder, "/srv/station");
+    }
+    QCOMPARE(parse({"volumes"}).dataFolder, QString());
+}
+
+void TestCommandLine::helpOfACommand()
+{
+    const QString text = parse({"camera-add", "--help"}).text;
+    QVERIFY2(text.startsWith("Usage: recordingctl camera-add NAME [--streams N]\n"), qPrintable(text));
+    QVERIFY(text.contains("  --streams N "));
+    QVERIFY(!text.contains("--count"));
+}
 
 void TestCommandLine::commandWithArgumentsAndOptions()
 {
@@ -76,13 +141,32 @@ void TestCommandLine::refusesWithOneLine_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("error");
-    QTest::newRow("nothing")
-        << QStringList{}
-        << "no command; one of list, call, watch, volumes, folders, mkdir was expected (--help says more)";
+    QTest::newRow("nothing") << QStringList{} << "a command was expected; \"recordingctl --help\" lists them";
     QTest::newRow("nearly a command") << QStringList{"volume"}
                                       << "there is no command \"volume\"; did you mean \"volumes\"?";
-    QTest::newRow("no command") << QStringList{
-        "format"} << "there is no command \"format\"; there are list, call, watch, volumes, folders, mkdir";
+    QTest::newRow("no command") << QStringList{"reformat"}
+                                << "there is no command \"reformat\"; \"recordingctl --help\" lists them";
+    QTest::newRow("help of no command") << QStringList{"reformat", "--help"}
+                                        << "there is no command \"reformat\"; \"recordingctl --help\" lists them";
+    QTest::newRow("an option that is needed")
+        << QStringList{"group-add", "Yard"}
+        << "--path is missing; usage: recordingctl group-add NAME --path PATH... [--kind KIND] [--reserve MB] "
+           "[--recovery] [--reserved-time MINUTES] [--member CAMERA[:STREAM]...] [--time-shift] [--seamless]";
+    QTest::newRow("too few arguments") << QStringList{"group-path-remove", "Yard"}
+                                       << "usage: recordingctl group-path-remove GROUP PATH...";
+    QTest::newRow("an option twice") << QStringList{"camera-add", "Gate", "--streams", "1", "--streams", "2"}
+                                     << "--streams was given more than once";
+    QTest::newRow("kind") << QStringList{"group-path-add", "Yard", "/a", "--kind", "Disk"}
+                          << "--kind must be Local, NetHost or NetDomain, not \"Disk\"";
+    for (const char *value : {"1000", "-1024", "much", ""})
+        QTest::addRow("reserve %s", value)
+            << QStringList{"group-path-add", "Yard", "/a", QStringLiteral("--reserve=%1").arg(value)}
+            << QStringLiteral("--reserve must be a multiple of 1024 MB from 0, not \"%1\"").arg(value);
+    QTest::newRow("reserved time") << QStringList{"group-update", "Yard", "--reserved-time=-1"}
+                                   << "--reserved-time must be a whole number from 0, not \"-1\"";
+    QTest::newRow("streams") << QStringList{"camera-add", "Gate", "--streams", "17"}
+                             << "--streams must be a whole number from 1 to 16, not \"17\"";
+    QTest::newRow("no data folder") << QStringList{"volumes", "--data="} << "--data must be some text, not \"\"";
     QTest::newRow("call without a name") << QStringList{"call"} << "usage: recordingctl call NAME [ARGUMENT...]";
     QTest::newRow("too many paths") << QStringList{"mkdir", "/a", "/b"} << "usage: recordingctl mkdir PATH";
     QTest::newRow("unknown option") << QStringList{"volumes", "--all"}

@@ -1,7 +1,15 @@
 #include "ModelPrinter.h"
+#include "NasCommands.h"
+#include "OutcomeText.h"
+#include "PluginCaller.h"
+#include "RecordingGroups.h"
 #include "TextTable.h"
+#include "Units.h"
+#include "UsageCommands.h"
+#include "UsageNews.h"
 #include "ValueText.h"
 #include "VolumeTable.h"
+#include "companions/StatusMonitorPlugin.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -32,6 +40,17 @@ private slots:
     void volumesForAnOperator();
     void sizes_data();
     void sizes();
+    void times();
+    void usageForAnOperator();
+    void usageNewsAreWhatChanged();
+    void alarmsForAnOperator();
+    void groupsForAnOperator();
+    void groupsGoByIdOrName();
+    void treeForAnOperator();
+    void nasServersForAnOperator();
+    void hostsOfNasPaths_data();
+    void hostsOfNasPaths();
+    void refusedElementsAreNamed();
 
 private:
     enum Role { Id = Qt::UserRole + 1, Name, Size, IsSystem, Password };
@@ -167,16 +186,19 @@ void TestCtlTables::volumesForAnOperator()
               {IsNas, "isNASRole"}});
     model.appendRow(item({{Name, "System"}, {Path, "/"}, {Size, 1048576LL}, {Available, 262144LL}, {IsSystem, true}}));
     model.appendRow(item({{Name, "Empty"}, {Path, "/mnt"}, {Size, 0LL}, {Available, 0LL}, {IsNas, true}}));
+    model.appendRow(item({{Name, "Slow"}, {Path, "/nas"}, {Size, 1024LL}, {Available, -1LL}, {IsNas, true}}));
     QCOMPARE(volumeTable(model).toString(),
-             "Name    Path     Size       Free  Used  System  NAS\n"
-             "System  /     1.00 GB  256.00 MB  75 %  yes     no\n"
-             "Empty   /mnt  0.00 KB    0.00 KB     -  no      yes\n");
+             "Name    Path     Size       Free     Used  System  NAS\n"
+             "System  /     1.00 GB  256.00 MB     75 %  yes     no\n"
+             "Empty   /mnt  0.00 KB    0.00 KB        -  no      yes\n"
+             "Slow    /nas  1.00 MB    unknown  unknown  no      yes\n");
 }
 
 void TestCtlTables::sizes_data()
 {
     QTest::addColumn<qlonglong>("kilobytes");
     QTest::addColumn<QString>("text");
+    QTest::newRow("not known") << -1LL << "unknown";
     QTest::newRow("nothing") << 0LL << "0.00 KB";
     QTest::newRow("just below the next unit") << 1023LL << "1023.00 KB";
     QTest::newRow("next unit") << 1024LL << "1.00 MB";
@@ -188,6 +210,222 @@ void TestCtlTables::sizes()
 {
     QFETCH(const qlonglong, kilobytes);
     QTEST(sizeText(kilobytes), "text");
+}
+
+void TestCtlTables::times()
+{
+    QCOMPARE(daysText(-1), "unknown");
+    QCOMPARE(daysText(0), "0 days");
+    QCOMPARE(daysText(1), "1 day");
+    QCOMPARE(minutesText(0), "-");
+    QCOMPARE(minutesText(1439), "1439 min");
+    QCOMPARE(minutesText(1440), "1 day");
+    QCOMPARE(minutesText(4320), "3 days");
+}
+
+namespace {
+
+enum UsageRole { UsageId = Qt::UserRole + 1, UsageName, Recorded, Remaining, PerDay, Reserve };
+
+void fillUsage(QStandardItemModel &model, const QList<QVariantList> &rows)
+{
+    model.clear();
+    model.setItemRoleNames({{UsageId, "idRole"},
+                            {UsageName, "nameRole"},
+                            {Recorded, "recordedDaysRole"},
+                            {Remaining, "remainDaysRole"},
+                            {PerDay, "oneDayUsageRole"},
+                            {Reserve, "reserveTimeRole"}});
+    for (const QVariantList &row : rows) {
+        auto item = std::make_unique<QStandardItem>();
+        for (int column = 0; column < row.size(); ++column)
+            item->setData(row[column], UsageId + column);
+        model.appendRow(item.release());
+    }
+}
+
+} // namespace
+
+void TestCtlTables::usageForAnOperator()
+{
+    QStandardItemModel model;
+    fillUsage(model, {{"1", "Gate", 3, 12, 5368709120LL, 4320}, {"2", "Yard", -1, -1, -1LL, 0}});
+    QCOMPARE(usageTable(model).toString(),
+             "Group  Recorded  Remaining  Reserved time  Per day\n"
+             "Gate     3 days    12 days         3 days  5.00 GB\n"
+             "Yard    unknown    unknown              -  unknown\n");
+}
+
+void TestCtlTables::usageNewsAreWhatChanged()
+{
+    QStandardItemModel model;
+    UsageNews news;
+    fillUsage(model, {{"1", "Gate", 3, 12, 1024LL, 4320}, {"2", "Yard", -1, -1, -1LL, 0}});
+    QList<UsageNews::Change> changes = news.take("a", model);
+    QCOMPARE(changes.size(), 2);
+    QCOMPARE(changes[0].values,
+             (QVariantMap{{"source", "a"},
+                          {"group", "Gate"},
+                          {"groupId", "1"},
+                          {"recordedDays", 3},
+                          {"remainingDays", 12},
+                          {"oneDayUsage", 1024LL},
+                          {"reservedTime", 4320}}));
+    QVERIFY(changes[1].values.contains("recordedDays") && !changes[1].values.value("recordedDays").isValid());
+    QCOMPARE(news.take("a", model).size(), 0);
+    QCOMPARE(news.take("b", model).size(), 2); // another station
+
+    fillUsage(model, {{"1", "Gate", 4, 12, 1024LL, 4320}});
+    changes = news.take("a", model);
+    QCOMPARE(changes.size(), 2);
+    QVERIFY(!changes[0].isGone);
+    QCOMPARE(changes[0].values.value("recordedDays"), QVariant(4));
+    QVERIFY(changes[1].isGone);
+    QCOMPARE(changes[1].values, (QVariantMap{{"source", "a"}, {"group", "Yard"}, {"groupId", "2"}}));
+}
+
+void TestCtlTables::alarmsForAnOperator()
+{
+    StatusMonitorPlugin monitor;
+    QCOMPARE(alarmTable(monitor).toString(), "Since  Alarm  Group  Id  Station\n");
+    monitor.monitorInsufficientRecordingDays("relay-7", "Gate", "1");
+    monitor.monitorVolumeStatus({});
+    const QStringList lines = alarmTable(monitor).toString().split('\n');
+    const auto since = [&monitor](int row) { return monitor.alarms().at(row).since.toString(Qt::ISODate); };
+    QCOMPARE(lines.at(1), since(0) + "  reserved time will not be reached  Gate   1   relay-7");
+    QCOMPARE(lines.at(2), since(1) + "  a volume cannot be reached");
+}
+
+void TestCtlTables::groupsForAnOperator()
+{
+    const QVariantList members{
+        QVariantMap{{"camName", "Gate"}, {"streamIndex", 1}, {"enableTimeShift", true}, {"enableSeamless", false}}};
+    const QList<GroupInfo> groups{{"{1}", "North", {"/a", "/b"}, {2048LL, 0LL}, {"/b"}, 4320, members},
+                                  {"{2}", "South", {}, {}, {}, 0, {}}};
+    QCOMPARE(groupTable(groups).toString(),
+             "Name   Paths              Reserved space    Reserved time  Members  Id\n"
+             "North  /a, /b (recovery)  2.00 GB, 0.00 KB  3 days               1  {1}\n"
+             "South                                       -                    0  {2}\n");
+    QCOMPARE(memberTable(members).toString(),
+             "Camera  Stream  Time shift  Seamless\n"
+             "Gate         1  yes         no\n");
+    QCOMPARE(
+        groupsJson(groups).at(0).toObject(),
+        (QJsonObject{
+            {"id", "{1}"},
+            {"name", "North"},
+            {"paths", QJsonArray{"/a", "/b"}},
+            {"reservedSpace", QJsonArray{2048, 0}},
+            {"recoveryPaths", QJsonArray{"/b"}},
+            {"reservedTime", 4320},
+            {"members",
+             QJsonArray{QJsonObject{
+                 {"camName", "Gate"}, {"streamIndex", 1}, {"enableTimeShift", true}, {"enableSeamless", false}}}}}));
+}
+
+void TestCtlTables::groupsGoByIdOrName()
+{
+    const QList<GroupInfo> groups{{"{1}", "North", {}, {}, {}, 0, {}},
+                                  {"{2}", "South", {}, {}, {}, 0, {}},
+                                  {"{3}", "South", {}, {}, {}, 0, {}},
+                                  {"{4}", "{1}", {}, {}, {}, 0, {}}};
+    QString error;
+    QCOMPARE(findGroup(groups, "North", &error), &groups[0]);
+    QCOMPARE(findGroup(groups, "{2}", &error), &groups[1]);
+    QCOMPARE(findGroup(groups, "{1}", &error), &groups[0]); // ids come first
+    QCOMPARE(error, QString());
+    QCOMPARE(findGroup(groups, "South", &error), nullptr);
+    QCOMPARE(error, "several recording groups are named \"South\"; give the id");
+    QCOMPARE(findGroup(groups.mid(0, 2), "West", &error), nullptr);
+    QCOMPARE(error, "there is no recording group \"West\"; there are \"North\", \"South\"");
+    QCOMPARE(findGroup({}, "West", &error), nullptr);
+    QCOMPARE(error, "there is no recording group \"West\", nor any other");
+}
+
+void TestCtlTables::treeForAnOperator()
+{
+    enum { Type = Name + 1, Address, GroupId };
+    QStandardItemModel model;
+    setRoles(model,
+             {{Name, "nameRole"}, {Type, "typeRole"}, {Address, "stationIPRole"}, {GroupId, "recordingGroupIDRole"}});
+    QStandardItem *station = item({{Name, "North"}, {Type, "RecordingServer"}, {Address, "192.0.2.7"}});
+    station->appendRow(item({{Name, "Yard"}, {Type, "RecordingGroup"}, {GroupId, "{1}"}}));
+    model.appendRow(station);
+    QCOMPARE(treeTable(model).toString(),
+             "Name    Type             Address    Id\n"
+             "North   RecordingServer  192.0.2.7\n"
+             "  Yard  RecordingGroup              {1}\n");
+}
+
+void TestCtlTables::nasServersForAnOperator()
+{
+    enum { Domain = Password + 1, User };
+    QStandardItemModel model;
+    setRoles(model,
+             {{Id, "idRole"},
+              {Name, "nameRole"},
+              {Domain, "logonDomainRole"},
+              {User, "userNameRole"},
+              {Password, "passwordRole"}});
+    model.appendRow(item({{Id, "7"}, {Name, "nas"}, {Domain, "Host"}, {User, "rec"}, {Password, "hunter2"}}));
+    QCOMPARE(nasServerTable(model).toString(),
+             "Host  User  Domain  Id\n"
+             "nas   rec   Host    7\n");
+}
+
+void TestCtlTables::hostsOfNasPaths_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("host");
+    QTest::newRow("slashes") << "//nas/rec/a"
+                             << "nas";
+    QTest::newRow("backslashes") << "\\\\nas\\rec"
+                                 << "nas";
+    QTest::newRow("URL") << "smb://nas/rec"
+                         << "nas";
+    QTest::newRow("host alone") << "//nas"
+                                << "nas";
+    QTest::newRow("local") << "/srv/nas"
+                           << "";
+    QTest::newRow("nothing") << ""
+                             << "";
+}
+
+void TestCtlTables::hostsOfNasPaths()
+{
+    QFETCH(const QString, path);
+    QTEST(hostOfNasPath(path), "host");
+}
+
+void TestCtlTables::refusedElementsAreNamed()
+{
+    const QVariantList errors{QVariantMap{{"element", "recordingGroupName"},
+                                          {"index", -1},
+                                          {"value", "Yard"},
+                                          {"returnCode", "RecordingGroupNameInUse"}},
+                              QVariantMap{{"element", "pathInfoList"},
+                                          {"index", 0},
+                                          {"value", "/srv"},
+                                          {"returnCode", "PathNotWritable"},
+                                          {"reason", "PermissionDenied"}}};
+    const QStringList lines{"recordingGroupName \"Yard\": RecordingGroupNameInUse",
+                            "pathInfoList \"/srv\": PathNotWritable (PermissionDenied)"};
+    CallOutcome outcome;
+    outcome.parts = {{"RecordingGroupNameInUse", errors}};
+    QCOMPARE(refusalLines(outcome), lines);
+    outcome.parts = {{"RecordingGroupNameInUse", QVariantMap{{"errorAction", errors}}}};
+    QCOMPARE(refusalLines(outcome), lines);
+    QCOMPARE(outcomeJson("x", outcome).value("refused").toArray().size(), 2);
+    outcome.parts = {{"0", QVariantMap{{"recordingGroupID", "{1}"}}, false},
+                     {"RecordingGroupNotFound", QVariantMap{{"recordingGroupID", "{2}"}}, false},
+                     {"PathNotInGroup", QVariantMap{{"recordingGroupID", "{3}"}, {"path", "/a"}}}};
+    QCOMPARE(refusalLines(outcome),
+             (QStringList{"recordingGroupID \"{2}\": RecordingGroupNotFound", "path \"/a\": PathNotInGroup"}));
+    outcome.parts = {{"0", errors}};
+    QCOMPARE(refusalLines(outcome), QStringList{});
+    QVERIFY(!outcomeJson("x", outcome).contains("refused"));
+    outcome.parts = {{"UnknownCommand", {}}};
+    QCOMPARE(refusalLines(outcome), QStringList{});
 }
 
 QTEST_GUILESS_MAIN(TestCtlTables)

@@ -1,0 +1,203 @@
+#include "NasCommands.h"
+
+#include "CommandRun.h"
+#include "ModelPrinter.h"
+#include "Output.h"
+#include "PasswordArgument.h"
+#include "Units.h"
+#include "VolumeTable.h"
+
+#include <QAbstractItemModel>
+
+#include <functional>
+#include <optional>
+
+namespace {
+
+const QString list = QStringLiteral("getNASServers");
+
+/// How to log on to a server. The password may be the station's token for one that it knows.
+struct LogOn
+{
+    QString id;
+    QString host;
+    QString domain = QStringLiteral("Host");
+    QString user = QStringLiteral("Guest");
+    QString password;
+};
+
+QList<LogOn> serversIn(const QAbstractItemModel &model)
+{
+    const QHash<int, QByteArray> roles = model.roleNames();
+    QList<LogOn> servers;
+    for (int row = 0; row < model.rowCount(); ++row) {
+        const auto value = [&](const char *role) { return model.index(row, 0).data(roles.key(role)).toString(); };
+        servers.append({value("idRole"), value("nameRole"), value("logonDomainRole"), value("userNameRole"),
+                        value("passwordRole")});
+    }
+    return servers;
+}
+
+/// @p known with what --user, --domain and --password say in its place; none when the password could not be read, and
+/// then @p error says why.
+std::optional<LogOn> withOptions(const CommandLine &line, const LogOn &known, QString *error)
+{
+    LogOn logOn = known;
+    logOn.host = line.value(QStringLiteral("host"), known.host);
+    logOn.user = line.value(QStringLiteral("user"), known.user);
+    logOn.domain = line.value(QStringLiteral("domain"), known.domain);
+    if (line.has(QStringLiteral("password"))) {
+        const ConvertedArgument password =
+            passwordArgument(line.value(QStringLiteral("password")), QStringLiteral("--password"));
+        *error = password.error;
+        if (!error->isEmpty())
+            return {};
+        logOn.password = password.value.toString();
+    }
+    return logOn;
+}
+
+/// Fetches the servers and gives @p use the one that the first argument names, by its id or host.
+ExitCode withServer(CommandRun &run, const std::function<ExitCode(const LogOn &server)> &use)
+{
+    const CallOutcome outcome = run.call(list);
+    if (!outcome.model)
+        return run.end(list, outcome);
+    const QString text = run.line().arguments.first();
+    QList<LogOn> found;
+    const QList<LogOn> servers = serversIn(*outcome.model);
+    for (const LogOn &server : servers) {
+        if (server.id == text)
+            return use(server);
+        if (server.host == text)
+            found.append(server);
+    }
+    if (found.size() == 1)
+        return use(found.first());
+    const QString problem = found.isEmpty() ? QStringLiteral("%1: there is no NAS server \"%2\"; \"nas\" lists them")
+                                            : QStringLiteral("%1: several NAS servers are on \"%2\"; give the id");
+    return refused(problem.arg(run.line().command, text));
+}
+
+/// Calls @p name with the path that the first argument names and a log-on: that of the options, else that of the server
+/// on the path's host, else a guest's.
+ExitCode withPath(CommandRun &run, const QString &name,
+                  const std::function<void(const CallOutcome &outcome)> &printResult)
+{
+    const CommandLine &line = run.line();
+    const QString path = line.arguments.first();
+    LogOn known;
+    if (!line.has(QStringLiteral("user")) && !line.has(QStringLiteral("password"))) {
+        const CallOutcome outcome = run.call(list);
+        const QList<LogOn> servers = outcome.model ? serversIn(*outcome.model) : QList<LogOn>();
+        for (const LogOn &server : servers) {
+            if (server.host.compare(hostOfNasPath(path), Qt::CaseInsensitive) == 0) {
+                known = server;
+                break;
+            }
+        }
+    }
+    QString error;
+    const std::optional<LogOn> logOn = withOptions(line, known, &error);
+    if (!logOn)
+        return wrongUse(error);
+    const CallOutcome outcome = run.call(name, {path, logOn->domain, logOn->user, logOn->password});
+    return run.end(name, outcome, [&] { printResult(outcome); });
+}
+
+/// The argument @p parameter of the signal that answered.
+QVariant answered(const CallOutcome &outcome, const char *parameter)
+{
+    const CallOutcome::Emission answer = outcome.answers.value(0);
+    return answer.arguments.value(answer.signal.parameterNames().indexOf(parameter));
+}
+
+} // namespace
+
+TextTable nasServerTable(const QAbstractItemModel &servers)
+{
+    TextTable table({QStringLiteral("Host"), QStringLiteral("User"), QStringLiteral("Domain"), QStringLiteral("Id")});
+    const QList<LogOn> rows = serversIn(servers);
+    for (const LogOn &server : rows)
+        table.addRow({server.host, server.user, server.domain, server.id});
+    return table;
+}
+
+QString hostOfNasPath(const QString &path)
+{
+    QString plain = QString(path).replace(u'\\', u'/');
+    if (plain.startsWith(QStringLiteral("smb:"), Qt::CaseInsensitive))
+        plain.remove(0, 4);
+    return plain.startsWith(QStringLiteral("//")) ? plain.section(u'/', 2, 2) : QString();
+}
+
+ExitCode showNasServers(CommandRun &run)
+{
+    const CallOutcome outcome = run.call(list);
+    return run.end(list, outcome, [&outcome] { printText(nasServerTable(*outcome.model).toString()); });
+}
+
+ExitCode addNasServer(CommandRun &run)
+{
+    const QString name = QStringLiteral("addNASServer");
+    LogOn added;
+    added.host = run.line().arguments.first();
+    QString error;
+    const std::optional<LogOn> logOn = withOptions(run.line(), added, &error);
+    if (!logOn)
+        return wrongUse(error);
+    const CallOutcome outcome = run.call(name, {logOn->host, logOn->domain, logOn->user, logOn->password});
+    return run.end(name, outcome, [&outcome] { printLine(answered(outcome, "srvId").toString()); });
+}
+
+ExitCode updateNasServer(CommandRun &run)
+{
+    const CommandLine &line = run.line();
+    bool changes = false;
+    for (const char *option : {"host", "user", "domain", "password"})
+        changes = changes || line.has(QLatin1String(option));
+    if (!changes)
+        return wrongUse(QStringLiteral("nas-update: one of --host, --user, --domain and --password was expected"));
+    return withServer(run, [&run, &line](const LogOn &server) {
+        QString error;
+        const std::optional<LogOn> logOn = withOptions(line, server, &error);
+        if (!logOn)
+            return wrongUse(error);
+        const QString name = QStringLiteral("updateNASServer");
+        return run.end(name, run.call(name, {server.id, logOn->host, logOn->domain, logOn->user, logOn->password}));
+    });
+}
+
+ExitCode removeNasServer(CommandRun &run)
+{
+    return withServer(run, [&run](const LogOn &server) {
+        const QString name = QStringLiteral("removeNASServer");
+        return run.end(name, run.call(name, {server.id}));
+    });
+}
+
+ExitCode showNasFolders(CommandRun &run)
+{
+    return withPath(run, QStringLiteral("getNASServerDir"),
+                    [](const CallOutcome &outcome) { printText(nameLines(*outcome.model)); });
+}
+
+ExitCode showNasCapacity(CommandRun &run)
+{
+    return withPath(run, QStringLiteral("getNASServerCapacity"), [](const CallOutcome &outcome) {
+        const qlonglong total = answered(outcome, "total").toLongLong(); // KB
+        const qlonglong used = answered(outcome, "used").toLongLong();
+        TextTable table({QStringLiteral("Size"), QStringLiteral("Free"), QStringLiteral("Used")});
+        for (const int column : {0, 1, 2})
+            table.setRightAligned(column);
+        table.addRow({sizeText(total), sizeText(total - used), usedText(total, total - used)});
+        printText(table.toString());
+    });
+}
+
+ExitCode addNasVolumes(CommandRun &run)
+{
+    const QString name = QStringLiteral("addNASPathsToVolume");
+    const CallOutcome outcome = run.call(name, {QVariant(run.line().arguments)});
+    return run.end(name, outcome, [&outcome] { printText(volumeTable(*outcome.model).toString()); });
+}
