@@ -119,4 +119,13 @@ extern const QString EmptyCameraName; ///< a camera needs a name
 extern const QString CameraExists; ///< a camera of that name exists
 extern const QString CameraInUse; ///< a recording group has the camera among its members
 extern const QString SiteNotEmpty; ///< the station has cameras or recording groups already
+// NAS servers. The first four are spelt as clients expect them.
+extern const QString LogonNASServerFaled; ///< the NAS server refused user name and password
+extern const QString NASServerExist; ///< that user of that host is registered already
+extern const QString GetNasDirFailed; ///< the folder cannot be listed: missing, no share, not allowed, no path
+extern const QString GetNasCapacityFailed; ///< the same for its capacity
+extern const QString NasServerNotResponding; ///< no such host, nothing listens there, or it says nothing
+extern const QString NasServerNotFound; ///< no NAS server is registered under that id or host
+extern const QString NasHostRefused; ///< empty, or not written as a host name is
+extern const QString NasKeyUnusable; ///< the key of the stored passwords is lost or damaged; the log says how
 } // namespace StationReturnCode

@@ -65,6 +65,20 @@ const Refusal refusals[] = {
     {StationReturnCode::CameraInUse, QT_TRANSLATE_NOOP("Refusal", "A recording group records this camera.")},
     {StationReturnCode::SiteNotEmpty,
      QT_TRANSLATE_NOOP("Refusal", "The station has cameras or recording groups already.")},
+    {StationReturnCode::LogonNASServerFaled,
+     QT_TRANSLATE_NOOP("Refusal", "The NAS server refused this user name and password.")},
+    {StationReturnCode::NASServerExist, QT_TRANSLATE_NOOP("Refusal", "This user of the host is registered already.")},
+    {StationReturnCode::GetNasDirFailed,
+     QT_TRANSLATE_NOOP("Refusal", "There is no such folder on the NAS server, or this user may not see it.")},
+    {StationReturnCode::GetNasCapacityFailed,
+     QT_TRANSLATE_NOOP("Refusal", "The NAS server does not tell how much this folder holds.")},
+    {StationReturnCode::NasServerNotResponding,
+     QT_TRANSLATE_NOOP("Refusal", "The NAS server does not answer, or no host has this name.")},
+    {StationReturnCode::NasServerNotFound, QT_TRANSLATE_NOOP("Refusal", "No such NAS server is registered.")},
+    {StationReturnCode::NasHostRefused,
+     QT_TRANSLATE_NOOP("Refusal", "A host is a name or an IPv4 address, and may have a port: nas-1 or nas-1:445.")},
+    {StationReturnCode::NasKeyUnusable,
+     QT_TRANSLATE_NOOP("Refusal", "The station cannot read the passwords that it keeps; its log says why.")},
 };
 } // namespace
 

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QHash>
+#include <QObject>
+#include <QThreadPool>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+
+/// Runs work that may hang on threads of its own, and answers in time whether it hangs or not. Lives on one thread with
+/// an event loop, and answers there.
+class TimedWork : public QObject
+{
+    Q_OBJECT
+public:
+    /// @param limit after which a piece of work is given up
+    explicit TimedWork(std::chrono::milliseconds limit, QObject *parent = nullptr);
+    /// What is outstanding is not answered any more. Waits a moment for the threads; one that still hangs is left to
+    /// itself, so work must not use what ends before the process does.
+    ~TimedWork() override;
+
+    /// Runs @p work, and gives what it returned to @p done; @p late instead when the limit passed before, or when the
+    /// work threw. Exactly one of them, and never from within this call.
+    template<typename Result>
+    void run(std::function<Result()> work, const Result &late, std::function<void(const Result &)> done)
+    {
+        const auto result = std::make_shared<Result>(late);
+        start([result, work = std::move(work)] { *result = work(); },
+              [result, late, done = std::move(done)](bool isDone) { done(isDone ? *result : late); });
+    }
+
+private:
+    struct Ledger;
+
+    void start(std::function<void()> work, std::function<void(bool)> done);
+    void finish(quint64 number, bool isDone);
+
+    std::chrono::milliseconds m_limit;
+    std::unique_ptr<QThreadPool> m_threads;
+    std::shared_ptr<Ledger> m_ledger;
+    QHash<quint64, std::function<void(bool isDone)>> m_outstanding;
+    quint64 m_lastNumber = 0;
+};

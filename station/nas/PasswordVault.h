@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <stdexcept>
+
+/// The key of the passwords cannot be used: where it lies, and what is wrong with it.
+class VaultError : public std::runtime_error
+{
+public:
+    explicit VaultError(const QString &what);
+};
+
+/// Encrypts the passwords that the station keeps, with a key in a file of its own that only the station's user may
+/// read, and makes the tokens that stand for them outside the station.
+class PasswordVault
+{
+public:
+    enum class WhenMissing { Fail, Create };
+
+    /// Reads the key from @p file: 32 bytes, a plain file with mode 0600 or stricter. Throws VaultError otherwise, and
+    /// leaves what is there as it is.
+    /// @param whenMissing Create makes a new key, for a station that keeps no password yet; its folder must exist
+    explicit PasswordVault(const QString &file, WhenMissing whenMissing);
+    ~PasswordVault();
+    PasswordVault(const PasswordVault &) = delete;
+    PasswordVault &operator=(const PasswordVault &) = delete;
+
+    /// Another text at every call, for the same password too.
+    QByteArray encrypted(const QString &password) const;
+    /// The password behind @p sealed. Throws VaultError when it was damaged or encrypted with another key.
+    QString decrypted(const QByteArray &sealed) const;
+
+    /// What is given out in place of the password of the NAS server @p id: always the same, and no use for anything
+    /// else. Nobody without the key can make it.
+    QString token(const QString &id) const;
+    /// Whether @p text is token(@p id).
+    bool isToken(const QString &text, const QString &id) const;
+
+private:
+    QByteArray m_passwordKey;
+    QByteArray m_tokenKey;
+};

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "SmbPath.h"
+
+#include <chrono>
+#include <functional>
+#include <memory>
+
+struct statvfs;
+
+/// Who logs on to an SMB server.
+struct SmbLogon
+{
+    /// Of the user; "Host", or empty, means the server's own accounts.
+    QString domain;
+    /// "Guest" without a password, or empty, means a log-on without a name.
+    QString userName;
+    QString password;
+};
+
+/// The folders in a place.
+struct SmbFolders
+{
+    QString returnCode; ///< a word of StationReturnCode, "0" for success
+    QStringList names; ///< empty unless it succeeded
+};
+
+/// How much a share holds.
+struct SmbSpace
+{
+    QString returnCode; ///< a word of StationReturnCode, "0" for success
+    qint64 bytesTotal = 0;
+    qint64 bytesAvailable = 0; ///< what the user who logged on may still write
+};
+
+/// A connection to SMB servers under one log-on, through libsmbclient. Every call blocks, and is used on one thread.
+///
+/// Refusals: "NasServerNotResponding" when the host is unknown or silent, "LogonNASServerFaled" when it refuses the
+/// log-on, and otherwise the code that the call names.
+class SmbClient
+{
+public:
+    /// @param timeout how long one answer of a server may take; a call needs several
+    SmbClient(const SmbLogon &logon, std::chrono::milliseconds timeout);
+    ~SmbClient();
+    SmbClient(const SmbClient &) = delete;
+    SmbClient &operator=(const SmbClient &) = delete;
+
+    /// Logs on to the server of @p place and lists its shares. Any other refusal counts as one of the log-on.
+    QString logOn(const SmbPath &place);
+
+    /// The folders in @p place; the shares when it is a server, without those whose names end in "$". "." and ".." come
+    /// first where the server sends them, the others sorted by nameLess(). "GetNasDirFailed".
+    SmbFolders folders(const SmbPath &place);
+
+    /// The size of the share, or quota, that @p folder lies in; it must exist. "GetNasCapacityFailed".
+    SmbSpace space(const SmbPath &folder);
+
+    /// Writes a small file into @p folder and removes it. "DirectoryNotFound", "NotADirectory", "PermissionDenied",
+    /// "VolumeReadOnly", "VolumeFull", "CannotCreate".
+    QString writeProbe(const SmbPath &folder);
+
+private:
+    struct Context;
+
+    /// The error number, 0 for success, of @p call, which is made once the host was found.
+    int attempt(const SmbPath &place, const std::function<int()> &call);
+    using Entry = std::function<void(unsigned int type, const QString &name)>;
+    /// Gives every entry of @p place to @p entry; the type is one of libsmbclient's.
+    int list(const SmbPath &place, const Entry &entry);
+    QString refusal(int error, const SmbPath &place, const QString &code);
+
+    std::unique_ptr<Context> m_context;
+};
+
+/// The bytes behind the block figures of an SMB server. Servers that speak the POSIX extensions give them as statvfs()
+/// does; for the others libsmbclient puts the sector size and the number of sectors in a block into two fields, which
+/// are multiplied. @p figures is what libsmbclient gave.
+SmbSpace spaceOf(const struct statvfs &figures);

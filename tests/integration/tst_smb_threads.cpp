@@ -1,0 +1,87 @@
+#include "Loopback.h"
+#include "SambaServer.h"
+#include "smb/SmbClient.h"
+
+#include <QDir>
+#include <QTest>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+using namespace std::chrono_literals;
+
+/// Several threads in libsmbclient at once, from the first call in the process on.
+class SmbThreadsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void manyThreadsBrowseAtOnce();
+    void aSilentServerDoesNotHoldOthersUp();
+
+private:
+    SambaServer m_server;
+};
+
+void SmbThreadsTest::initTestCase()
+{
+    m_server.addShare(QStringLiteral("video"));
+    for (const char *folder : {"a", "b", "c"})
+        QVERIFY(QDir(m_server.folderOf(QStringLiteral("video"))).mkdir(QString::fromLatin1(folder)));
+    QVERIFY2(m_server.start(), qPrintable(m_server.error()));
+}
+
+void SmbThreadsTest::manyThreadsBrowseAtOnce()
+{
+    constexpr int threadCount = 8;
+    constexpr int rounds = 15;
+    const QString video = QStringLiteral("//%1/video").arg(m_server.host());
+    const SmbPath path = *SmbPath::parse(video);
+    const QStringList expected{QStringLiteral("."), QStringLiteral(".."), QStringLiteral("a"), QStringLiteral("b"),
+                               QStringLiteral("c")};
+    std::atomic<int> right = 0;
+    std::atomic<int> refused = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < threadCount; ++i) {
+        threads.emplace_back([&, i] {
+            for (int round = 0; round < rounds; ++round) {
+                const bool isWrong = i == 0;
+                SmbClient client({{}, m_server.userName(), isWrong ? QStringLiteral("wrong") : m_server.password()},
+                                 20s);
+                const SmbFolders folders = client.folders(path);
+                refused += folders.returnCode == QStringLiteral("LogonNASServerFaled");
+                right += folders.names == expected && client.space(path).bytesTotal > 0;
+            }
+        });
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+    QCOMPARE(refused.load(), rounds);
+    QCOMPARE(right.load(), (threadCount - 1) * rounds);
+}
+
+void SmbThreadsTest::aSilentServerDoesNotHoldOthersUp()
+{
+    const SilentServer silent;
+    QVERIFY(silent.port() != 0);
+    std::atomic<bool> isAnswered = false;
+    std::thread hanging([&] {
+        SmbClient client({{}, m_server.userName(), m_server.password()}, 3s);
+        client.folders(*SmbPath::parse(QStringLiteral("//127.0.0.1:%1/video").arg(silent.port())));
+        isAnswered = true;
+    });
+    const SmbPath path = *SmbPath::parse(QStringLiteral("//%1/video").arg(m_server.host()));
+    for (int round = 0; round < 5; ++round) {
+        SmbClient client({{}, m_server.userName(), m_server.password()}, 20s);
+        QCOMPARE(client.folders(path).names.size(), 5);
+    }
+    const bool wasFirst = !isAnswered;
+    hanging.join();
+    QVERIFY(wasFirst);
+}
+
+QTEST_GUILESS_MAIN(SmbThreadsTest)
+#include "tst_smb_threads.moc"
