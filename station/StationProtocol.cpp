@@ -104,6 +104,5 @@ const QString StationReturnCode::NASServerExist = QStringLiteral("NASServerExist
 const QString StationReturnCode::GetNasDirFailed = QStringLiteral("GetNasDirFailed");
 const QString StationReturnCode::GetNasCapacityFailed = QStringLiteral("GetNasCapacityFailed");
 const QString StationReturnCode::NasServerNotResponding = QStringLiteral("NasServerNotResponding");
-const QString StationReturnCode::NasServerNotFound = QStringLiteral("NasServerNotFound");
 const QString StationReturnCode::NasHostRefused = QStringLiteral("NasHostRefused");
 const QString StationReturnCode::NasKeyUnusable = QStringLiteral("NasKeyUnusable");

@@ -107,7 +107,6 @@ extern const QString PathNotInGroup; ///< the recording group has no such path
 extern const QString ReservedSpaceRefused; ///< the reserved space is negative or no multiple of 1024 MB
 extern const QString
     ReservedSpaceExceedsVolume; ///< the reserves of all recording groups on that volume come to more than it holds
-extern const QString NasServerNotFound; ///< no NAS server is known under the host of the path
 extern const QString LastPathOfGroup; ///< a recording group with members needs a path
 extern const QString ReservedTimeRefused; ///< the reserved time applies and is below one minute
 extern const QString CameraNotFound; ///< the station has no camera of that name
