@@ -1,0 +1,149 @@
+#include "EditSequence.h"
+#include "Station.h"
+
+#include <QCoreApplication>
+#include <QHash>
+
+#include <cstdio>
+
+#include <unistd.h>
+
+namespace {
+
+/// Everything lies on one large disk.
+class OneVolume : public VolumeSource
+{
+public:
+    QList<Volume> volumes() const override { return {m_disk}; }
+    std::optional<Volume> volumeHolding(const QString &) const override { return m_disk; }
+
+private:
+    Volume m_disk{QStringLiteral("/"), QStringLiteral("Disk"), Q_INT64_C(1) << 50, Q_INT64_C(1) << 50, true, false};
+};
+
+StationReply ask(Station &station, const QString &command, const QVariant &data)
+{
+    StationReply reply;
+    station.handle({command, data}, [&reply](const StationReply &part) { reply = part; });
+    return reply;
+}
+
+QVariantMap pathMap(const GroupPath &path)
+{
+    return {{QStringLiteral("path"), path.path},
+            {QStringLiteral("pathType"), static_cast<int>(path.kind)},
+            {QStringLiteral("reserveSpace"), path.reservedMegabytes},
+            {QStringLiteral("isRecoveryMode"), path.isRecovery}};
+}
+
+QVariantList pathMaps(const QList<GroupPath> &paths)
+{
+    QVariantList list;
+    for (const GroupPath &path : paths)
+        list.append(pathMap(path));
+    return list;
+}
+
+QVariantList memberMaps(const QList<GroupMember> &members)
+{
+    QVariantList list;
+    for (const GroupMember &member : members) {
+        list.append(QVariantMap{{QStringLiteral("camName"), member.camera},
+                                {QStringLiteral("streamIndex"), member.stream},
+                                {QStringLiteral("enableTimeShift"), member.timeShift},
+                                {QStringLiteral("enableSeamless"), member.seamless}});
+    }
+    return list;
+}
+
+QVariantMap settingsMap(const RecordingGroup &group)
+{
+    return {{QStringLiteral("recordingGroupName"), group.name},
+            {QStringLiteral("recordingGroupReservedTimeEnabled"), group.isReservedTimeEnabled},
+            {QStringLiteral("recordingGroupReservedTime"), group.reservedMinutes},
+            {QStringLiteral("recordingGroupNodeIdList"), group.nodeIds}};
+}
+
+StationReply add(Station &station, const RecordingGroup &group)
+{
+    QVariantMap request = settingsMap(group);
+    request.insert(QStringLiteral("pathInfoList"), pathMaps(group.paths));
+    request.insert(QStringLiteral("deviceInfos"), memberMaps(group.members));
+    return ask(station, QStringLiteral("addRecordingGroupWithCompleteInfo"), request);
+}
+
+/// Every member and every path goes, and others come.
+StationReply update(Station &station, const QString &id, const RecordingGroup &before, const RecordingGroup &after)
+{
+    QVariantList lost;
+    for (int number = 0; number < EditSequence::cameras; ++number)
+        lost.append(QVariantMap{{QStringLiteral("camName"), EditSequence::camera(number)}});
+    QStringList lostPaths;
+    for (const GroupPath &path : before.paths)
+        lostPaths.append(path.path);
+    return ask(station, QStringLiteral("updateRecordingGroup"),
+               QVariantMap{{QStringLiteral("recordingGroupID"), id},
+                           {QStringLiteral("updateRmCameraList"), lost},
+                           {QStringLiteral("updateAddCameraList"), memberMaps(after.members)},
+                           {QStringLiteral("updateRmPathList"), lostPaths},
+                           {QStringLiteral("updateAddPathList"), pathMaps(after.paths)},
+                           {QStringLiteral("updateSetRecordingGroup"), settingsMap(after)}});
+}
+
+StationReply carryOut(Station &station, int edit, const QString &volume, const QString &id)
+{
+    using namespace EditSequence;
+    const RecordingGroup after = groupAfter(edit, volume);
+    QVariantMap request{{QStringLiteral("recordingGroupID"), id}};
+    switch (kindOf(edit)) {
+    case Kind::Add:
+        return add(station, after);
+    case Kind::Update:
+        return update(station, id, groupAfter(edit - 1, volume), after);
+    case Kind::AddPath:
+        request.insert(pathMap(after.paths.back()));
+        return ask(station, QStringLiteral("addPathToRecordingGroup"), request);
+    case Kind::RemoveOrRename:
+        break;
+    }
+    if (isRemoval(edit)) {
+        return ask(station, QStringLiteral("removeRecordingGroup"),
+                   QVariantMap{{QStringLiteral("recordingGroupIDList"), QStringList{id}}});
+    }
+    request.insert(QStringLiteral("updateSetRecordingGroup"), settingsMap(after));
+    return ask(station, QStringLiteral("updateRecordingGroup"), request);
+}
+
+/// The id of the group that @p edit changes: the one that was made last.
+QString lastGroup(Station &station)
+{
+    const QVariantList groups = ask(station, QStringLiteral("getRecordingGroup"), {}).data.toList();
+    return groups.isEmpty() ? QString() : groups.back().toMap().value(QStringLiteral("recordingGroupID")).toString();
+}
+
+} // namespace
+
+/// A station that carries out the edits of EditSequence, and says the number of each once it was answered.
+/// Arguments: data folder, folder of the volume, number of the first edit.
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    Station station(StationSettings{arguments.value(1), {}, std::make_unique<OneVolume>()});
+    for (int number = 0; number < EditSequence::cameras; ++number) {
+        ask(station, QStringLiteral("station.addCamera"),
+            QVariantMap{{QStringLiteral("camName"), EditSequence::camera(number)},
+                        {QStringLiteral("streams"), EditSequence::streams}});
+    }
+    for (int edit = arguments.value(3).toInt(); edit < EditSequence::length; ++edit) {
+        const StationReply reply = carryOut(station, edit, arguments.value(2), lastGroup(station));
+        if (reply.returnCode != QStringLiteral("0")) {
+            std::fprintf(stderr, "edit %d: %s\n", edit, qPrintable(reply.returnCode));
+            return 1;
+        }
+        const QByteArray line = QByteArray::number(edit) + '\n';
+        if (write(STDOUT_FILENO, line.constData(), static_cast<size_t>(line.size())) != line.size())
+            return 2;
+    }
+    return 0;
+}

@@ -1,0 +1,133 @@
+#include "EditSequence.h"
+#include "groups/GroupStore.h"
+#include "store/Database.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+
+namespace {
+constexpr int patience = 60000; // milliseconds
+
+/// Everything of the groups but their ids, a line for each.
+QStringList texts(const QList<RecordingGroup> &groups)
+{
+    QStringList lines;
+    for (const RecordingGroup &group : groups) {
+        QStringList parts{group.name, group.folder, QString::number(group.reservedMinutes),
+                          QString::number(group.isReservedTimeEnabled), group.nodeIds.join(u',')};
+        for (const GroupPath &path : group.paths) {
+            parts.append(QStringLiteral("%1 %2 %3").arg(path.path).arg(path.reservedMegabytes).arg(path.isRecovery));
+        }
+        for (const GroupMember &member : group.members) {
+            parts.append(QStringLiteral("%1 %2 %3 %4")
+                             .arg(member.camera)
+                             .arg(member.stream)
+                             .arg(member.timeShift)
+                             .arg(member.seamless));
+        }
+        lines.append(parts.join(u'|'));
+    }
+    return lines;
+}
+} // namespace
+
+/// A station that is killed in the middle of its work: what it acknowledged is there, and nothing is half done.
+class StationCrashTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void aKilledStationForgetsNothing();
+
+private:
+    QString data() const { return m_folder->filePath(QStringLiteral("data")); }
+    QString volume() const { return m_folder->filePath(QStringLiteral("volume")); }
+    int runUntilKilled(int firstEdit, int lastEdit, qint64 microseconds);
+    QStringList stored() const;
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+};
+
+void StationCrashTest::init()
+{
+    QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+    m_folder = std::make_unique<QTemporaryDir>();
+    for (int number = 0; number < EditSequence::folders; ++number)
+        QVERIFY(QDir().mkpath(EditSequence::folder(volume(), number)));
+}
+
+/// Lets a station edit from @p firstEdit on. Kills it @p microseconds after it acknowledged @p lastEdit; that may be in
+/// the middle of one of the next. The number of edits that are acknowledged then, -1 when it ended by itself too soon.
+int StationCrashTest::runUntilKilled(int firstEdit, int lastEdit, qint64 microseconds)
+{
+    QProcess station;
+    station.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    station.start(QStringLiteral(EDITING_STATION), {data(), volume(), QString::number(firstEdit)});
+    QByteArray output;
+    int acknowledged = firstEdit;
+    const auto read = [&station, &output, &acknowledged] {
+        output += station.readAllStandardOutput();
+        const QByteArray lines = output.left(output.lastIndexOf('\n'));
+        if (!lines.isEmpty())
+            acknowledged = lines.mid(lines.lastIndexOf('\n') + 1).toInt() + 1;
+    };
+    while (acknowledged <= lastEdit) {
+        if (!station.waitForReadyRead(patience))
+            break;
+        read();
+    }
+    QElapsedTimer timer;
+    timer.start();
+    while (timer.nsecsElapsed() < microseconds * 1000) { } // a moment that differs from run to run
+    station.kill();
+    const bool isOver = station.waitForFinished(patience);
+    read();
+    const bool isAsMeant = lastEdit < EditSequence::length - 1 ? station.exitStatus() == QProcess::CrashExit
+                                                               : acknowledged == EditSequence::length;
+    return isOver && isAsMeant ? acknowledged : -1;
+}
+
+QStringList StationCrashTest::stored() const
+{
+    Database database(data());
+    QSqlQuery check = database.run(QStringLiteral("PRAGMA integrity_check"));
+    if (!check.next() || check.value(0).toString() != QStringLiteral("ok"))
+        return {QStringLiteral("damaged: ") + check.value(0).toString()};
+    if (database.run(QStringLiteral("PRAGMA foreign_key_check")).next())
+        return {QStringLiteral("a row without its group or camera")};
+    return texts(GroupStore(database).groups());
+}
+
+void StationCrashTest::aKilledStationForgetsNothing()
+{
+    constexpr int kills = 25;
+    int done = 0;
+    int unacknowledged = 0;
+    for (int kill = 1; kill <= kills; ++kill) {
+        const int last = EditSequence::length * kill / kills - 1;
+        const int acknowledged = runUntilKilled(done, last, kill * 7919 % 25000);
+        QVERIFY2(acknowledged > last, qPrintable(QStringLiteral("%1, %2").arg(acknowledged).arg(last)));
+        const QStringList found = stored();
+        // The edit that it was at is there or not, as a whole.
+        const bool isNextThere = found != texts(EditSequence::groupsAfter(acknowledged, volume()));
+        done = acknowledged + isNextThere;
+        unacknowledged += isNextThere;
+        QCOMPARE(found, texts(EditSequence::groupsAfter(done, volume())));
+    }
+    QCOMPARE(done, EditSequence::length);
+    qInfo("%d edits were done and not acknowledged", unacknowledged);
+    for (int number = 0; number < EditSequence::folders; ++number) {
+        const QDir folder(EditSequence::folder(volume(), number));
+        QCOMPARE(folder.entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot), QStringList());
+    }
+}
+
+QTEST_GUILESS_MAIN(StationCrashTest)
+#include "tst_station_crash.moc"
