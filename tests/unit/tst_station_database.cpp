@@ -1,13 +1,17 @@
+#include "groups/GroupStore.h"
 #include "store/Database.h"
 
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
+#include <QSqlDatabase>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <functional>
 #include <memory>
+#include <thread>
+#include <vector>
 
 /// The database under the station: a file that is there or is made, and transactions.
 class StationDatabaseTest : public QObject
@@ -21,6 +25,10 @@ private slots:
     void aCommittedTransactionIsThereForTheNext();
     void aTransactionThatIsNotCommittedLeavesNothing();
     void aWrongStatementIsNamed();
+    void anEmptyFileBecomesADatabase();
+    void aDatabaseOfTheFirstVersionIsBroughtUpToDate();
+    void twoWhoOpenAtOnceMakeTheTablesOnce();
+    void aWriterWaitsForAnother();
     void aDatabaseOfANewerStationIsRefusedAndKept();
     void aFileThatIsNoDatabaseIsRefusedAndKept();
     void aFolderThatCannotBeMadeIsNamed();
@@ -33,6 +41,33 @@ private:
 };
 
 namespace {
+/// A database as the first version of the tables had it. Stays as it is, whatever the tables become.
+constexpr const char *firstVersion[] = {
+    "CREATE TABLE camera (name TEXT PRIMARY KEY, streams INTEGER NOT NULL)",
+    "CREATE TABLE recording_group (number INTEGER PRIMARY KEY, id TEXT NOT NULL UNIQUE, name TEXT NOT NULL UNIQUE, "
+    "folder TEXT NOT NULL UNIQUE, reserved_minutes INTEGER NOT NULL, reserved_time_enabled INTEGER NOT NULL)",
+    "CREATE TABLE group_path (number INTEGER PRIMARY KEY, group_number INTEGER NOT NULL REFERENCES recording_group ON "
+    "DELETE CASCADE, path TEXT NOT NULL, kind INTEGER NOT NULL, reserved_megabytes INTEGER NOT NULL, recovery INTEGER "
+    "NOT NULL, UNIQUE (group_number, path))",
+    "CREATE TABLE group_member (number INTEGER PRIMARY KEY, group_number INTEGER NOT NULL REFERENCES recording_group "
+    "ON DELETE CASCADE, camera TEXT NOT NULL REFERENCES camera, stream INTEGER NOT NULL, time_shift INTEGER NOT NULL, "
+    "seamless INTEGER NOT NULL, UNIQUE (group_number, camera, stream))",
+    "CREATE TABLE group_node (number INTEGER PRIMARY KEY, group_number INTEGER NOT NULL REFERENCES recording_group ON "
+    "DELETE CASCADE, node TEXT NOT NULL, UNIQUE (group_number, node))",
+    "PRAGMA user_version = 1",
+    "INSERT INTO camera VALUES ('Cam', 2)",
+    "INSERT INTO recording_group VALUES (7, '{1}', 'Yard', 'yard', 90, 1)",
+    "INSERT INTO group_path VALUES (1, 7, '/srv', 0, 2048, 0)",
+    "INSERT INTO group_member VALUES (1, 7, 'Cam', 1, 0, 1)",
+    "INSERT INTO group_node VALUES (1, 7, 'node')",
+};
+
+int version(Database &database)
+{
+    QSqlQuery query = database.run(QStringLiteral("PRAGMA user_version"));
+    return query.next() ? query.value(0).toInt() : -1;
+}
+
 const QString insertCamera = QStringLiteral("INSERT INTO camera (name, streams) VALUES (?, ?)");
 
 QString errorOf(const std::function<void()> &action)
@@ -99,6 +134,100 @@ void StationDatabaseTest::aWrongStatementIsNamed()
     const QString error = errorOf([&database] { database.run(QStringLiteral("SELECT colour FROM camera")); });
     QVERIFY2(error.contains(QStringLiteral("SELECT colour FROM camera")), qPrintable(error));
     QVERIFY2(error.contains(QStringLiteral("colour"), Qt::CaseSensitive), qPrintable(error));
+}
+
+void StationDatabaseTest::anEmptyFileBecomesADatabase()
+{
+    QVERIFY(QDir().mkpath(folder()));
+    QFile file(folder() + QStringLiteral("/station.db"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.close();
+    Database database(folder());
+    QCOMPARE(cameras(database), 0);
+}
+
+void StationDatabaseTest::aDatabaseOfTheFirstVersionIsBroughtUpToDate()
+{
+    QVERIFY(QDir().mkpath(folder()));
+    {
+        QSqlDatabase first = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("first"));
+        first.setDatabaseName(folder() + QStringLiteral("/station.db"));
+        QVERIFY(first.open());
+        for (const char *statement : firstVersion) {
+            QSqlQuery query(first);
+            QVERIFY2(query.exec(QString::fromLatin1(statement)), statement);
+        }
+        first.close();
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("first"));
+
+    int newest = 0;
+    {
+        Database fresh(m_folder->filePath(QStringLiteral("fresh")));
+        newest = version(fresh);
+        QVERIFY(newest >= 1);
+    }
+    for (int opened = 0; opened < 2; ++opened) {
+        Database database(folder());
+        QCOMPARE(version(database), newest);
+        const QList<RecordingGroup> groups = GroupStore(database).groups();
+        QCOMPARE(groups.size(), 1);
+        QCOMPARE(groups.front().name, QStringLiteral("Yard"));
+        QCOMPARE(groups.front().folder, QStringLiteral("yard"));
+        QCOMPARE(groups.front().reservedMinutes, 90);
+        QVERIFY(groups.front().isReservedTimeEnabled);
+        QCOMPARE(groups.front().paths.size(), 1);
+        QCOMPARE(groups.front().paths.front().path, QStringLiteral("/srv"));
+        QCOMPARE(groups.front().paths.front().reservedMegabytes, 2048);
+        QCOMPARE(groups.front().members.size(), 1);
+        QCOMPARE(groups.front().members.front().camera, QStringLiteral("Cam"));
+        QVERIFY(groups.front().members.front().seamless);
+        QCOMPARE(groups.front().nodeIds, QStringList{QStringLiteral("node")});
+    }
+}
+
+void StationDatabaseTest::twoWhoOpenAtOnceMakeTheTablesOnce()
+{
+    constexpr int count = 4;
+    std::vector<QString> errors(count);
+    std::vector<std::thread> threads;
+    for (QString &error : errors) {
+        threads.emplace_back([this, &error] { error = errorOf([this] { const Database database(folder()); }); });
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+    for (const QString &error : errors)
+        QCOMPARE(error, QString());
+    Database database(folder());
+    QCOMPARE(cameras(database), 0);
+}
+
+void StationDatabaseTest::aWriterWaitsForAnother()
+{
+    Database database(folder());
+    database.run(insertCamera, {QStringLiteral("Gate"), 0});
+    constexpr int rounds = 50;
+    const auto count = [this] { // reads, then writes what it read and one more
+        Database own(folder());
+        for (int round = 0; round < rounds; ++round) {
+            Transaction transaction(own);
+            QSqlQuery query = own.run(QStringLiteral("SELECT streams FROM camera"));
+            query.next();
+            const int streams = query.value(0).toInt();
+            query.finish();
+            own.run(QStringLiteral("UPDATE camera SET streams = ?"), {streams + 1});
+            transaction.commit();
+        }
+    };
+    QString otherError;
+    std::thread other([&] { otherError = errorOf(count); });
+    const QString error = errorOf(count);
+    other.join();
+    QCOMPARE(error, QString());
+    QCOMPARE(otherError, QString());
+    QSqlQuery query = database.run(QStringLiteral("SELECT streams FROM camera"));
+    QVERIFY(query.next());
+    QCOMPARE(query.value(0).toInt(), 2 * rounds);
 }
 
 void StationDatabaseTest::aDatabaseOfANewerStationIsRefusedAndKept()

@@ -1,4 +1,7 @@
 #include "StationClient.h"
+#include "StationData.h"
+#include "groups/GroupCommands.h"
+#include "groups/LocalPaths.h"
 
 #include <QDir>
 #include <QFile>
@@ -8,6 +11,8 @@
 #include <QUuid>
 
 #include <memory>
+#include <thread>
+#include <utility>
 
 namespace {
 const QString unknownId = QStringLiteral("{00000000-0000-0000-0000-000000000000}");
@@ -101,7 +106,9 @@ private slots:
     void camerasAreRefused();
     void everythingIsThereForTheNextStation();
     void twoStationsOnOneDatabaseTakeTurns();
+    void twoStationsAtOnceReserveNoMoreThanThereIs();
     void aDatabaseThatCannotBeOpenedIsAFailure();
+    void whoeverAsksIsToldOfEveryEdit();
 
 private:
     QString path(const QString &name) const { return m_folder->filePath(name); }
@@ -678,6 +685,68 @@ void StationGroupsTest::twoStationsOnOneDatabaseTakeTurns()
     request.insert(QStringLiteral("reserveSpace"), 4 * 1024);
     QCOMPARE(other->ask(QStringLiteral("addRecordingGroup"), request).returnCode, QStringLiteral("0"));
     QCOMPARE(m_station->ask(QStringLiteral("getRecordingGroup")).data.toList().size(), 2);
+}
+
+void StationGroupsTest::twoStationsAtOnceReserveNoMoreThanThereIs()
+{
+    // Each asks for 1 GB at a time, until the disk of 10 GB is spoken for.
+    const auto fill = [this](const QString &name, QStringList &codes) {
+        const std::unique_ptr<StationClient> station = makeStation();
+        for (int number = 0; number < 12; ++number) {
+            QVariantMap request = pathMap(path(QStringLiteral("disk/a")), 1024);
+            request.insert(QStringLiteral("recordingGroupName"), name + QString::number(number));
+            codes.append(station->ask(QStringLiteral("addRecordingGroup"), request).returnCode);
+        }
+    };
+    QStringList codes;
+    QStringList otherCodes;
+    std::thread other([&] { fill(QStringLiteral("other "), otherCodes); });
+    fill(QStringLiteral("one "), codes);
+    other.join();
+    codes += otherCodes;
+    QCOMPARE(codes.count(QStringLiteral("0")), 10);
+    QCOMPARE(codes.count(QStringLiteral("ReservedSpaceExceedsVolume")), 14);
+    QCOMPARE(m_station->ask(QStringLiteral("getRecordingGroup")).data.toList().size(), 10);
+}
+
+void StationGroupsTest::whoeverAsksIsToldOfEveryEdit()
+{
+    const FakeVolumes volumes({{m_folder->path(), QStringLiteral("Disk"), 1 << 30, 1 << 30, false, false}});
+    const LocalPaths paths(volumes);
+    StationData data(path(QStringLiteral("data")));
+    QStringList log;
+    CommandTable table;
+    GroupCommands commands(data, {&paths, nullptr, nullptr}, {}, [&log] { log.append(QStringLiteral("changed")); });
+    commands.enterInto(table);
+    QVariant id;
+    const auto ask = [&](const char *command, const QVariantMap &request) {
+        table.value(QString::fromLatin1(command))(request, [&](const StationReply &part) {
+            log.append(part.returnCode);
+            id = part.data.toMap().value(QStringLiteral("recordingGroupID"), id);
+        });
+        return std::exchange(log, {}).join(u' ');
+    };
+    const QVariantMap group = groupMap(QStringLiteral("a"), {pathMap(path(QStringLiteral("disk/a")))});
+    QCOMPARE(ask("addRecordingGroupWithCompleteInfo", group), QStringLiteral("0 changed"));
+    const QString made = id.toString();
+    QCOMPARE(ask("addRecordingGroupWithCompleteInfo", group), QStringLiteral("RecordingGroupNameInUse"));
+    QVariantMap other = pathMap(path(QStringLiteral("disk/b")));
+    other.insert(QStringLiteral("recordingGroupName"), QStringLiteral("b"));
+    QCOMPARE(ask("addRecordingGroup", other), QStringLiteral("0 changed"));
+    other.insert(idMap(made));
+    QCOMPARE(ask("addPathToRecordingGroup", other), QStringLiteral("0 changed"));
+    QCOMPARE(ask("addPathToRecordingGroup", other), QStringLiteral("PathInGroup"));
+    QCOMPARE(ask("updateRecordingGroup", idMap(made)), QStringLiteral("0 changed"));
+    QCOMPARE(ask("updateRecordingGroup", idMap(unknownId)), QStringLiteral("RecordingGroupNotFound"));
+    QCOMPARE(ask("retrieveRecordingGroupTreeModel", ownTree()), QStringLiteral("0"));
+    const QStringList twice{made, made};
+    const QString disk = path(QStringLiteral("disk/b"));
+    QCOMPARE(ask("removePathFromRecordingGroup",
+                 {{QStringLiteral("recordingGroupIDList"), twice},
+                  {QStringLiteral("recordingGroupPathList"), QStringList{disk, disk}}}),
+             QStringLiteral("0 changed PathNotInGroup"));
+    QCOMPARE(ask("removeRecordingGroup", {{QStringLiteral("recordingGroupIDList"), twice}}),
+             QStringLiteral("0 changed RecordingGroupNotFound"));
 }
 
 void StationGroupsTest::aDatabaseThatCannotBeOpenedIsAFailure()
