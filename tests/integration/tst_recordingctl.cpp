@@ -1,3 +1,5 @@
+#include "ToolRun.h"
+
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
@@ -17,51 +19,6 @@ namespace {
 qint64 rootSize()
 {
     return static_cast<qint64>(std::filesystem::space("/").capacity) / 1024;
-}
-
-struct Run
-{
-    int exitCode = -1;
-    QString output;
-    QString errors;
-
-    QStringList outputLines() const { return output.split(u'\n', Qt::SkipEmptyParts); }
-    QStringList errorLines() const { return errors.split(u'\n', Qt::SkipEmptyParts); }
-    QJsonObject json() const { return QJsonDocument::fromJson(output.toUtf8()).object(); }
-};
-
-Run finished(QProcess &process)
-{
-    if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit)
-        return {};
-    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError())};
-}
-
-/// That of this test, without wishes for the trace log.
-QProcessEnvironment quietEnvironment()
-{
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.remove(QStringLiteral("RECORDING_TRACE_LEVEL"));
-    environment.remove(QStringLiteral("RECORDING_TRACE_FILE"));
-    return environment;
-}
-
-Run run(const QStringList &arguments, const QByteArray &input = {}, const QString &program = RECORDINGCTL)
-{
-    QProcess process;
-    process.setProcessEnvironment(quietEnvironment());
-    process.start(program, arguments);
-    process.write(input);
-    process.closeWriteChannel();
-    return finished(process);
-}
-
-/// The words of a line of a table.
-QStringList words(const QString &line)
-{
-    static const QRegularExpression gap(QStringLiteral("  +"));
-    return line.split(gap);
 }
 
 } // namespace
