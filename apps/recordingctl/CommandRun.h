@@ -8,8 +8,8 @@
 #include <QString>
 #include <QVariant>
 
+#include <concepts>
 #include <functional>
-#include <type_traits>
 
 class ClientSession;
 
@@ -32,14 +32,14 @@ public:
     CallOutcome callStation(const QString &command, const QVariant &data = {});
 
     /// Calls the query @p name of the plug-in, over what was fetched already.
-    /// @param arguments strings, as many as the query takes
-    template<typename Result, typename... Arguments>
-    Result read(const char *name, const Arguments &...arguments) const
+    template<typename Result, std::same_as<QString>... Texts>
+    Result read(const char *name, const Texts &...arguments) const
     {
         Result result{};
-        [[maybe_unused]] const bool isCalled = QMetaObject::invokeMethod(
-            &plugin(), name, Qt::DirectConnection,
-            QReturnArgument<Result>(QMetaType::fromType<Result>().name(), result), Q_ARG(QString, arguments)...);
+        [[maybe_unused]] const bool isCalled =
+            QMetaObject::invokeMethod(&plugin(), name, Qt::DirectConnection,
+                                      QGenericReturnArgument(QMetaType::fromType<Result>().name(), &result),
+                                      QGenericArgument("QString", &arguments)...);
         Q_ASSERT(isCalled);
         return result;
     }

@@ -26,12 +26,19 @@ private:
     mutable QSemaphore m_never;
 };
 
-/// A station whose disk hangs, and which once tells that its volumes changed.
+/// A station whose disk hangs, and which once tells that its volumes changed: one is gone.
 std::unique_ptr<Station> makeStation()
 {
     auto station = std::make_unique<Station>(StationSettings{{}, {}, std::make_unique<HangingVolumes>()});
     const auto tell = [station = station.get()] {
-        const QVariantMap volume{{QStringLiteral("volumePath"), QStringLiteral("/srv")}};
+        const QVariantMap volume{{QStringLiteral("recordingGroupID"), QStringLiteral("1")},
+                                 {QStringLiteral("recordingGroupName"), QStringLiteral("Yard")},
+                                 {QStringLiteral("recordingGroupReservedTime"), 4320},
+                                 {QStringLiteral("recordingPath"), QStringLiteral("/srv")},
+                                 {QStringLiteral("volumeSize"), 0},
+                                 {QStringLiteral("volumeAvailableSize"), 0},
+                                 {QStringLiteral("volumeOneDayUsage"), -1},
+                                 {QStringLiteral("volumeRecordedDays"), 1}};
         emit station->eventRaised({QStringLiteral("VolumeChanged"), QVariantList{volume}});
     };
     QMetaObject::invokeMethod(station.get(), tell, Qt::QueuedConnection); // once somebody listens

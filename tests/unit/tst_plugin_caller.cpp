@@ -212,13 +212,17 @@ void TestPluginCaller::waitsForTheLastPart()
 
 void TestPluginCaller::firstRefusedPartCounts()
 {
-    m_link->answers["removeRecordingGroup"] = {{{"0", {}, false}, {"InUse", {}, false}, {"0", {}, true}}};
+    m_link->answers["removeRecordingGroup"] = {{{"0", {}, false}, {"InUse", "b", false}, {"0", {}, true}}};
 
     const CallOutcome outcome = call("removeRecordingGroup", {QStringList{"a", "b", "c"}});
 
     QCOMPARE(outcome.exitCode, ExitCode::Refused);
     QCOMPARE(outcome.returnCode, "InUse");
     QCOMPARE(outcome.answers.size(), 3);
+    QCOMPARE(outcome.parts.size(), 3);
+    QCOMPARE(outcome.parts.at(1).returnCode, "InUse");
+    QCOMPARE(outcome.parts.at(1).data, QVariant("b"));
+    QVERIFY(outcome.parts.at(2).finish);
 }
 
 void TestPluginCaller::usageIsAnsweredByAnEvent()
