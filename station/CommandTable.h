@@ -20,3 +20,12 @@ inline StationReply lastPart(const QString &returnCode, const QVariant &data = {
 {
     return {returnCode, data, true};
 }
+
+/// Does @p work, a part of carrying @p command out. Whatever it throws becomes the last part of the reply, and a line
+/// in the station's log where that tells more. For handlers that answer later; what they throw at once is caught
+/// already.
+void answerFailures(const QString &command, const Answer &answer, const std::function<void()> &work);
+
+/// @p relayPath when it names the station that is called @p own: it is the same or empty. Else UnknownStation is given
+/// to @p answer and the result is false.
+bool isMeant(const QString &relayPath, const QString &own, const Answer &answer);

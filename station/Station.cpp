@@ -1,8 +1,6 @@
 #include "Station.h"
 
 #include "MountedVolumes.h"
-#include "RequestMap.h"
-#include "StationLog.h"
 #include "StationProtocol.h"
 #include "store/Database.h"
 
@@ -27,12 +25,20 @@ Station::Station(StationSettings settings, QObject *parent)
     , m_data(settings.dataFolder)
     , m_localPaths(*m_volumes)
     , m_volumeCommands(*m_volumes)
-    , m_groupCommands(m_data, PathChecks{&m_localPaths, nullptr, nullptr}, settings.relayPath)
+    , m_nasAccounts(m_data)
+    , m_nasWork(settings.nasTimeLimit)
+    , m_hostPaths(PathKind::NetHost, m_nasAccounts, m_nasWork)
+    , m_domainPaths(PathKind::NetDomain, m_nasAccounts, m_nasWork)
+    , m_groupCommands(m_data, PathChecks{&m_localPaths, &m_hostPaths, &m_domainPaths}, settings.relayPath)
     , m_cameraCommands(m_data)
+    , m_nasRegistry(m_nasAccounts, m_nasWork, settings.relayPath)
+    , m_nasShares(m_nasAccounts, m_nasWork, settings.relayPath)
 {
     m_volumeCommands.enterInto(m_commands);
     m_groupCommands.enterInto(m_commands);
     m_cameraCommands.enterInto(m_commands);
+    m_nasRegistry.enterInto(m_commands);
+    m_nasShares.enterInto(m_commands);
 }
 
 Station::~Station() = default;
@@ -40,20 +46,11 @@ Station::~Station() = default;
 void Station::handle(const StationCommand &command, const Answer &answer)
 {
     const Answer part = untilFinished(answer);
-    // Whatever goes wrong, a command gets its last part, and nothing is thrown into the thread's event loop.
-    try {
+    answerFailures(command.name, part, [&] {
         const auto handler = m_commands.constFind(command.name);
         if (handler == m_commands.constEnd())
             part(lastPart(StationReturnCode::UnknownCommand));
         else
             (*handler)(command.data, part);
-    } catch (const BadRequest &error) {
-        qCInfo(stationLog, "%s: %s", qPrintable(command.name), error.what());
-        part(lastPart(StationReturnCode::BadRequest));
-    } catch (const DatabaseError &error) {
-        qCWarning(stationLog, "%s: %s", qPrintable(command.name), error.what());
-        part(lastPart(StationReturnCode::DatabaseFailed));
-    } catch (...) {
-        part(lastPart(StationReturnCode::InternalError));
-    }
+    });
 }

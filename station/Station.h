@@ -3,17 +3,22 @@
 #include "CommandTable.h"
 #include "StationData.h"
 #include "StationSettings.h"
+#include "TimedWork.h"
 #include "VolumeCommands.h"
 #include "groups/CameraCommands.h"
 #include "groups/GroupCommands.h"
 #include "groups/LocalPaths.h"
+#include "nas/NasAccounts.h"
+#include "nas/NasPaths.h"
+#include "nas/NasRegistry.h"
+#include "nas/NasShares.h"
 
 #include <QObject>
 
 #include <memory>
 
-/// A recording server: does what commands ask for on the machine that it runs on. Lives on one thread of its own and
-/// may block there.
+/// A recording server: does what commands ask for on the machine that it runs on. Lives on one thread of its own with
+/// an event loop and may block there.
 class Station : public QObject
 {
     Q_OBJECT
@@ -34,7 +39,13 @@ private:
     StationData m_data;
     LocalPaths m_localPaths;
     VolumeCommands m_volumeCommands;
+    NasAccounts m_nasAccounts;
+    TimedWork m_nasWork;
+    NasPaths m_hostPaths;
+    NasPaths m_domainPaths;
     GroupCommands m_groupCommands;
     CameraCommands m_cameraCommands;
+    NasRegistry m_nasRegistry;
+    NasShares m_nasShares;
     CommandTable m_commands;
 };

@@ -12,6 +12,13 @@ const QString StationCommandName::removeRecordingGroup = QStringLiteral("removeR
 const QString StationCommandName::addRecordingGroupWithCompleteInfo =
     QStringLiteral("addRecordingGroupWithCompleteInfo");
 const QString StationCommandName::updateRecordingGroup = QStringLiteral("updateRecordingGroup");
+const QString StationCommandName::GetNasServers = QStringLiteral("GetNasServers");
+const QString StationCommandName::AddNasServer = QStringLiteral("AddNasServer");
+const QString StationCommandName::UpdateNASServer = QStringLiteral("UpdateNASServer");
+const QString StationCommandName::RemoveNASServer = QStringLiteral("RemoveNASServer");
+const QString StationCommandName::GetNasDir = QStringLiteral("GetNasDir");
+const QString StationCommandName::GetNasCapacity = QStringLiteral("GetNasCapacity");
+const QString StationCommandName::addNASPathsToVolume = QStringLiteral("addNASPathsToVolume");
 
 const QString StationOwnCommandName::listCameras = QStringLiteral("station.listCameras");
 const QString StationOwnCommandName::addCamera = QStringLiteral("station.addCamera");
@@ -59,6 +66,17 @@ const QString StationKey::index = QStringLiteral("index");
 const QString StationKey::value = QStringLiteral("value");
 const QString StationKey::returnCode = QStringLiteral("returnCode");
 const QString StationKey::reason = QStringLiteral("reason");
+const QString StationKey::id = QStringLiteral("id");
+const QString StationKey::host = QStringLiteral("host");
+const QString StationKey::logonDomain = QStringLiteral("logonDomain");
+const QString StationKey::userName = QStringLiteral("userName");
+const QString StationKey::password = QStringLiteral("password");
+const QString StationKey::total = QStringLiteral("total");
+const QString StationKey::used = QStringLiteral("used");
+const QString StationKey::pathList = QStringLiteral("pathList");
+const QString StationKey::diskName = QStringLiteral("diskName");
+const QString StationKey::diskTotal = QStringLiteral("diskTotal");
+const QString StationKey::diskUsed = QStringLiteral("diskUsed");
 
 const QString StationReturnCode::Success = QStringLiteral("0");
 const QString StationReturnCode::UnknownCommand = QStringLiteral("UnknownCommand");

@@ -18,6 +18,13 @@ extern const QString removePathFromRecordingGroup;
 extern const QString removeRecordingGroup;
 extern const QString addRecordingGroupWithCompleteInfo;
 extern const QString updateRecordingGroup;
+extern const QString GetNasServers;
+extern const QString AddNasServer;
+extern const QString UpdateNASServer;
+extern const QString RemoveNASServer;
+extern const QString GetNasDir;
+extern const QString GetNasCapacity;
+extern const QString addNASPathsToVolume;
 } // namespace StationCommandName
 
 /// Commands of the station's own, which begin with "station.": for whoever sets it up.
@@ -71,6 +78,17 @@ extern const QString index;
 extern const QString value;
 extern const QString returnCode;
 extern const QString reason;
+extern const QString id;
+extern const QString host;
+extern const QString logonDomain;
+extern const QString userName;
+extern const QString password;
+extern const QString total;
+extern const QString used;
+extern const QString pathList;
+extern const QString diskName;
+extern const QString diskTotal;
+extern const QString diskUsed;
 } // namespace StationKey
 
 /// What a StationReply says in its return code: "0" for success, else one word for each kind of refusal.
@@ -124,7 +142,7 @@ extern const QString NASServerExist; ///< that user of that host is registered a
 extern const QString GetNasDirFailed; ///< the folder cannot be listed: missing, no share, not allowed, no path
 extern const QString GetNasCapacityFailed; ///< the same for its capacity
 extern const QString NasServerNotResponding; ///< no such host, nothing listens there, or it says nothing
-extern const QString NasServerNotFound; ///< no NAS server is registered under that id or host
+extern const QString NasServerNotFound; ///< no NAS server is registered under that id, or for the host of the path
 extern const QString NasHostRefused; ///< empty, or not written as a host name is
 extern const QString NasKeyUnusable; ///< the key of the stored passwords is lost or damaged; the log says how
 } // namespace StationReturnCode

@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include <chrono>
 #include <memory>
 
 /// What tells one station from another.
@@ -16,6 +17,8 @@ struct StationSettings
     QString relayPath;
     /// Null: the storage volumes mounted on this machine.
     std::unique_ptr<VolumeSource> volumes;
+    /// How long a NAS server may take for what one command needs of it.
+    std::chrono::milliseconds nasTimeLimit = std::chrono::seconds(10);
 };
 
 /// "recording-station" below the folder where this user's programs keep their data.

@@ -1,9 +1,24 @@
 #include "TimedWork.h"
 
+#include <QDeadlineTimer>
+#include <QSemaphore>
+#include <QThread>
 #include <QTimer>
 
 #include <mutex>
 #include <utility>
+
+namespace {
+bool succeeds(const std::function<void()> &work)
+{
+    try {
+        work();
+        return true;
+    } catch (...) {
+        return false;
+    }
+}
+} // namespace
 
 /// What a thread that was given up may still look at.
 struct TimedWork::Ledger
@@ -41,12 +56,7 @@ void TimedWork::start(std::function<void()> work, std::function<void(bool)> done
     const quint64 number = ++m_lastNumber;
     m_outstanding.insert(number, std::move(done));
     m_threads->start([ledger = m_ledger, number, work = std::move(work)] {
-        bool isDone = true;
-        try {
-            work();
-        } catch (...) {
-            isDone = false;
-        }
+        const bool isDone = succeeds(work);
         const std::lock_guard lock(ledger->mutex);
         TimedWork *const owner = ledger->owner;
         if (owner) {
@@ -55,6 +65,27 @@ void TimedWork::start(std::function<void()> work, std::function<void(bool)> done
         }
     });
     QTimer::singleShot(m_limit, this, [this, number] { finish(number, false); });
+}
+
+bool TimedWork::awaitDone(std::function<void()> work)
+{
+    struct Outcome
+    {
+        QSemaphore ended;
+        bool isDone = false;
+    };
+    const auto outcome = std::make_shared<Outcome>();
+    m_threads->start([outcome, work = std::move(work)] {
+        outcome->isDone = succeeds(work);
+        outcome->ended.release();
+    });
+    constexpr int look = 20; // milliseconds between two looks at whether this thread shall end
+    const QDeadlineTimer deadline(m_limit);
+    while (!outcome->ended.tryAcquire(1, look)) {
+        if (deadline.hasExpired() || QThread::currentThread()->isInterruptionRequested())
+            return false;
+    }
+    return outcome->isDone;
 }
 
 void TimedWork::finish(quint64 number, bool isDone)

@@ -20,6 +20,8 @@ public:
     /// itself, so work must not use what ends before the process does.
     ~TimedWork() override;
 
+    std::chrono::milliseconds limit() const { return m_limit; }
+
     /// Runs @p work, and gives what it returned to @p done; @p late instead when the limit passed before, or when the
     /// work threw. Exactly one of them, and never from within this call.
     template<typename Result>
@@ -30,8 +32,19 @@ public:
               [result, late, done = std::move(done)](bool isDone) { done(isDone ? *result : late); });
     }
 
+    /// Runs @p work and waits for it here, no longer than the limit, nor than until this thread is asked to end; the
+    /// result is @p late then, and when the work threw.
+    template<typename Result>
+    Result await(std::function<Result()> work, const Result &late)
+    {
+        const auto result = std::make_shared<Result>(late);
+        return awaitDone([result, work = std::move(work)] { *result = work(); }) ? *result : late;
+    }
+
 private:
     struct Ledger;
+
+    bool awaitDone(std::function<void()> work);
 
     void start(std::function<void()> work, std::function<void(bool)> done);
     void finish(quint64 number, bool isDone);

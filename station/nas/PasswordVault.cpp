@@ -185,3 +185,8 @@ bool PasswordVault::isToken(const QString &text, const QString &id) const
     return given.size() == expected.size()
         && sodium_memcmp(given.constData(), expected.constData(), static_cast<size_t>(expected.size())) == 0;
 }
+
+bool PasswordVault::looksLikeToken(const QString &text)
+{
+    return text.startsWith(QLatin1String(tokenPrefix));
+}

@@ -37,6 +37,8 @@ public:
     QString token(const QString &id) const;
     /// Whether @p text is token(@p id).
     bool isToken(const QString &text, const QString &id) const;
+    /// Whether @p text may be a token at all; needs no key.
+    static bool looksLikeToken(const QString &text);
 
 private:
     QByteArray m_passwordKey;

@@ -44,6 +44,16 @@ constexpr Step steps[] = {
             group_number INTEGER NOT NULL REFERENCES recording_group ON DELETE CASCADE,
             node TEXT NOT NULL,
             UNIQUE (group_number, node)))"},
+    {"NAS servers", R"(
+        CREATE TABLE nas_server (
+            number INTEGER PRIMARY KEY,
+            id TEXT NOT NULL UNIQUE,
+            host TEXT NOT NULL,
+            host_key TEXT NOT NULL,
+            logon_domain TEXT NOT NULL,
+            user_name TEXT NOT NULL,
+            sealed_password BLOB NOT NULL,
+            UNIQUE (host_key, user_name)))"},
 };
 
 int version(Database &database)

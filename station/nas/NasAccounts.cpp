@@ -1,0 +1,92 @@
+#include "NasAccounts.h"
+
+#include "PasswordVault.h"
+#include "StationData.h"
+#include "StationLog.h"
+
+#include <QDir>
+
+#include <algorithm>
+
+namespace {
+bool isOn(const SmbPath &place, const NasServer &server)
+{
+    const std::optional<SmbPath> host = SmbPath::parseHost(server.host);
+    return host && host->isOnHostOf(place);
+}
+
+bool isOf(NasAccounts::Account account, const NasServer &server)
+{
+    const bool isServersOwn =
+        server.logonDomain.isEmpty() || server.logonDomain.compare(QStringLiteral("Host"), Qt::CaseInsensitive) == 0;
+    return account == NasAccounts::Account::Any || isServersOwn == (account == NasAccounts::Account::OfHost);
+}
+} // namespace
+
+NasAccounts::NasAccounts(StationData &data)
+    : m_data(data)
+{
+}
+
+NasAccounts::~NasAccounts() = default;
+
+Database &NasAccounts::database()
+{
+    return m_data.database();
+}
+
+NasStore NasAccounts::store()
+{
+    return NasStore(database());
+}
+
+const PasswordVault &NasAccounts::vault()
+{
+    if (!m_vault) {
+        const bool isNeeded = !store().servers().isEmpty();
+        m_vault = std::make_unique<PasswordVault>(QDir(m_data.folder()).filePath(QStringLiteral("nas.key")),
+                                                  isNeeded ? PasswordVault::WhenMissing::Fail
+                                                           : PasswordVault::WhenMissing::Create);
+    }
+    return *m_vault;
+}
+
+QString NasAccounts::token(const QString &id)
+{
+    try {
+        return vault().token(id);
+    } catch (const VaultError &error) {
+        qCWarning(stationLog, "%s", error.what());
+        return {};
+    }
+}
+
+SmbLogon NasAccounts::resolved(const SmbLogon &logon, const SmbPath &place)
+{
+    const QList<NasServer> servers = store().servers();
+    for (const NasServer &server : servers) {
+        if (isOn(place, server) && PasswordVault::looksLikeToken(logon.password)
+            && vault().isToken(logon.password, server.id))
+            return resolved(logon, server);
+    }
+    return logon;
+}
+
+SmbLogon NasAccounts::resolved(const SmbLogon &logon, const NasServer &server)
+{
+    if (!PasswordVault::looksLikeToken(logon.password) || !vault().isToken(logon.password, server.id))
+        return logon;
+    return {logon.domain, logon.userName, vault().decrypted(server.sealedPassword)};
+}
+
+std::optional<SmbLogon> NasAccounts::registered(const SmbPath &place, Account preferred)
+{
+    QList<NasServer> servers = store().servers();
+    servers.removeIf([&place](const NasServer &server) { return !isOn(place, server); });
+    if (servers.isEmpty())
+        return {};
+    const auto found = std::find_if(servers.cbegin(), servers.cend(),
+                                    [preferred](const NasServer &server) { return isOf(preferred, server); });
+    const NasServer &server = found == servers.cend() ? servers.first() : *found;
+    return SmbLogon{server.logonDomain, server.userName, vault().decrypted(server.sealedPassword)};
+}

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "NasStore.h"
+#include "smb/SmbClient.h"
+
+#include <memory>
+#include <optional>
+
+class Database;
+class PasswordVault;
+class StationData;
+
+/// The registered NAS servers together with their passwords, which leave this object only as tokens or for a log-on.
+///
+/// The key lies in the file "nas.key" of the station's data folder. It is made with the first server; when it is lost
+/// while servers are registered, everything that needs a password throws VaultError, until the key is back or the
+/// servers are removed.
+class NasAccounts
+{
+public:
+    /// @param data must outlive this object
+    explicit NasAccounts(StationData &data);
+    ~NasAccounts();
+
+    Database &database();
+    NasStore store();
+    /// The key, read at the first call. Throws VaultError.
+    const PasswordVault &vault();
+    /// What stands for the password of the server @p id; empty, with a line in the station's log, without the key: a
+    /// server can then still be seen and removed.
+    QString token(const QString &id);
+
+    /// @p logon as it is used for @p place: a token of a server registered for its host becomes that server's password.
+    SmbLogon resolved(const SmbLogon &logon, const SmbPath &place);
+    /// @p logon as it is used for the server @p server: its token becomes its password, on whatever host.
+    SmbLogon resolved(const SmbLogon &logon, const NasServer &server);
+
+    enum class Account { Any, OfHost, OfDomain };
+    /// How to log on to the host of @p place: as the first user registered for it, preferably one whose account is the
+    /// server's own, or one of a domain.
+    std::optional<SmbLogon> registered(const SmbPath &place, Account preferred = Account::Any);
+
+private:
+    StationData &m_data;
+    std::unique_ptr<PasswordVault> m_vault;
+};

@@ -1,0 +1,77 @@
+#include "NasPaths.h"
+
+#include "NasAccounts.h"
+#include "StationProtocol.h"
+#include "TimedWork.h"
+
+namespace {
+PathFacts refused(const QString &returnCode, const QString &reason = {})
+{
+    PathFacts facts;
+    facts.returnCode = returnCode;
+    facts.reason = reason;
+    return facts;
+}
+
+PathFacts spaceAt(SmbClient &client, const SmbPath &place)
+{
+    const SmbSpace space = client.space(place);
+    if (space.returnCode == StationReturnCode::GetNasCapacityFailed)
+        return refused(StationReturnCode::DirectoryNotFound);
+    SmbPath share = place;
+    share.folders.clear();
+    // Names on these servers are the same in capitals and small letters.
+    return {space.returnCode, {}, share.text().toCaseFolded(), space.bytesTotal, place.text().toCaseFolded()};
+}
+
+PathFacts writableSpaceAt(SmbClient &client, const SmbPath &place)
+{
+    const QString code = client.writeProbe(place);
+    for (const QString &reason : {StationReturnCode::PermissionDenied, StationReturnCode::VolumeReadOnly,
+                                  StationReturnCode::VolumeFull, StationReturnCode::CannotCreate}) {
+        if (code == reason)
+            return refused(StationReturnCode::PathNotWritable, reason);
+    }
+    return code == StationReturnCode::Success ? spaceAt(client, place) : refused(code);
+}
+} // namespace
+
+NasPaths::NasPaths(PathKind kind, NasAccounts &accounts, TimedWork &work)
+    : m_kind(kind)
+    , m_accounts(accounts)
+    , m_work(work)
+{
+}
+
+PathFacts NasPaths::look(const QString &path) const
+{
+    return asked(path, writableSpaceAt);
+}
+
+PathFacts NasPaths::volumeOf(const QString &path) const
+{
+    return asked(path, spaceAt);
+}
+
+PathFacts NasPaths::asked(const QString &path, const Ask &ask) const
+{
+    constexpr std::chrono::seconds silence(15);
+    const std::optional<SmbPath> place = SmbPath::parse(path);
+    if (!place || place->share.isEmpty())
+        return refused(StationReturnCode::PathTypeRefused);
+    const std::optional<SmbLogon> logon = m_accounts.registered(
+        *place, m_kind == PathKind::NetHost ? NasAccounts::Account::OfHost : NasAccounts::Account::OfDomain);
+    if (!logon)
+        return refused(StationReturnCode::NasServerNotFound);
+    const QString host = QStringLiteral("%1:%2").arg(place->host.toLower()).arg(place->port);
+    if (!m_silentHosts.value(host, QDeadlineTimer(0)).hasExpired())
+        return refused(StationReturnCode::NasServerNotResponding);
+    const auto work = [place = *place, logon = *logon, ask, limit = m_work.limit()] {
+        SmbClient client(logon, limit);
+        return ask(client, place);
+    };
+    const PathFacts facts = m_work.await<PathFacts>(work, refused(StationReturnCode::NasServerNotResponding));
+    if (facts.returnCode == StationReturnCode::NasServerNotResponding)
+        m_silentHosts.insert(host, QDeadlineTimer(silence));
+    return facts;
+}

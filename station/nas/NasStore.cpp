@@ -1,0 +1,75 @@
+#include "NasStore.h"
+
+#include "smb/SmbPath.h"
+#include "store/Database.h"
+
+#include <algorithm>
+
+namespace {
+/// The same for every spelling of a host.
+QString hostKey(const QString &host)
+{
+    const std::optional<SmbPath> place = SmbPath::parseHost(host);
+    return (place ? place->text() : host).toLower();
+}
+
+/// An empty text is bound as such: a null QString would be NULL.
+QVariant text(const QString &value)
+{
+    return value.isNull() ? QStringLiteral("") : value;
+}
+} // namespace
+
+NasStore::NasStore(Database &database)
+    : m_database(database)
+{
+}
+
+QList<NasServer> NasStore::servers() const
+{
+    QList<NasServer> servers;
+    QSqlQuery query = m_database.run(
+        QStringLiteral("SELECT id, host, logon_domain, user_name, sealed_password FROM nas_server ORDER BY number"));
+    while (query.next()) {
+        servers.append({query.value(0).toString(), query.value(1).toString(), query.value(2).toString(),
+                        query.value(3).toString(), query.value(4).toByteArray()});
+    }
+    return servers;
+}
+
+std::optional<NasServer> NasStore::server(const QString &id) const
+{
+    const QList<NasServer> all = servers();
+    const auto found = std::find_if(all.begin(), all.end(), [&id](const NasServer &other) { return other.id == id; });
+    return found == all.end() ? std::optional<NasServer>() : *found;
+}
+
+bool NasStore::isTaken(const QString &host, const QString &userName, const QString &id) const
+{
+    QSqlQuery query =
+        m_database.run(QStringLiteral("SELECT 1 FROM nas_server WHERE host_key = ? AND user_name = ? AND id <> ?"),
+                       {hostKey(host), text(userName), text(id)});
+    return query.next();
+}
+
+void NasStore::insert(const NasServer &server)
+{
+    m_database.run(
+        QStringLiteral("INSERT INTO nas_server (id, host, host_key, logon_domain, user_name, sealed_password)"
+                       " VALUES (?, ?, ?, ?, ?, ?)"),
+        {server.id, server.host, hostKey(server.host), text(server.logonDomain), text(server.userName),
+         server.sealedPassword});
+}
+
+void NasStore::replace(const NasServer &server)
+{
+    m_database.run(QStringLiteral("UPDATE nas_server SET host = ?, host_key = ?, logon_domain = ?, user_name = ?,"
+                                  " sealed_password = ? WHERE id = ?"),
+                   {server.host, hostKey(server.host), text(server.logonDomain), text(server.userName),
+                    server.sealedPassword, server.id});
+}
+
+bool NasStore::remove(const QString &id)
+{
+    return m_database.run(QStringLiteral("DELETE FROM nas_server WHERE id = ?"), {text(id)}).numRowsAffected() > 0;
+}
