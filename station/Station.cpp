@@ -29,19 +29,28 @@ Station::Station(StationSettings settings, QObject *parent)
     , m_nasWork(settings.nasTimeLimit)
     , m_hostPaths(PathKind::NetHost, m_nasAccounts, m_nasWork)
     , m_domainPaths(PathKind::NetDomain, m_nasAccounts, m_nasWork)
-    , m_groupCommands(m_data, PathChecks{&m_localPaths, &m_hostPaths, &m_domainPaths}, settings.relayPath)
+    , m_usage(*m_volumes, m_data, std::move(settings.usage))
+    , m_groupCommands(m_data, PathChecks{&m_localPaths, &m_hostPaths, &m_domainPaths}, settings.relayPath,
+                      [this] { m_usage.groupsChanged(); })
     , m_cameraCommands(m_data)
     , m_nasRegistry(m_nasAccounts, m_nasWork, settings.relayPath)
     , m_nasShares(m_nasAccounts, m_nasWork, settings.relayPath)
 {
     m_volumeCommands.enterInto(m_commands);
+    m_usage.enterInto(m_commands);
     m_groupCommands.enterInto(m_commands);
     m_cameraCommands.enterInto(m_commands);
     m_nasRegistry.enterInto(m_commands);
     m_nasShares.enterInto(m_commands);
+    connect(&m_usage, &StorageUsage::eventRaised, this, &Station::eventRaised);
 }
 
 Station::~Station() = default;
+
+void Station::recordingGroupsChanged()
+{
+    m_usage.groupsChanged();
+}
 
 void Station::handle(const StationCommand &command, const Answer &answer)
 {

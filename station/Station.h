@@ -12,6 +12,7 @@
 #include "nas/NasPaths.h"
 #include "nas/NasRegistry.h"
 #include "nas/NasShares.h"
+#include "usage/StorageUsage.h"
 
 #include <QObject>
 
@@ -31,6 +32,9 @@ public:
     /// station does not know is answered with a failure.
     void handle(const StationCommand &command, const Answer &answer);
 
+    /// To be called when recording groups were edited by others than this station's commands.
+    void recordingGroupsChanged();
+
 signals:
     void eventRaised(const StationEvent &event);
 
@@ -43,6 +47,7 @@ private:
     TimedWork m_nasWork;
     NasPaths m_hostPaths;
     NasPaths m_domainPaths;
+    StorageUsage m_usage;
     GroupCommands m_groupCommands;
     CameraCommands m_cameraCommands;
     NasRegistry m_nasRegistry;

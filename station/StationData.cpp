@@ -10,6 +10,11 @@ StationData::StationData(const QString &folder)
 
 StationData::~StationData() = default;
 
+bool StationData::isDatabaseThere() const
+{
+    return m_database || Database::isIn(m_folder);
+}
+
 Database &StationData::database()
 {
     if (!m_database)

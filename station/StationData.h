@@ -16,6 +16,9 @@ public:
 
     const QString &folder() const { return m_folder; }
 
+    /// Whether a database was made here before; asking makes none.
+    bool isDatabaseThere() const;
+
     /// The station's thread's connection, opened by the first call. Throws DatabaseError; the next call tries again.
     Database &database();
 

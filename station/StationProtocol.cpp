@@ -19,10 +19,15 @@ const QString StationCommandName::RemoveNASServer = QStringLiteral("RemoveNASSer
 const QString StationCommandName::GetNasDir = QStringLiteral("GetNasDir");
 const QString StationCommandName::GetNasCapacity = QStringLiteral("GetNasCapacity");
 const QString StationCommandName::addNASPathsToVolume = QStringLiteral("addNASPathsToVolume");
+const QString StationCommandName::reloadStorageUsageInfo = QStringLiteral("reloadStorageUsageInfo");
 
 const QString StationOwnCommandName::listCameras = QStringLiteral("station.listCameras");
 const QString StationOwnCommandName::addCamera = QStringLiteral("station.addCamera");
 const QString StationOwnCommandName::removeCamera = QStringLiteral("station.removeCamera");
+const QString StationOwnCommandName::createSampleSite = QStringLiteral("station.createSampleSite");
+
+const QString StationEventName::VolumeChanged = QStringLiteral("VolumeChanged");
+const QString StationEventName::StorageScanProgress = QStringLiteral("StorageScanProgress");
 
 const QString StationKey::volumePath = QStringLiteral("volumePath");
 const QString StationKey::volumeName = QStringLiteral("volumeName");
@@ -77,6 +82,14 @@ const QString StationKey::pathList = QStringLiteral("pathList");
 const QString StationKey::diskName = QStringLiteral("diskName");
 const QString StationKey::diskTotal = QStringLiteral("diskTotal");
 const QString StationKey::diskUsed = QStringLiteral("diskUsed");
+const QString StationKey::recordingPath = QStringLiteral("recordingPath");
+const QString StationKey::volumeOneDayUsage = QStringLiteral("volumeOneDayUsage");
+const QString StationKey::volumeRecordedDays = QStringLiteral("volumeRecordedDays");
+const QString StationKey::volumeIsNAS = QStringLiteral("volumeIsNAS");
+const QString StationKey::done = QStringLiteral("done");
+const QString StationKey::total = QStringLiteral("total");
+const QString StationKey::running = QStringLiteral("running");
+const QString StationKey::created = QStringLiteral("created");
 
 const QString StationReturnCode::Success = QStringLiteral("0");
 const QString StationReturnCode::UnknownCommand = QStringLiteral("UnknownCommand");

@@ -25,6 +25,7 @@ extern const QString RemoveNASServer;
 extern const QString GetNasDir;
 extern const QString GetNasCapacity;
 extern const QString addNASPathsToVolume;
+extern const QString reloadStorageUsageInfo;
 } // namespace StationCommandName
 
 /// Commands of the station's own, which begin with "station.": for whoever sets it up.
@@ -32,7 +33,14 @@ namespace StationOwnCommandName {
 extern const QString listCameras; ///< "station.listCameras"
 extern const QString addCamera; ///< "station.addCamera"
 extern const QString removeCamera; ///< "station.removeCamera"
+extern const QString createSampleSite; ///< "station.createSampleSite"
 } // namespace StationOwnCommandName
+
+/// Events that the station raises.
+namespace StationEventName {
+extern const QString VolumeChanged;
+extern const QString StorageScanProgress;
+} // namespace StationEventName
 
 /// Keys of what the station is asked and of what it answers.
 namespace StationKey {
@@ -89,6 +97,16 @@ extern const QString pathList;
 extern const QString diskName;
 extern const QString diskTotal;
 extern const QString diskUsed;
+// Storage usage.
+extern const QString recordingPath;
+extern const QString volumeOneDayUsage;
+extern const QString volumeRecordedDays;
+extern const QString volumeIsNAS;
+extern const QString done;
+extern const QString total;
+extern const QString running;
+// Sample site.
+extern const QString created;
 } // namespace StationKey
 
 /// What a StationReply says in its return code: "0" for success, else one word for each kind of refusal.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "VolumeSource.h"
+#include "usage/UsageSettings.h"
 
 #include <QString>
 
@@ -19,6 +20,7 @@ struct StationSettings
     std::unique_ptr<VolumeSource> volumes;
     /// How long a NAS server may take for what one command needs of it.
     std::chrono::milliseconds nasTimeLimit = std::chrono::seconds(10);
+    UsageSettings usage = {};
 };
 
 /// "recording-station" below the folder where this user's programs keep their data.

@@ -3,12 +3,18 @@
 #include "Schema.h"
 
 #include <QDir>
+#include <QFile>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QUuid>
 
 namespace {
 constexpr auto patience = "QSQLITE_BUSY_TIMEOUT=10000"; // milliseconds that a writer waits for another one
+
+QString fileIn(const QString &folder)
+{
+    return QDir(folder).filePath(QStringLiteral("station.db"));
+}
 
 void closeConnection(const QString &name)
 {
@@ -29,7 +35,7 @@ Database::Database(const QString &folder)
         throw DatabaseError(QStringLiteral("The data folder %1 cannot be made").arg(folder));
     try {
         QSqlDatabase connection = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
-        connection.setDatabaseName(QDir(folder).filePath(QStringLiteral("station.db")));
+        connection.setDatabaseName(fileIn(folder));
         connection.setConnectOptions(QString::fromLatin1(patience));
         if (!connection.open()) {
             throw DatabaseError(QStringLiteral("The database %1 cannot be opened: %2")
@@ -48,6 +54,11 @@ Database::Database(const QString &folder)
 Database::~Database()
 {
     closeConnection(m_connection);
+}
+
+bool Database::isIn(const QString &folder)
+{
+    return QFile::exists(fileIn(folder));
 }
 
 QSqlQuery Database::prepared(const QString &statement)

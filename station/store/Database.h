@@ -28,6 +28,9 @@ public:
     Database(const Database &) = delete;
     Database &operator=(const Database &) = delete;
 
+    /// Whether @p folder has the file of a database.
+    static bool isIn(const QString &folder);
+
     /// A statement with a "?" for each value, ready to be bound and executed again and again.
     QSqlQuery prepared(const QString &statement);
     /// Executes @p statement with @p values in the places of its "?". Throws DatabaseError.

@@ -54,6 +54,29 @@ constexpr Step steps[] = {
             user_name TEXT NOT NULL,
             sealed_password BLOB NOT NULL,
             UNIQUE (host_key, user_name)))"},
+    {"index of recorded files", R"(
+        CREATE TABLE recording_place (
+            number INTEGER PRIMARY KEY,
+            path TEXT NOT NULL,
+            folder TEXT NOT NULL,
+            group_id TEXT NOT NULL,
+            volume_path TEXT NOT NULL,
+            volume_name TEXT NOT NULL,
+            is_read INTEGER NOT NULL DEFAULT 0,
+            UNIQUE (path, folder));
+        CREATE TABLE recorded_day (
+            number INTEGER PRIMARY KEY,
+            place INTEGER NOT NULL REFERENCES recording_place ON DELETE CASCADE,
+            camera TEXT NOT NULL,
+            day TEXT NOT NULL,
+            files INTEGER NOT NULL,
+            bytes INTEGER NOT NULL,
+            UNIQUE (place, camera, day));
+        CREATE TABLE recorded_file (
+            day_number INTEGER NOT NULL REFERENCES recorded_day ON DELETE CASCADE,
+            name TEXT NOT NULL,
+            bytes INTEGER NOT NULL,
+            PRIMARY KEY (day_number, name)) WITHOUT ROWID)"},
 };
 
 int version(Database &database)

@@ -1,0 +1,197 @@
+#include "IndexWorker.h"
+
+#include "StationLog.h"
+#include "UsageSettings.h"
+#include "store/Database.h"
+
+#include <QThread>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+constexpr qint64 sliceLength = 50; // milliseconds
+
+bool isEnding()
+{
+    return QThread::currentThread()->isInterruptionRequested();
+}
+} // namespace
+
+IndexWorker::IndexWorker(QString dataFolder, const UsageSettings &settings)
+    : m_dataFolder(std::move(dataFolder))
+    , m_progressInterval(settings.progressInterval)
+    , m_watch(this)
+    , m_settle(this)
+    , m_turn(this)
+{
+    m_settle.setSingleShot(true);
+    m_settle.setInterval(settings.settleTime);
+    m_turn.setInterval(0);
+    m_told.start();
+    connect(&m_settle, &QTimer::timeout, this, &IndexWorker::enqueueChanges);
+    connect(&m_turn, &QTimer::timeout, this, &IndexWorker::work);
+    connect(&m_watch, &FolderWatch::changed, this, [this](const QString &path) {
+        m_changed.insert(path);
+        if (!m_settle.isActive())
+            m_settle.start();
+    });
+}
+
+IndexWorker::~IndexWorker() = default;
+
+void IndexWorker::open()
+{
+    if (m_reader)
+        return;
+    m_database = std::make_unique<Database>(m_dataFolder);
+    // What a loss of power takes of the index is read from the folders again.
+    m_database->run(QStringLiteral("PRAGMA synchronous = NORMAL"));
+    m_index.emplace(*m_database);
+    m_reader.emplace(*m_index, m_watch);
+}
+
+void IndexWorker::setPlaces(const QList<IndexedPlace> &places)
+{
+    const QHash<qint64, IndexedPlace> before = std::exchange(m_places, {});
+    QSet<QString> paths;
+    for (const IndexedPlace &place : places) {
+        m_places.insert(place.number, place);
+        if (place.isPresent)
+            paths.insert(place.path);
+    }
+    for (const IndexedPlace &place : before) {
+        if (m_places.value(place.number) == place)
+            continue;
+        m_watch.forget(place.root);
+        if (!paths.contains(place.path))
+            m_watch.forget(place.path);
+    }
+    for (const IndexedPlace &place : places) {
+        if (place.isPresent && before.value(place.number) != place)
+            enqueuePlace(place);
+    }
+    m_areSumsOld = true;
+    m_turn.start();
+}
+
+void IndexWorker::reconcile(quint64 ticket)
+{
+    m_tasks.clear();
+    m_ticket = ticket;
+    for (const IndexedPlace &place : std::as_const(m_places)) {
+        if (place.isPresent)
+            enqueuePlace(place);
+    }
+    m_areSumsOld = true;
+    m_turn.start();
+}
+
+void IndexWorker::enqueuePlace(const IndexedPlace &place)
+{
+    m_tasks.push_back({{ReadTask::Kind::Place, place.number}});
+    m_tasks.push_back({{ReadTask::Kind::Place, place.number}, true});
+}
+
+void IndexWorker::enqueueChanges()
+{
+    const QSet<QString> changed = std::exchange(m_changed, {});
+    for (const QString &path : changed) {
+        for (const IndexedPlace &place : std::as_const(m_places)) {
+            if (path == place.path || path == place.root || path.startsWith(place.root + u'/'))
+                m_tasks.push_back({ReadTask::of(path, place)});
+        }
+    }
+    m_turn.start();
+}
+
+void IndexWorker::work()
+{
+    if (isEnding())
+        return m_turn.stop();
+    try {
+        workSlice();
+    } catch (const DatabaseError &error) {
+        qCWarning(stationLog, "The index of recorded files: %s", error.what());
+        m_tasks.clear();
+        m_areSumsOld = false;
+        finishRun();
+    }
+}
+
+void IndexWorker::workSlice()
+{
+    open();
+    if (!m_run.isValid()) {
+        m_run.start();
+        m_readBefore = m_reader->filesRead();
+        const qint64 known = m_index->fileCount();
+        m_expected = known > 0 ? known : -1;
+        if (m_areSumsOld)
+            tellSums();
+    }
+    QElapsedTimer slice;
+    slice.start();
+    while (!m_tasks.empty() && slice.elapsed() < sliceLength && !isEnding()) {
+        const Task task = std::move(m_tasks.front());
+        m_tasks.pop_front();
+        runTask(task);
+    }
+    if (isEnding())
+        return m_turn.stop();
+    m_reader->write();
+    m_areSumsOld |= m_reader->takeHasChanged();
+    if (m_reader->takeHasLeft())
+        emit placeLeft();
+    const bool isDone = m_tasks.empty();
+    const bool isTimeToTell = m_run.elapsed() >= m_progressInterval.count()
+        && m_told.elapsed() >= m_progressInterval.count();
+    if (m_areSumsOld && (isDone || isTimeToTell))
+        tellSums();
+    if (isDone)
+        return finishRun();
+    if (isTimeToTell) {
+        tellProgress(true);
+        m_told.start();
+    }
+}
+
+void IndexWorker::runTask(const Task &task)
+{
+    const auto place = m_places.constFind(task.read.place);
+    if (place == m_places.cend() || !place->isPresent)
+        return;
+    if (task.isEndOfPlace) {
+        m_reader->write();
+        if (m_reader->isComplete(place->number))
+            m_index->markRead(place->number);
+        m_areSumsOld = true;
+        return;
+    }
+    const QList<ReadTask> below = m_reader->read(task.read, *place);
+    for (auto next = below.crbegin(); next != below.crend(); ++next)
+        m_tasks.push_front({*next});
+}
+
+void IndexWorker::finishRun()
+{
+    m_turn.stop();
+    m_run.invalidate();
+    if (m_isProgressTold)
+        tellProgress(false);
+    if (m_ticket)
+        emit reconciled(*std::exchange(m_ticket, {}));
+}
+
+void IndexWorker::tellSums()
+{
+    m_areSumsOld = false;
+    emit sumsChanged(m_index->sums());
+}
+
+void IndexWorker::tellProgress(bool isRunning)
+{
+    const qint64 done = m_reader ? m_reader->filesRead() - m_readBefore : 0;
+    m_isProgressTold = isRunning;
+    emit progressed(done, done <= m_expected ? m_expected : -1, isRunning);
+}

@@ -1,0 +1,83 @@
+#pragma once
+
+#include "FolderWatch.h"
+#include "PlaceReader.h"
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QSet>
+#include <QTimer>
+
+#include <chrono>
+#include <deque>
+#include <memory>
+#include <optional>
+
+class Database;
+struct UsageSettings;
+
+/// Keeps the index of recorded files in line with the folders: reads all of a place when it comes, and what changes
+/// after that. Lives on a thread of its own, where every function is called, with a connection to the database of its
+/// own. Works in slices between which the thread's event loop turns; ends with the folder that it reads, or within it,
+/// when the thread is asked to end.
+class IndexWorker : public QObject
+{
+    Q_OBJECT
+public:
+    /// @param dataFolder of the station's database
+    IndexWorker(QString dataFolder, const UsageSettings &settings);
+    ~IndexWorker() override;
+
+    /// Takes @p places in the place of the ones before, and reads those through that have come, or come back.
+    void setPlaces(const QList<IndexedPlace> &places);
+    /// Reads all places through; reconciled() with @p ticket follows, or with that of a later call.
+    void reconcile(quint64 ticket);
+
+signals:
+    void sumsChanged(const PlaceSums &sums);
+    /// Of a run through the folders that takes longer: files looked at, files expected (-1: unknown), and whether it
+    /// goes on.
+    void progressed(qint64 done, qint64 total, bool isRunning);
+    void reconciled(quint64 ticket); ///< after sumsChanged(); also when the database failed
+    /// A place is not on its file system any more.
+    void placeLeft();
+
+private:
+    struct Task
+    {
+        ReadTask read;
+        bool isEndOfPlace = false; ///< nothing is read: all of the place was
+    };
+
+    void open();
+    void enqueuePlace(const IndexedPlace &place);
+    void gather(QSet<QString> &changed, const QString &path);
+    void enqueueChanges();
+    void work();
+    void workSlice();
+    void runTask(const Task &task);
+    void finishRun();
+    void tellSums();
+    void tellProgress(bool isRunning);
+
+    QString m_dataFolder;
+    std::chrono::milliseconds m_progressInterval;
+    std::unique_ptr<Database> m_database;
+    std::optional<RecordingIndex> m_index;
+    std::optional<PlaceReader> m_reader;
+    FolderWatch m_watch;
+
+    QHash<qint64, IndexedPlace> m_places;
+    std::deque<Task> m_tasks;
+    std::optional<quint64> m_ticket;
+    QSet<QString> m_changed; // folders and files
+    QTimer m_settle;
+    QTimer m_turn;
+
+    QElapsedTimer m_run; // valid while there are tasks
+    QElapsedTimer m_told; // since sums and progress were told
+    bool m_areSumsOld = false;
+    qint64 m_readBefore = 0; // files, by earlier runs
+    qint64 m_expected = -1;
+    bool m_isProgressTold = false;
+};

@@ -1,0 +1,146 @@
+#include "RecordingIndex.h"
+
+#include "store/Database.h"
+
+namespace {
+QStringList firstColumn(QSqlQuery query)
+{
+    QStringList values;
+    while (query.next())
+        values.append(query.value(0).toString());
+    return values;
+}
+
+void executeWith(QSqlQuery &query, const QVariantList &values)
+{
+    for (qsizetype i = 0; i < values.size(); ++i)
+        query.bindValue(static_cast<int>(i), values.at(i));
+    execute(query);
+}
+} // namespace
+
+RecordingIndex::RecordingIndex(Database &database)
+    : m_database(database)
+{
+}
+
+QStringList RecordingIndex::cameras(qint64 place) const
+{
+    return firstColumn(
+        m_database.run(QStringLiteral("SELECT DISTINCT camera FROM recorded_day WHERE place = ?"), {place}));
+}
+
+QStringList RecordingIndex::days(qint64 place, const QString &camera) const
+{
+    return firstColumn(m_database.run(QStringLiteral("SELECT day FROM recorded_day WHERE place = ? AND camera = ?"),
+                                      {place, camera}));
+}
+
+std::optional<QHash<QString, qint64>> RecordingIndex::files(const DayFolder &folder) const
+{
+    QSqlQuery day = m_database.run(
+        QStringLiteral("SELECT number FROM recorded_day WHERE place = ? AND camera = ? AND day = ?"),
+        {folder.place, folder.camera, folder.day});
+    if (!day.next())
+        return {};
+    QSqlQuery query = m_database.run(QStringLiteral("SELECT name, bytes FROM recorded_file WHERE day_number = ?"),
+                                     {day.value(0)});
+    QHash<QString, qint64> files;
+    while (query.next())
+        files.insert(query.value(0).toString(), query.value(1).toLongLong());
+    return files;
+}
+
+qint64 RecordingIndex::fileCount() const
+{
+    QSqlQuery query = m_database.run(QStringLiteral("SELECT coalesce(sum(files), 0) FROM recorded_day"));
+    query.next();
+    return query.value(0).toLongLong();
+}
+
+PlaceSums RecordingIndex::sums() const
+{
+    PlaceSums sums;
+    QSqlQuery places = m_database.run(QStringLiteral("SELECT number, is_read FROM recording_place"));
+    while (places.next())
+        sums[places.value(0).toLongLong()].isRead = places.value(1).toBool();
+    QSqlQuery days = m_database.run(QStringLiteral("SELECT place, day, sum(files), sum(bytes) FROM recorded_day"
+                                                   " WHERE files > 0 GROUP BY place, day"));
+    while (days.next()) {
+        const QDate day = QDate::fromString(days.value(1).toString(), Qt::ISODate);
+        sums[days.value(0).toLongLong()].days.insert(day, {days.value(2).toLongLong(), days.value(3).toLongLong()});
+    }
+    return sums;
+}
+
+void RecordingIndex::apply(const QList<DayChange> &changes)
+{
+    Transaction transaction(m_database);
+    QSqlQuery setDay = m_database.prepared(
+        QStringLiteral("INSERT INTO recorded_day (place, camera, day, files, bytes) VALUES (?, ?, ?, ?, ?)"
+                       " ON CONFLICT (place, camera, day) DO UPDATE SET files = excluded.files, bytes = excluded.bytes"
+                       " RETURNING number"));
+    QSqlQuery write = m_database.prepared(
+        QStringLiteral("INSERT OR REPLACE INTO recorded_file (day_number, name, bytes) VALUES (?, ?, ?)"));
+    QSqlQuery remove =
+        m_database.prepared(QStringLiteral("DELETE FROM recorded_file WHERE day_number = ? AND name = ?"));
+    for (const DayChange &change : changes) {
+        const DayFolder &folder = change.folder;
+        executeWith(setDay, {folder.place, folder.camera, folder.day, change.sum.files, change.sum.bytes});
+        setDay.next();
+        const qint64 number = setDay.value(0).toLongLong();
+        setDay.finish();
+        for (auto file = change.written.cbegin(); file != change.written.cend(); ++file)
+            executeWith(write, {number, file.key(), file.value()});
+        for (const QString &name : change.removed)
+            executeWith(remove, {number, name});
+    }
+    transaction.commit();
+}
+
+bool RecordingIndex::resize(const DayFolder &folder, const QString &name, qint64 bytes)
+{
+    Transaction transaction(m_database);
+    QSqlQuery query = m_database.run(QStringLiteral("SELECT number, recorded_file.bytes FROM recorded_day"
+                                                    " JOIN recorded_file ON day_number = number"
+                                                    " WHERE place = ? AND camera = ? AND day = ? AND name = ?"),
+                                     {folder.place, folder.camera, folder.day, name});
+    if (!query.next())
+        return false;
+    const qint64 number = query.value(0).toLongLong();
+    const qint64 grownBy = bytes - query.value(1).toLongLong();
+    query.finish();
+    m_database.run(QStringLiteral("UPDATE recorded_file SET bytes = ? WHERE day_number = ? AND name = ?"),
+                   {bytes, number, name});
+    m_database.run(QStringLiteral("UPDATE recorded_day SET bytes = bytes + ? WHERE number = ?"), {grownBy, number});
+    transaction.commit();
+    return true;
+}
+
+void RecordingIndex::removeCameras(qint64 place, const QStringList &cameras)
+{
+    Transaction transaction(m_database);
+    for (const QString &camera : cameras)
+        m_database.run(QStringLiteral("DELETE FROM recorded_day WHERE place = ? AND camera = ?"), {place, camera});
+    transaction.commit();
+}
+
+void RecordingIndex::removeDays(qint64 place, const QString &camera, const QStringList &days)
+{
+    Transaction transaction(m_database);
+    for (const QString &day : days) {
+        m_database.run(QStringLiteral("DELETE FROM recorded_day WHERE place = ? AND camera = ? AND day = ?"),
+                       {place, camera, day});
+    }
+    transaction.commit();
+}
+
+void RecordingIndex::markRead(qint64 place)
+{
+    Transaction transaction(m_database);
+    m_database.run(QStringLiteral("UPDATE recording_place SET is_read = 1 WHERE number = ?"), {place});
+    m_database.run(QStringLiteral("DELETE FROM recording_place WHERE number = ?1 AND group_id = '' AND NOT EXISTS"
+                                  " (SELECT 1 FROM recorded_day WHERE place = ?1 AND files > 0)"),
+                   {place});
+    transaction.commit();
+}

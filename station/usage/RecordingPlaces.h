@@ -1,0 +1,55 @@
+#pragma once
+
+#include "UsageFigures.h"
+#include "groups/RecordingGroup.h"
+
+#include <QHash>
+
+class Database;
+
+/// A folder that holds recordings: what a recording group stored below one of its paths, or the backup area.
+struct RecordingPlace
+{
+    qint64 number = 0;
+    QString path; ///< of the group, or of the backup area
+    QString folder; ///< of the group below the path; empty: the path itself
+    QString groupId; ///< empty when the group, or its path, was removed; UsageGroup::backup: the backup area
+    QString volumePath; ///< where the path lay when it came to the group; empty when it never existed
+    QString volumeName;
+
+    QString root() const { return folder.isEmpty() ? path : path + u'/' + folder; }
+};
+
+/// Whether and where a place is at the moment.
+struct PlaceState
+{
+    UsagePlace::Storage storage = UsagePlace::Storage::Gone;
+    Volume volume; ///< as in UsagePlace
+    quint64 device = 0; ///< number of the file system that the place's path is on, while it is present
+};
+
+/// The recording places in the station's database. A place remembers its volume: where a disk is not mounted, the folder
+/// that it would be mounted on lies on another one. Throws DatabaseError.
+class RecordingPlaces
+{
+public:
+    /// Both must outlive this object.
+    RecordingPlaces(Database &database, const VolumeSource &volumes);
+
+    /// Brings the places in line with the local paths of @p groups and the backup area. What belongs to no group any
+    /// more is kept, as its files are.
+    void update(const QList<RecordingGroup> &groups, const QString &backupFolder);
+
+    const QList<RecordingPlace> &places() const { return m_places; } ///< as of the last update
+    /// By the number of the place. Asks the volumes once for each path; may block.
+    QHash<qint64, PlaceState> look();
+
+private:
+    void enter(const QString &path, const QString &folder, const QString &groupId);
+    void load();
+    void remember(RecordingPlace &place, const Volume &volume);
+
+    Database &m_database;
+    const VolumeSource &m_volumes;
+    QList<RecordingPlace> m_places;
+};

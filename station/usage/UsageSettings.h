@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QDate>
+#include <QString>
+
+#include <chrono>
+#include <functional>
+
+/// How the station finds and tells its usage figures.
+struct UsageSettings
+{
+    /// The backup area, `<backup folder>/<camera folder>/<yyyy-mm-dd>/file`; empty: the station has none.
+    QString backupFolder = {};
+    /// The least time between two events that tell of a change.
+    std::chrono::milliseconds tellInterval = std::chrono::seconds(1);
+    /// How often the volumes are looked at.
+    std::chrono::milliseconds volumeInterval = std::chrono::seconds(5);
+    /// How long changes in folders are gathered before the folders are read.
+    std::chrono::milliseconds settleTime = std::chrono::milliseconds(300);
+    /// How long a run through the folders lasts before its progress is told, and how often it is told then.
+    std::chrono::milliseconds progressInterval = std::chrono::milliseconds(500);
+    /// The day that is not over yet; empty: the machine's.
+    std::function<QDate()> today = {};
+};
