@@ -15,6 +15,7 @@ QString inFolder(const QString &path, const QString &name)
 
 FolderWatch::FolderWatch(QObject *parent)
     : QObject(parent)
+    , m_watcher(this) // a child moves with this object to another thread
 {
     connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this, &FolderWatch::changed);
     connect(&m_watcher, &QFileSystemWatcher::fileChanged, this, &FolderWatch::changed);

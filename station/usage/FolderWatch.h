@@ -4,8 +4,8 @@
 #include <QHash>
 #include <QObject>
 
-/// Hears of changes directly in folders, and of the growth of single files. Each folder is one watch of the system, each
-/// file another.
+/// Hears of changes directly in folders, and of the growth of single files. Each folder is one watch of the system,
+/// each file another.
 class FolderWatch : public QObject
 {
     Q_OBJECT

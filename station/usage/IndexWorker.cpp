@@ -144,8 +144,8 @@ void IndexWorker::workSlice()
     if (m_reader->takeHasLeft())
         emit placeLeft();
     const bool isDone = m_tasks.empty();
-    const bool isTimeToTell = m_run.elapsed() >= m_progressInterval.count()
-        && m_told.elapsed() >= m_progressInterval.count();
+    const bool isTimeToTell =
+        m_run.elapsed() >= m_progressInterval.count() && m_told.elapsed() >= m_progressInterval.count();
     if (m_areSumsOld && (isDone || isTimeToTell))
         tellSums();
     if (isDone)

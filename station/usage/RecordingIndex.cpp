@@ -32,19 +32,19 @@ QStringList RecordingIndex::cameras(qint64 place) const
 
 QStringList RecordingIndex::days(qint64 place, const QString &camera) const
 {
-    return firstColumn(m_database.run(QStringLiteral("SELECT day FROM recorded_day WHERE place = ? AND camera = ?"),
-                                      {place, camera}));
+    return firstColumn(
+        m_database.run(QStringLiteral("SELECT day FROM recorded_day WHERE place = ? AND camera = ?"), {place, camera}));
 }
 
 std::optional<QHash<QString, qint64>> RecordingIndex::files(const DayFolder &folder) const
 {
-    QSqlQuery day = m_database.run(
-        QStringLiteral("SELECT number FROM recorded_day WHERE place = ? AND camera = ? AND day = ?"),
-        {folder.place, folder.camera, folder.day});
+    QSqlQuery day =
+        m_database.run(QStringLiteral("SELECT number FROM recorded_day WHERE place = ? AND camera = ? AND day = ?"),
+                       {folder.place, folder.camera, folder.day});
     if (!day.next())
         return {};
-    QSqlQuery query = m_database.run(QStringLiteral("SELECT name, bytes FROM recorded_file WHERE day_number = ?"),
-                                     {day.value(0)});
+    QSqlQuery query =
+        m_database.run(QStringLiteral("SELECT name, bytes FROM recorded_file WHERE day_number = ?"), {day.value(0)});
     QHash<QString, qint64> files;
     while (query.next())
         files.insert(query.value(0).toString(), query.value(1).toLongLong());
@@ -139,8 +139,8 @@ void RecordingIndex::markRead(qint64 place)
 {
     Transaction transaction(m_database);
     m_database.run(QStringLiteral("UPDATE recording_place SET is_read = 1 WHERE number = ?"), {place});
-    m_database.run(QStringLiteral("DELETE FROM recording_place WHERE number = ?1 AND group_id = '' AND NOT EXISTS"
-                                  " (SELECT 1 FROM recorded_day WHERE place = ?1 AND files > 0)"),
+    m_database.run(QStringLiteral("DELETE FROM recording_place WHERE number = ? AND group_id = '' AND NOT EXISTS"
+                                  " (SELECT 1 FROM recorded_day WHERE place = recording_place.number AND files > 0)"),
                    {place});
     transaction.commit();
 }

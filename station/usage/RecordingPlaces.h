@@ -28,8 +28,8 @@ struct PlaceState
     quint64 device = 0; ///< number of the file system that the place's path is on, while it is present
 };
 
-/// The recording places in the station's database. A place remembers its volume: where a disk is not mounted, the folder
-/// that it would be mounted on lies on another one. Throws DatabaseError.
+/// The recording places in the station's database. A place remembers its volume: where a disk is not mounted, the
+/// folder that it would be mounted on lies on another one. Throws DatabaseError.
 class RecordingPlaces
 {
 public:

@@ -25,6 +25,7 @@ StorageUsage::StorageUsage(const VolumeSource &volumes, StationData &data, Usage
     , m_volumeTimer(this)
 {
     m_tellTimer.setSingleShot(true);
+    m_tellTimer.setTimerType(Qt::PreciseTimer); // never early
     connect(&m_tellTimer, &QTimer::timeout, this, &StorageUsage::tellNow);
     m_volumeTimer.setInterval(m_settings.volumeInterval);
     connect(&m_volumeTimer, &QTimer::timeout, this, &StorageUsage::look);
@@ -64,7 +65,8 @@ void StorageUsage::readThrough()
         return tell();
     }
     ++m_ticket;
-    QMetaObject::invokeMethod(m_worker.get(), [worker = m_worker.get(), ticket = m_ticket] { worker->reconcile(ticket); });
+    QMetaObject::invokeMethod(m_worker.get(),
+                              [worker = m_worker.get(), ticket = m_ticket] { worker->reconcile(ticket); });
 }
 
 void StorageUsage::groupsChanged()
@@ -116,7 +118,8 @@ void StorageUsage::startWorker()
         emit eventRaised({StationEventName::StorageScanProgress, progress});
     });
     // Its watches, timers and database connection end on the thread that they were made on.
-    connect(&m_thread, &QThread::finished, &m_thread, [this] { m_worker.reset(); }, Qt::DirectConnection);
+    connect(
+        &m_thread, &QThread::finished, &m_thread, [this] { m_worker.reset(); }, Qt::DirectConnection);
     m_thread.setObjectName(QStringLiteral("recording index"));
     m_thread.start();
 }
@@ -156,8 +159,8 @@ void StorageUsage::giveToWorker()
     QList<IndexedPlace> places;
     for (const RecordingPlace &place : m_places->places()) {
         const PlaceState state = m_states.value(place.number);
-        places.append({place.number, place.path, place.root(), state.storage == UsagePlace::Storage::Present,
-                       state.device});
+        places.append(
+            {place.number, place.path, place.root(), state.storage == UsagePlace::Storage::Present, state.device});
     }
     QMetaObject::invokeMethod(m_worker.get(), [worker = m_worker.get(), places] { worker->setPlaces(places); });
 }

@@ -134,9 +134,9 @@ QList<qint64> partsOf(qint64 total, const QList<qint64> &weights)
     qint64 given = 0;
     for (const qint64 weight : weights) {
         weighed += weight;
-        const auto upTo = sum > 0 ? static_cast<qint64>(static_cast<long double>(total)
-                                                        * (static_cast<long double>(weighed) / sum))
-                                  : 0;
+        const auto upTo = sum > 0
+            ? static_cast<qint64>(static_cast<long double>(total) * (static_cast<long double>(weighed) / sum))
+            : 0;
         parts.append(upTo - given);
         given = upTo;
     }

@@ -141,11 +141,11 @@ void UsageFiguresTest::figures_data()
                                   << QStringList{u"a /v/1 1000 600 -1 -1"_s};
     QTest::newRow("today is not over: a day, and no usage")
         << Places{with(place(u"a"_s, u"/v/1"_s), {{today, {1, 9000}}})} << QStringList{u"a /v/1 1000 600 -1 1"_s};
-    QTest::newRow("average over days with recordings") << Places{with(place(u"a"_s, u"/v/1"_s), three)}
-                                                       << QStringList{u"a /v/1 1000 600 4000 3"_s};
-    QTest::newRow("a day of a clock that runs ahead") << Places{
-        with(place(u"a"_s, u"/v/1"_s), {{daysAgo(-1), {1, 7}}, {daysAgo(1), {1, 5000}}})}
-                                                      << QStringList{u"a /v/1 1000 600 5000 2"_s};
+    QTest::newRow("average over days with recordings")
+        << Places{with(place(u"a"_s, u"/v/1"_s), three)} << QStringList{u"a /v/1 1000 600 4000 3"_s};
+    QTest::newRow("a day of a clock that runs ahead")
+        << Places{with(place(u"a"_s, u"/v/1"_s), {{daysAgo(-1), {1, 7}}, {daysAgo(1), {1, 5000}}})}
+        << QStringList{u"a /v/1 1000 600 5000 2"_s};
 
     DaySums tenDays;
     for (int day = 1; day <= 10; ++day)
@@ -173,9 +173,8 @@ void UsageFiguresTest::figures_data()
                   place(u"c"_s, u"/w/1"_s, u"/w"_s)}
         << QStringList{u"a /v/1 1000 150 -1 0"_s, u"a /v/2 1000 150 -1 -1"_s, u"b /v/3 1000 300 -1 0"_s,
                        u"c /w/1 1000 600 -1 0"_s};
-    QTest::newRow("one path of several groups")
-        << Places{place(u"a"_s, u"/v/1"_s), place(u"b"_s, u"/v/1"_s)}
-        << QStringList{u"a /v/1 1000 300 -1 0"_s, u"b /v/1 1000 300 -1 0"_s};
+    QTest::newRow("one path of several groups") << Places{place(u"a"_s, u"/v/1"_s), place(u"b"_s, u"/v/1"_s)}
+                                                << QStringList{u"a /v/1 1000 300 -1 0"_s, u"b /v/1 1000 300 -1 0"_s};
 
     QTest::newRow("gone: no room, the usage is remembered")
         << Places{gone(with(place(u"a"_s, u"/v/1"_s), three))} << QStringList{u"a /v/1 0 0 4000 -1"_s};
