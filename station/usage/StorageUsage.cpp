@@ -21,6 +21,7 @@ StorageUsage::StorageUsage(const VolumeSource &volumes, StationData &data, Usage
     , m_volumes(volumes)
     , m_data(data)
     , m_settings(std::move(settings))
+    , m_groupsTimer(this)
     , m_tellTimer(this)
     , m_volumeTimer(this)
 {
@@ -29,6 +30,8 @@ StorageUsage::StorageUsage(const VolumeSource &volumes, StationData &data, Usage
     connect(&m_tellTimer, &QTimer::timeout, this, &StorageUsage::tellNow);
     m_volumeTimer.setInterval(m_settings.volumeInterval);
     connect(&m_volumeTimer, &QTimer::timeout, this, &StorageUsage::look);
+    m_groupsTimer.setSingleShot(true);
+    connect(&m_groupsTimer, &QTimer::timeout, this, &StorageUsage::followGroups);
     const auto start = [this] {
         if (m_data.isDatabaseThere()) // else there are no groups
             groupsChanged();
@@ -70,6 +73,11 @@ void StorageUsage::readThrough()
 }
 
 void StorageUsage::groupsChanged()
+{
+    m_groupsTimer.start(0); // many edits in a row are followed once
+}
+
+void StorageUsage::followGroups()
 {
     try {
         readGroups();

@@ -30,7 +30,7 @@ public:
     /// The entry refers to this object.
     void enterInto(CommandTable &table);
 
-    /// To be called after every edit of the recording groups.
+    /// To be called after every edit of the recording groups; followed when the event loop turns.
     void groupsChanged();
 
 signals:
@@ -38,6 +38,7 @@ signals:
 
 private:
     void reload(const QVariant &data, const Answer &answer);
+    void followGroups();
     void readGroups();
     void startWorker();
     void readThrough();
@@ -61,6 +62,7 @@ private:
 
     QVariantList m_told;
     QElapsedTimer m_toldAt;
+    QTimer m_groupsTimer;
     QTimer m_tellTimer;
     QTimer m_volumeTimer;
     QThread m_thread;
