@@ -35,6 +35,7 @@ Station::Station(StationSettings settings, QObject *parent)
     , m_cameraCommands(m_data)
     , m_nasRegistry(m_nasAccounts, m_nasWork, settings.relayPath)
     , m_nasShares(m_nasAccounts, m_nasWork, settings.relayPath)
+    , m_sampleSite(m_data, *m_volumes, [this] { m_usage.groupsChanged(); })
 {
     m_volumeCommands.enterInto(m_commands);
     m_usage.enterInto(m_commands);
@@ -42,6 +43,7 @@ Station::Station(StationSettings settings, QObject *parent)
     m_cameraCommands.enterInto(m_commands);
     m_nasRegistry.enterInto(m_commands);
     m_nasShares.enterInto(m_commands);
+    m_sampleSite.enterInto(m_commands);
     connect(&m_usage, &StorageUsage::eventRaised, this, &Station::eventRaised);
 }
 

@@ -12,6 +12,7 @@
 #include "nas/NasPaths.h"
 #include "nas/NasRegistry.h"
 #include "nas/NasShares.h"
+#include "samplesite/SampleSite.h"
 #include "usage/StorageUsage.h"
 
 #include <QObject>
@@ -52,5 +53,6 @@ private:
     CameraCommands m_cameraCommands;
     NasRegistry m_nasRegistry;
     NasShares m_nasShares;
+    SampleSite m_sampleSite;
     CommandTable m_commands;
 };

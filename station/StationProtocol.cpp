@@ -87,7 +87,6 @@ const QString StationKey::volumeOneDayUsage = QStringLiteral("volumeOneDayUsage"
 const QString StationKey::volumeRecordedDays = QStringLiteral("volumeRecordedDays");
 const QString StationKey::volumeIsNAS = QStringLiteral("volumeIsNAS");
 const QString StationKey::done = QStringLiteral("done");
-const QString StationKey::total = QStringLiteral("total");
 const QString StationKey::running = QStringLiteral("running");
 const QString StationKey::created = QStringLiteral("created");
 

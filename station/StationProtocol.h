@@ -103,7 +103,6 @@ extern const QString volumeOneDayUsage;
 extern const QString volumeRecordedDays;
 extern const QString volumeIsNAS;
 extern const QString done;
-extern const QString total;
 extern const QString running;
 // Sample site.
 extern const QString created;

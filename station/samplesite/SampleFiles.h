@@ -1,0 +1,29 @@
+#pragma once
+
+#include "SamplePlan.h"
+
+/// The recordings of a sample site while they are made: taken away again unless they are kept.
+class SampleFiles
+{
+public:
+    /// @param folder where they shall lie; nothing may be there
+    explicit SampleFiles(QString folder);
+    ~SampleFiles();
+    SampleFiles(const SampleFiles &) = delete;
+    SampleFiles &operator=(const SampleFiles &) = delete;
+
+    /// The path that the groups record onto, in @p folder.
+    static QString pathIn(const QString &folder);
+
+    /// Writes the files of @p groups beside their place. Empty, or a word of StationReturnCode for what went wrong.
+    QString write(const QList<SampleGroup> &groups, const QDateTime &now);
+    /// False where something lies there.
+    bool moveToPlace();
+    void keep();
+
+private:
+    QString writeDay(const QString &folder, const QList<SampleFile> &files);
+
+    QString m_folder;
+    QString m_written; // where the files are now; empty: they are not to be taken away
+};

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "CommandTable.h"
+
+class StationData;
+class VolumeSource;
+
+/// The command "station.createSampleSite": fills an empty station with cameras, recording groups and recordings, so
+/// that there is something to see. The recordings are sparse files below "sample" in the data folder: they have size
+/// and date, and take next to no space.
+class SampleSite
+{
+public:
+    using Changed = std::function<void()>;
+
+    /// @param data, @param volumes must outlive this object
+    /// @param groupsChanged called after a site was made
+    SampleSite(StationData &data, const VolumeSource &volumes, Changed groupsChanged = {});
+
+    /// The entry refers to this object.
+    void enterInto(CommandTable &table);
+
+private:
+    void createSampleSite(const QVariant &data, const Answer &answer);
+    QString create(); ///< gives a return code
+
+    StationData &m_data;
+    const VolumeSource &m_volumes;
+    Changed m_groupsChanged;
+};
