@@ -30,3 +30,8 @@ QString ConsoleSession::refusal(const QString &command) const
     const auto returnCode = m_returnCodes.constFind(command);
     return returnCode == m_returnCodes.constEnd() ? QString() : refusalText(*returnCode);
 }
+
+QString ConsoleSession::returnCode(const QString &command) const
+{
+    return m_returnCodes.value(command);
+}

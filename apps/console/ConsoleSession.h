@@ -25,6 +25,8 @@ public:
     /// Why the last answer to @p command was a refusal, as a sentence; empty when it was none, or when there was no
     /// answer yet.
     Q_INVOKABLE QString refusal(const QString &command) const;
+    /// The return code of the last answer to @p command; empty when there was none yet.
+    Q_INVOKABLE QString returnCode(const QString &command) const;
 
 signals:
     void connectedChanged();

@@ -16,7 +16,8 @@ ApplicationWindow {
     /// The pages, in their order. A page is a file in pages/ and a line here.
     readonly property var pages: [
         { key: "volumes", title: qsTr("Volumes"), iconName: "volume", source: "pages/VolumesPage.qml" },
-        { key: "folders", title: qsTr("Folders"), iconName: "folder", source: "pages/FoldersPage.qml" }
+        { key: "folders", title: qsTr("Folders"), iconName: "folder", source: "pages/FoldersPage.qml" },
+        { key: "nas", title: qsTr("NAS servers"), iconName: "network", source: "pages/NasPage.qml" }
     ]
     property int currentIndex: Math.max(0, pages.findIndex(page => page.key === startPage))
     readonly property ConsolePage currentPage: (stack.count, stack.itemAt(currentIndex) as Loader)?.item as ConsolePage
@@ -42,6 +43,12 @@ ApplicationWindow {
         }
     }
 
+    NasVolumes {
+        id: nasVolumes
+
+        recording: window.recording
+        session: window.session
+    }
     NavigationRail {
         id: rail
 
@@ -86,6 +93,7 @@ ApplicationWindow {
                         setSource(modelData.source, {
                             recording: window.recording,
                             session: window.session,
+                            nasVolumes: nasVolumes,
                             startPlace: modelData.key === window.startPage ? window.startPlace : ""
                         });
                     }

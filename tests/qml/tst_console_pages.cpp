@@ -7,6 +7,7 @@
 #include <QQmlEngine>
 #include <QtQuickTest>
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -19,6 +20,7 @@ class TestServer : public QObject
 
 public:
     TestServer() { renew(); }
+    ~TestServer() override { answerAll(); }
 
     QObject *recording() const { return m_plugin.get(); }
     QObject *session() const { return m_session.get(); }
@@ -26,8 +28,13 @@ public:
     /// Forgets everything: a new plug-in, connected. No page may be left.
     Q_INVOKABLE void renew()
     {
+        answerAll();
         m_plugin = std::make_unique<PluginRecordingManagement>();
         m_framework = FakeFramework();
+        m_framework.duringSend = [this](const FakeFramework::Sent &request) {
+            if (m_framework.accepts)
+                m_outstanding.append(request);
+        };
         m_plugin->InitialPluginBase(nullptr, nullptr, &m_framework);
         m_session = std::make_unique<ConsoleSession>();
         m_session->setConnected(true);
@@ -47,10 +54,29 @@ public:
         return lines;
     }
 
-    Q_INVOKABLE void reply(const QString &command, const QVariant &data, const QString &returnCode)
+    /// The same with the whole data: maps with "command" and "data".
+    Q_INVOKABLE QVariantList takeRequests()
+    {
+        QVariantList requests;
+        const QList<FakeFramework::Sent> sent = std::exchange(m_framework.sent, {});
+        for (const FakeFramework::Sent &request : sent)
+            requests.append(QVariantMap{{QStringLiteral("command"), request.command},
+                                        {QStringLiteral("data"), request.data}});
+        return requests;
+    }
+
+    /// How many requests of this command have no reply yet.
+    Q_INVOKABLE int outstanding(const QString &command) const
+    {
+        return static_cast<int>(std::count_if(m_outstanding.cbegin(), m_outstanding.cend(),
+                                              [&command](const auto &request) { return request.command == command; }));
+    }
+
+    /// Answers the oldest request of @p command that has no reply yet, or leaves @p skip older ones waiting.
+    Q_INVOKABLE void reply(const QString &command, const QVariant &data, const QString &returnCode, int skip = 0)
     {
         m_session->noteAnswer(command, returnCode);
-        m_plugin->CommandProcessor(command, data, nullptr, returnCode, {}, true, {});
+        m_plugin->CommandProcessor(command, data, takeContext(command, skip), returnCode, {}, true, {});
     }
 
     Q_INVOKABLE void raise(const QString &event) { m_plugin->EventProcessor(event, 0, 0, 0, QVariantList(), {}); }
@@ -59,7 +85,24 @@ signals:
     void renewed();
 
 private:
+    void *takeContext(const QString &command, int skip)
+    {
+        for (qsizetype i = 0; i < m_outstanding.size(); ++i) {
+            if (m_outstanding.at(i).command == command && skip-- == 0)
+                return m_outstanding.takeAt(i).context;
+        }
+        return nullptr;
+    }
+
+    /// What was sent along comes back with each reply, as a client's framework sees to when it closes.
+    void answerAll()
+    {
+        while (!m_outstanding.isEmpty())
+            reply(m_outstanding.constFirst().command, {}, QStringLiteral("Closing"));
+    }
+
     FakeFramework m_framework;
+    QList<FakeFramework::Sent> m_outstanding; // without a reply, in the order of sending
     std::unique_ptr<PluginRecordingManagement> m_plugin;
     std::unique_ptr<ConsoleSession> m_session;
 };

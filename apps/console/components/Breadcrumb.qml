@@ -2,11 +2,12 @@ import QtQuick
 import QtQuick.Controls.Basic
 import RecordingConsole
 
-/// The way from the list of the volumes to a folder; each step leads there. Where it is too long, the end stays in view.
+/// The way to a folder, at first from the list of the volumes; each step leads there. Where it is too long, the end stays in view.
 Flickable {
     id: breadcrumb
 
     required property string folder
+    property var steps: FolderPath.steps(folder) ///< maps with "name" and "path"
 
     signal opened(path: string)
 
@@ -27,7 +28,7 @@ Flickable {
         Repeater {
             id: crumbs
 
-            model: FolderPath.steps(breadcrumb.folder)
+            model: breadcrumb.steps
 
             Row {
                 id: step

@@ -8,6 +8,8 @@ FocusScope {
     required property PluginRecordingManagement recording
     /// The connection, and the words behind a refusal.
     required property ConsoleSession session
+    /// The NAS paths that are used as volumes; null where nobody keeps them.
+    property NasVolumes nasVolumes: null
     /// Where the page begins, if it can begin in several places; else not used.
     property string startPlace
 

@@ -8,6 +8,8 @@ Rectangle {
 
     property string text
     property string actionText
+    property bool closable: true
+    property bool notice: false ///< nothing went wrong: something should be known
 
     signal actionTriggered
     signal dismissed
@@ -15,8 +17,8 @@ Rectangle {
     implicitHeight: visible ? content.implicitHeight + 2 * Theme.small : 0
     visible: text !== ""
     radius: Theme.radius
-    color: Theme.dangerGround
-    border.color: Theme.dangerOutline
+    color: notice ? Theme.selected : Theme.dangerGround
+    border.color: notice ? Theme.accent : Theme.dangerOutline
     Accessible.role: Accessible.AlertMessage
     Accessible.name: text
 
@@ -29,8 +31,8 @@ Rectangle {
         spacing: Theme.medium
 
         Icon {
-            name: "alert"
-            color: Theme.danger
+            name: strip.notice ? "info" : "alert"
+            color: strip.notice ? Theme.accent : Theme.danger
             size: Theme.iconSize
         }
         Text {
@@ -51,6 +53,7 @@ Rectangle {
         }
         ActionButton {
             objectName: "errorClose"
+            visible: strip.closable
             quiet: true
             iconName: "close"
             hint: qsTr("Close this message")

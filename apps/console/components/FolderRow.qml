@@ -10,6 +10,7 @@ ItemDelegate {
     required property int index
     required property string nameRole
     property bool isVolume: false
+    property string iconName: isVolume ? "volume" : "folder"
 
     signal opened
 
@@ -30,7 +31,7 @@ ItemDelegate {
         spacing: Theme.medium
 
         Icon {
-            name: row.isVolume ? "volume" : "folder"
+            name: row.iconName
             color: Theme.accent
             size: 22
         }

@@ -107,6 +107,14 @@ ConsolePage {
             onActionTriggered: page.refresh()
             onDismissed: page.failure = ""
         }
+        ErrorStrip {
+            objectName: "nasStrip"
+            text: page.nasVolumes?.missing ?? ""
+            actionText: page.session.connected ? qsTr("Try again") : ""
+            closable: false
+            Layout.fillWidth: true
+            onActionTriggered: page.nasVolumes.retry()
+        }
         Item {
             Layout.fillWidth: true
             Layout.fillHeight: true

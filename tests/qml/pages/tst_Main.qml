@@ -48,7 +48,7 @@ TestCase {
             verify(window.currentPage.visible);
             verify(window.title.startsWith(window.pages[i].title));
         }
-        compare(server.takeSent(), ["getVolume", "getServerDir"]);
+        compare(server.takeSent(), ["getVolume", "getServerDir", "GetNasServers"]);
     }
 
     function test_pageKeepsItsStateWhileAnotherIsShown(): void {

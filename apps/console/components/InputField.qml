@@ -1,0 +1,29 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import RecordingConsole
+
+/// A line to type into.
+TextField {
+    id: field
+
+    property bool mistaken: false ///< what stands in it was refused
+
+    implicitHeight: Theme.controlHeight
+    color: enabled ? Theme.text : Theme.disabledText
+    placeholderTextColor: Theme.disabledText
+    selectionColor: Theme.accent
+    selectedTextColor: Theme.accentText
+    selectByMouse: true
+    font.pixelSize: Theme.bodySize
+    leftPadding: Theme.medium
+    rightPadding: Theme.medium
+    Accessible.name: placeholderText
+
+    background: Rectangle {
+        radius: Theme.radius
+        color: Theme.window
+        border.width: field.activeFocus ? 2 : 1
+        border.color: field.mistaken ? Theme.danger
+                    : field.activeFocus ? Theme.accent : field.enabled ? Theme.controlOutline : Theme.outline
+    }
+}

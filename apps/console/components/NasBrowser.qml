@@ -1,0 +1,209 @@
+import QtQuick
+import QtQuick.Layouts
+import RecordingConsole
+import com.meridon.pluginrecordingmanagement
+
+/// The shares of one NAS server and the folders in them.
+FocusScope {
+    id: browser
+
+    required property PluginRecordingManagement recording
+    required property ConsoleSession session
+    required property NasVolumes volumes
+    property bool alone: false ///< the list of the servers is not beside it
+    property bool serversThere: false
+    property string host
+    property string entryToSelect
+    property real keptPosition: -1
+    readonly property alias listing: listing
+    readonly property bool open: listing.serverId !== ""
+    readonly property string path: listing.folder !== "" ? listing.folder : listing.asked
+    readonly property bool atRoot: NasPath.above(path) === ""
+    readonly property int nameRoleNumber: 258 // of nameRole, for match()
+
+    /// The operator wants to see the servers.
+    signal backWanted
+
+    function show(serverId: string, newHost: string): void {
+        host = newHost;
+        entryToSelect = "";
+        keptPosition = -1;
+        listing.begin(serverId, newHost);
+        card.list.forceActiveFocus();
+    }
+
+    function close(): void {
+        listing.end();
+        host = "";
+    }
+
+    function enter(newPath: string): void {
+        entryToSelect = "";
+        keptPosition = -1;
+        listing.ask(newPath);
+    }
+
+    function refresh(): void {
+        if (!open || listing.loading)
+            return;
+        entryToSelect = (card.list.currentItem as FolderRow)?.nameRole ?? "";
+        keptPosition = card.list.contentY;
+        listing.ask(path !== "" ? path : NasPath.root(host));
+    }
+
+    function goUp(): void {
+        if (!open)
+            return;
+        if (!atRoot) {
+            entryToSelect = NasPath.entry(path);
+            keptPosition = -1;
+            listing.ask(NasPath.above(path));
+        } else if (alone) {
+            backWanted();
+        }
+    }
+
+    function placeCursor(): void {
+        const model = card.model;
+        const found = model.match(model.index(0, 0), nameRoleNumber, entryToSelect, 1, Qt.MatchExactly
+                                  | Qt.MatchCaseSensitive);
+        card.currentIndex = card.count === 0 ? -1 : found.length > 0 ? found[0].row : 0;
+        if (card.count > 0)
+            card.list.positionViewAtIndex(card.currentIndex, ListView.Contain);
+        if (keptPosition >= 0)
+            card.list.contentY = Math.max(0, Math.min(keptPosition, card.list.contentHeight - card.list.height));
+        keptPosition = -1;
+    }
+
+    Keys.onPressed: event => {
+        if (event.key === Qt.Key_Backspace) {
+            goUp();
+            event.accepted = true;
+        }
+    }
+
+    NasListing {
+        id: listing
+
+        recording: browser.recording
+        session: browser.session
+        watching: browser.visible
+        onListed: {
+            browser.placeCursor();
+            capacity.show(folder, serverId);
+        }
+    }
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: Theme.medium
+
+        RowLayout {
+            visible: browser.open
+            spacing: Theme.small
+            Layout.fillWidth: true
+
+            ActionButton {
+                objectName: "up"
+                iconName: "up"
+                hint: browser.atRoot ? qsTr("The NAS servers (Alt+Up)") : qsTr("The folder above (Alt+Up)")
+                enabled: !browser.atRoot || browser.alone
+                onClicked: browser.goUp()
+            }
+            Rectangle {
+                implicitHeight: Theme.controlHeight
+                radius: Theme.radius
+                color: Theme.surface
+                border.color: Theme.outline
+                Layout.fillWidth: true
+
+                Breadcrumb {
+                    objectName: "breadcrumb"
+                    anchors.fill: parent
+                    anchors.leftMargin: Theme.small
+                    anchors.rightMargin: Theme.small
+                    folder: browser.path
+                    steps: (browser.alone ? [{ name: qsTr("Servers"), path: "" }] : []).concat(NasPath.steps(folder))
+                    onOpened: path => path === "" ? browser.backWanted() : browser.enter(path)
+                }
+            }
+        }
+        ErrorStrip {
+            objectName: "browserStrip"
+            text: listing.refusal === "" ? "" : qsTr("%1: %2").arg(listing.refusedPath).arg(listing.refusal)
+            actionText: browser.session.connected ? qsTr("Try again") : ""
+            Layout.fillWidth: true
+            onActionTriggered: browser.enter(listing.refusedPath)
+            onDismissed: listing.refusal = ""
+        }
+        NasCapacityCard {
+            id: capacity
+
+            objectName: "capacity"
+            volumes: browser.volumes
+            visible: browser.open && NasPath.inShare(listing.folder)
+            Layout.fillWidth: true
+        }
+        ListCard {
+            id: card
+
+            objectName: "nasFolders"
+            focus: true
+            model: browser.recording.getNASServerDirModel()
+            list.visible: listing.inView
+            list.opacity: listing.loading ? 0.55 : 1
+            list.Accessible.name: browser.atRoot ? qsTr("Shares of %1").arg(browser.host) : qsTr("Folders")
+            list.Keys.onReturnPressed: (list.currentItem as FolderRow)?.opened()
+            list.Keys.onEnterPressed: (list.currentItem as FolderRow)?.opened()
+            delegate: FolderRow {
+                width: ListView.view?.width ?? 0
+                iconName: browser.atRoot ? "share" : "folder"
+                onOpened: {
+                    if (browser.listing.inView)
+                        browser.enter(NasPath.child(listing.folder, nameRole));
+                }
+            }
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+
+            Placeholder {
+                objectName: "browserPlaceholder"
+                anchors.centerIn: parent
+                width: Math.min(380, parent.width - 2 * Theme.huge)
+                visible: card.count === 0 || !listing.inView
+                busy: listing.loading
+                iconName: browser.open ? "folder" : "network"
+                title: !browser.open ? (browser.serversThere ? qsTr("Choose a NAS server") : qsTr("Nothing to look into yet"))
+                    : busy ? (browser.atRoot ? qsTr("Asking %1 for its shares…").arg(browser.host)
+                                             : qsTr("Asking %1 for its folders…").arg(browser.host))
+                    : !listing.inView ? qsTr("Nothing could be listed")
+                    : browser.atRoot ? qsTr("No shares to show") : qsTr("No folders in here")
+                text: !browser.open ? (browser.serversThere ? qsTr("Its shares and their folders appear here.") : "")
+                    : busy ? qsTr("A server that is far away or off may take half a minute.")
+                    : listing.inView && browser.atRoot ? qsTr("This user may see no share of the server.") : ""
+            }
+        }
+    }
+    Rectangle {
+        objectName: "loadingMark"
+        visible: listing.loading && listing.inView
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        anchors.margins: Theme.medium
+        width: loadingText.implicitWidth + 2 * Theme.medium
+        height: 30
+        radius: height / 2
+        color: Theme.selected
+        border.color: Theme.accent
+
+        Text {
+            id: loadingText
+
+            anchors.centerIn: parent
+            text: qsTr("Asking %1…").arg(browser.host)
+            color: Theme.text
+            font.pixelSize: Theme.captionSize
+            textFormat: Text.PlainText
+        }
+    }
+}

@@ -1,0 +1,215 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import RecordingConsole
+import com.meridon.pluginrecordingmanagement
+
+/// Asks for a NAS server, a new one or one to be changed. The station tests the log-on before it keeps anything; the
+/// dialog stays open until it did, and a refusal stands at the field that caused it.
+ConsoleDialog {
+    id: dialog
+
+    property string serverId ///< to be changed; empty: a new server
+    property string shownHost ///< of the server to be changed, for the title
+    property string faultyField ///< "host", "user" or "general", which is none of them
+    property string refusal
+    property bool hostEdited: false
+    readonly property var hostReturnCodes: ["NasServerNotResponding", "NasHostRefused"] // Unknown to the plug-in
+    readonly property bool changes: serverId !== ""
+    readonly property string mistake: host === "" ? qsTr("Enter the name or the address of the NAS server.")
+        : /[\/\\]/.test(host) ? qsTr("Enter the name or the address alone, without slashes.")
+        : /\s/.test(host) ? qsTr("A name or an address has no spaces in it.") : ""
+
+    // What was entered; what is left empty is what stands as a placeholder.
+    readonly property string host: hostField.text.trim()
+    readonly property string logonDomain: domainField.text.trim() || NasServers.ownDomain
+    readonly property string userName: userField.text.trim() || NasServers.guest
+
+    /// The log-on shall be tested and the server kept. @p password is empty where nothing was typed.
+    signal submitted(password: string)
+    /// The dialog was closed while the log-on was tested.
+    signal abandoned
+
+    function ask(id: string, logon: var): void {
+        serverId = id;
+        shownHost = logon?.host ?? "";
+        hostField.text = shownHost;
+        domainField.text = logon === null || logon.logonDomain === NasServers.ownDomain ? "" : logon.logonDomain;
+        userField.text = logon === null || logon.userName === NasServers.guest ? "" : logon.userName;
+        passwordField.field.clear();
+        hostEdited = false;
+        refusal = "";
+        busy = false;
+        open();
+        hostField.field.selectAll();
+        hostField.field.forceActiveFocus();
+    }
+
+    function submit(): void {
+        hostEdited = true;
+        if (busy || mistake !== "")
+            return;
+        refusal = "";
+        busy = true;
+        cancelButton.forceActiveFocus();
+        submitted(passwordField.text);
+    }
+
+    function done(): void {
+        busy = false;
+        close();
+    }
+
+    /// @param returnCode of the station, which says more than the plug-in's @p code
+    function refuse(code: int, returnCode: string, words: string): void {
+        busy = false;
+        faultyField = code === PluginRecordingManagement.LogonFailed ? "user"
+            : code === PluginRecordingManagement.ServerExist || code === PluginRecordingManagement.GetDirFailed
+              || hostReturnCodes.includes(returnCode) ? "host" : "general";
+        refusal = code === PluginRecordingManagement.GetDirFailed
+            ? qsTr("This NAS server could not list its shares.") : words;
+        const field = faultyField === "user" ? passwordField.field : hostField.field;
+        field.selectAll();
+        field.forceActiveFocus();
+    }
+
+    function messageOf(field: string): string {
+        return faultyField === field ? refusal : "";
+    }
+
+    objectName: "nasServerDialog"
+    title: changes ? qsTr("Change %1").arg(shownHost) : qsTr("Add a NAS server")
+    width: Math.min(460, parent.width - 2 * Theme.large)
+    height: Math.min(implicitHeight, parent.height - 2 * Theme.small)
+    closePolicy: Popup.CloseOnEscape
+    onClosed: {
+        const wasBusy = busy;
+        busy = false;
+        passwordField.field.clear();
+        if (wasBusy)
+            abandoned();
+    }
+
+    contentItem: Flickable {
+        implicitHeight: fields.implicitHeight
+        contentHeight: fields.implicitHeight
+        clip: contentHeight > height
+        boundsBehavior: Flickable.StopAtBounds
+
+        ColumnLayout {
+            id: fields
+
+            width: parent.width
+            spacing: Theme.medium
+
+            LabelledField {
+                id: hostField
+
+                objectName: "host"
+                label: qsTr("Name or address")
+                placeholderText: qsTr("nas.example or 192.0.2.10")
+                enabled: !dialog.busy
+                message: dialog.messageOf("host") || (dialog.hostEdited ? dialog.mistake : "")
+                Layout.fillWidth: true
+                onEdited: {
+                    dialog.hostEdited = true;
+                    dialog.refusal = "";
+                }
+                onAccepted: dialog.submit()
+            }
+            LabelledField {
+                id: domainField
+
+                objectName: "domain"
+                label: qsTr("Domain of the log-on")
+                placeholderText: NasServers.ownDomain
+                hint: qsTr("“%1” is the NAS server itself.").arg(NasServers.ownDomain)
+                enabled: !dialog.busy
+                Layout.fillWidth: true
+                onEdited: dialog.refusal = ""
+                onAccepted: dialog.submit()
+            }
+            LabelledField {
+                id: userField
+
+                objectName: "user"
+                label: qsTr("User name")
+                placeholderText: NasServers.guest
+                enabled: !dialog.busy
+                mistaken: dialog.messageOf("user") !== ""
+                Layout.fillWidth: true
+                onEdited: dialog.refusal = ""
+                onAccepted: dialog.submit()
+            }
+            LabelledField {
+                id: passwordField
+
+                objectName: "password"
+                label: qsTr("Password")
+                placeholderText: dialog.changes ? qsTr("Unchanged") : ""
+                hint: dialog.changes ? qsTr("Left empty, the password stays as it is.") : ""
+                echoMode: TextInput.Password
+                enabled: !dialog.busy
+                message: dialog.messageOf("user")
+                Layout.fillWidth: true
+                onEdited: dialog.refusal = ""
+                onAccepted: dialog.submit()
+            }
+            FieldMessage {
+                objectName: "generalMessage"
+                text: dialog.messageOf("general")
+                Layout.fillWidth: true
+            }
+            RowLayout {
+                objectName: "testing"
+                visible: dialog.busy
+                spacing: Theme.small
+                Accessible.role: Accessible.AlertMessage
+                Accessible.name: testingText.text
+
+                BusyIndicator {
+                    running: dialog.busy
+                    palette.dark: Theme.accent
+                    padding: 0
+                    Layout.preferredWidth: 20
+                    Layout.preferredHeight: 20
+                    Accessible.ignored: true
+                }
+                Text {
+                    id: testingText
+
+                    text: qsTr("The station tests the log-on…")
+                    color: Theme.secondaryText
+                    font.pixelSize: Theme.bodySize
+                    textFormat: Text.PlainText
+                    wrapMode: Text.Wrap
+                    Accessible.ignored: true
+                    Layout.fillWidth: true
+                }
+            }
+        }
+    }
+
+    footer: RowLayout {
+        spacing: Theme.small
+
+        Item { Layout.fillWidth: true }
+        ActionButton {
+            id: cancelButton
+
+            objectName: "cancel"
+            text: dialog.busy && dialog.changes ? qsTr("Close") : qsTr("Cancel")
+            Layout.bottomMargin: Theme.large
+            onClicked: dialog.close()
+        }
+        ActionButton {
+            objectName: "submit"
+            primary: true
+            text: dialog.busy ? qsTr("Testing…") : dialog.changes ? qsTr("Test and keep") : qsTr("Test and add")
+            enabled: !dialog.busy && dialog.mistake === ""
+            Layout.bottomMargin: Theme.large
+            Layout.rightMargin: Theme.huge
+            onClicked: dialog.submit()
+        }
+    }
+}
