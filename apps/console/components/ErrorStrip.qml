@@ -22,18 +22,21 @@ Rectangle {
     Accessible.role: Accessible.AlertMessage
     Accessible.name: text
 
-    RowLayout {
+    GridLayout {
         id: content
 
         anchors.fill: parent
         anchors.leftMargin: Theme.medium
         anchors.rightMargin: Theme.small
-        spacing: Theme.medium
+        columnSpacing: Theme.medium
+        rowSpacing: 0
 
         Icon {
             name: strip.notice ? "info" : "alert"
             color: strip.notice ? Theme.accent : Theme.danger
             size: Theme.iconSize
+            Layout.row: 0
+            Layout.column: 0
         }
         Text {
             text: strip.text
@@ -42,6 +45,8 @@ Rectangle {
             textFormat: Text.PlainText
             wrapMode: Text.Wrap
             Accessible.ignored: true
+            Layout.row: 0
+            Layout.column: 1
             Layout.fillWidth: true
         }
         ActionButton {
@@ -49,6 +54,8 @@ Rectangle {
             visible: strip.actionText !== ""
             quiet: true
             text: strip.actionText
+            Layout.row: strip.width < 420 ? 1 : 0
+            Layout.column: strip.width < 420 ? 1 : 2
             onClicked: strip.actionTriggered()
         }
         ActionButton {
@@ -57,6 +64,8 @@ Rectangle {
             quiet: true
             iconName: "close"
             hint: qsTr("Close this message")
+            Layout.row: 0
+            Layout.column: 3
             onClicked: strip.dismissed()
         }
     }

@@ -17,7 +17,7 @@ FocusScope {
     property real keptPosition: -1
     readonly property alias listing: listing
     readonly property bool open: listing.serverId !== ""
-    readonly property string path: listing.folder !== "" ? listing.folder : listing.asked
+    readonly property string path: listing.folder || listing.asked || (open ? NasPath.root(host) : "")
     readonly property bool atRoot: NasPath.above(path) === ""
     readonly property int nameRoleNumber: 258 // of nameRole, for match()
 
@@ -43,12 +43,17 @@ FocusScope {
         listing.ask(newPath);
     }
 
+    function enterCurrent(): void {
+        if (listing.inView)
+            (card.list.currentItem as FolderRow)?.opened();
+    }
+
     function refresh(): void {
         if (!open || listing.loading)
             return;
         entryToSelect = (card.list.currentItem as FolderRow)?.nameRole ?? "";
         keptPosition = card.list.contentY;
-        listing.ask(path !== "" ? path : NasPath.root(host));
+        listing.ask(path);
     }
 
     function goUp(): void {
@@ -150,18 +155,15 @@ FocusScope {
             objectName: "nasFolders"
             focus: true
             model: browser.recording.getNASServerDirModel()
-            list.visible: listing.inView
-            list.opacity: listing.loading ? 0.55 : 1
+            list.opacity: !listing.inView ? 0 : listing.loading ? 0.55 : 1
             list.Accessible.name: browser.atRoot ? qsTr("Shares of %1").arg(browser.host) : qsTr("Folders")
-            list.Keys.onReturnPressed: (list.currentItem as FolderRow)?.opened()
-            list.Keys.onEnterPressed: (list.currentItem as FolderRow)?.opened()
+            list.Keys.onReturnPressed: browser.enterCurrent()
+            list.Keys.onEnterPressed: browser.enterCurrent()
             delegate: FolderRow {
                 width: ListView.view?.width ?? 0
+                visible: browser.listing.inView
                 iconName: browser.atRoot ? "share" : "folder"
-                onOpened: {
-                    if (browser.listing.inView)
-                        browser.enter(NasPath.child(listing.folder, nameRole));
-                }
+                onOpened: browser.enter(NasPath.child(browser.listing.folder, nameRole))
             }
             Layout.fillWidth: true
             Layout.fillHeight: true

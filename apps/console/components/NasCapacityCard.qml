@@ -18,7 +18,7 @@ Rectangle {
     readonly property bool low: total > 0 && total - used < total / 10
     readonly property var volume: volumes.entries.find(entry => entry.path === path) ?? null
     readonly property int state: volume?.state ?? volumes.notUsed
-    readonly property bool wide: width >= 560
+    readonly property bool wide: width >= 400
 
     /// Shows @p newPath; the figures of another folder stay in view until the new ones come.
     function show(newPath: string, id: string): void {
@@ -71,7 +71,7 @@ Rectangle {
         anchors.topMargin: Theme.medium
         anchors.bottomMargin: Theme.medium
         columns: card.wide ? 2 : 1
-        columnSpacing: Theme.huge
+        columnSpacing: Theme.large
         rowSpacing: Theme.medium
 
         ColumnLayout {

@@ -58,7 +58,7 @@ ItemDelegate {
                 font.pixelSize: Theme.titleSize
                 font.weight: Font.DemiBold
                 textFormat: Text.PlainText
-                elide: Text.ElideMiddle
+                elide: Text.ElideRight
                 Layout.fillWidth: true
             }
             Text {
@@ -69,7 +69,7 @@ ItemDelegate {
                 color: Theme.secondaryText
                 font.pixelSize: Theme.captionSize
                 textFormat: Text.PlainText
-                elide: Text.ElideMiddle
+                elide: Text.ElideRight
                 Layout.fillWidth: true
             }
         }
@@ -79,19 +79,21 @@ ItemDelegate {
             ActionButton {
                 objectName: "edit"
                 quiet: true
+                implicitHeight: 32
                 iconName: "edit"
                 hint: qsTr("Change %1 (F2)").arg(row.nameRole)
                 enabled: row.editable
-                activeFocusOnTab: row.current
+                activeFocusOnTab: row.current || activeFocus
                 onClicked: row.editWanted()
             }
             ActionButton {
                 objectName: "remove"
                 quiet: true
+                implicitHeight: 32
                 iconName: "remove"
                 hint: qsTr("Remove %1 (Del)").arg(row.nameRole)
                 enabled: row.editable
-                activeFocusOnTab: row.current
+                activeFocusOnTab: row.current || activeFocus
                 onClicked: row.removeWanted()
             }
         }

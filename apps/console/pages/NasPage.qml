@@ -237,8 +237,9 @@ ConsolePage {
             onActionTriggered: page.refreshAll()
             onDismissed: page.notice = ""
         }
-        RowLayout {
-            spacing: Theme.large
+        Item {
+            id: place
+
             Layout.fillWidth: true
             Layout.fillHeight: true
 
@@ -246,7 +247,6 @@ ConsolePage {
                 id: serverCard
 
                 objectName: "servers"
-                focus: page.serversShown
                 visible: page.serversShown
                 model: page.servers
                 list.Accessible.name: qsTr("NAS servers")
@@ -269,10 +269,8 @@ ConsolePage {
                     onEditWanted: page.edit(row)
                     onRemoveWanted: page.askToRemove(row)
                 }
-                Layout.fillWidth: true
-                Layout.fillHeight: true
-                Layout.preferredWidth: 1
-                Layout.maximumWidth: page.wide ? 360 : -1
+                width: page.wide ? Math.max(264, Math.min(360, Math.round(place.width * 0.36))) : place.width
+                height: place.height
 
                 Placeholder {
                     objectName: "placeholder"
@@ -293,7 +291,6 @@ ConsolePage {
 
                 objectName: "browser"
                 visible: page.wide || !page.serversShown
-                focus: !page.serversShown
                 recording: page.recording
                 session: page.session
                 volumes: page.nasVolumes
@@ -303,9 +300,9 @@ ConsolePage {
                     page.browsing = false;
                     serverCard.list.forceActiveFocus();
                 }
-                Layout.fillWidth: true
-                Layout.fillHeight: true
-                Layout.preferredWidth: page.wide ? 2 : 1
+                x: page.wide ? serverCard.width + Theme.large : 0
+                width: place.width - x
+                height: place.height
             }
         }
     }

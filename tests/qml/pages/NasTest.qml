@@ -58,8 +58,25 @@ PageTest {
                  relayPath: "" };
     }
 
+    /// A click on what stands there once everything has its place.
+    function click(item): void {
+        page.Window.window.update();
+        verify(waitForRendering(page));
+        mouseClick(item);
+    }
+
+    function clickPart(name): void {
+        page.Window.window.update();
+        verify(waitForRendering(page));
+        mouseClick(part(name));
+    }
+
+    function shown(): bool {
+        return part("nasFolders").list.opacity > 0;
+    }
+
     function openShares(id, shares): void {
-        mouseClick(findChild(part("nas:" + id), "host"));
+        click(findChild(part("nas:" + id), "host"));
         const listed = servers.find(candidate => candidate.id === id);
         answerFolders("//" + listed.host, shares);
         server.takeSent();

@@ -54,16 +54,31 @@ TestCase {
         const texts = [];
         collectTexts(item, texts);
         for (let i = 0; i < texts.length; ++i) {
-            const a = texts[i].mapToItem(page, 0, 0, texts[i].width, texts[i].height);
+            const a = shownPlace(texts[i]);
             verify(a.width >= 0 && a.height >= 0, texts[i].text);
             verify(a.x >= -0.5 && a.x + a.width <= page.width + 0.5, texts[i].text + " leaves the page");
             for (let j = 0; j < i; ++j) {
-                const b = texts[j].mapToItem(page, 0, 0, texts[j].width, texts[j].height);
+                const b = shownPlace(texts[j]);
                 const apart = a.x + a.width <= b.x + 0.5 || b.x + b.width <= a.x + 0.5
                     || a.y + a.height <= b.y + 0.5 || b.y + b.height <= a.y + 0.5;
                 verify(apart, texts[i].text + " overlaps " + texts[j].text);
             }
         }
+    }
+
+    /// Where an item stands on the page, without what is clipped away.
+    function shownPlace(item) {
+        let place = item.mapToItem(page, 0, 0, item.width, item.height);
+        for (let around = item.parent; around && around !== page; around = around.parent) {
+            if (!around.clip)
+                continue;
+            const frame = around.mapToItem(page, 0, 0, around.width, around.height);
+            const x = Math.min(Math.max(place.x, frame.x), frame.x + frame.width);
+            const y = Math.min(Math.max(place.y, frame.y), frame.y + frame.height);
+            place = Qt.rect(x, y, Math.max(0, Math.min(place.x + place.width, frame.x + frame.width) - x),
+                            Math.max(0, Math.min(place.y + place.height, frame.y + frame.height) - y));
+        }
+        return place;
     }
 
     function collectTexts(item, texts) {
