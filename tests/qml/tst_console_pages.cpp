@@ -54,14 +54,14 @@ public:
         return lines;
     }
 
-    /// The same with the whole data: maps with "command" and "data".
-    Q_INVOKABLE QVariantList takeRequests()
+    /// The same with the data as it was sent: maps with "command" and "data".
+    Q_INVOKABLE QVariantList takeRequestMaps()
     {
         QVariantList requests;
         const QList<FakeFramework::Sent> sent = std::exchange(m_framework.sent, {});
         for (const FakeFramework::Sent &request : sent)
-            requests.append(QVariantMap{{QStringLiteral("command"), request.command},
-                                        {QStringLiteral("data"), request.data}});
+            requests.append(
+                QVariantMap{{QStringLiteral("command"), request.command}, {QStringLiteral("data"), request.data}});
         return requests;
     }
 
@@ -72,11 +72,21 @@ public:
                                               [&command](const auto &request) { return request.command == command; }));
     }
 
-    /// Answers the oldest request of @p command that has no reply yet, or leaves @p skip older ones waiting.
-    Q_INVOKABLE void reply(const QString &command, const QVariant &data, const QString &returnCode, int skip = 0)
+    /// Answers the oldest request of @p command that has no reply yet.
+    Q_INVOKABLE void reply(const QString &command, const QVariant &data, const QString &returnCode)
     {
         m_session->noteAnswer(command, returnCode);
-        m_plugin->CommandProcessor(command, data, takeContext(command, skip), returnCode, {}, true, {});
+        m_plugin->CommandProcessor(command, data, takeContext(command), returnCode, {}, true, {});
+    }
+
+    /// Answers the newest one, and leaves the older ones waiting.
+    Q_INVOKABLE void replyToNewest(const QString &command, const QVariant &data, const QString &returnCode)
+    {
+        const auto newest = std::find_if(m_outstanding.rbegin(), m_outstanding.rend(),
+                                         [&command](const auto &request) { return request.command == command; });
+        if (newest != m_outstanding.rend())
+            std::rotate(m_outstanding.begin(), std::prev(newest.base()), newest.base());
+        reply(command, data, returnCode);
     }
 
     Q_INVOKABLE void raise(const QString &event) { m_plugin->EventProcessor(event, 0, 0, 0, QVariantList(), {}); }
@@ -85,10 +95,10 @@ signals:
     void renewed();
 
 private:
-    void *takeContext(const QString &command, int skip)
+    void *takeContext(const QString &command)
     {
         for (qsizetype i = 0; i < m_outstanding.size(); ++i) {
-            if (m_outstanding.at(i).command == command && skip-- == 0)
+            if (m_outstanding.at(i).command == command)
                 return m_outstanding.takeAt(i).context;
         }
         return nullptr;

@@ -10,6 +10,7 @@ Rectangle {
     property string actionText
     property bool closable: true
     property bool notice: false ///< nothing went wrong: something should be known
+    readonly property bool narrow: width < 420
 
     signal actionTriggered
     signal dismissed
@@ -54,8 +55,9 @@ Rectangle {
             visible: strip.actionText !== ""
             quiet: true
             text: strip.actionText
-            Layout.row: strip.width < 420 ? 1 : 0
-            Layout.column: strip.width < 420 ? 1 : 2
+            Layout.row: strip.narrow ? 1 : 0
+            Layout.column: strip.narrow ? 1 : 2
+            Layout.leftMargin: strip.narrow ? -leftPadding : 0
             onClicked: strip.actionTriggered()
         }
         ActionButton {

@@ -37,8 +37,12 @@ PageTest {
         server.reply("GetNasServers", list, "0");
     }
 
-    function answerFolders(path, folders, skip): void {
-        server.reply("GetNasDir", { basePath: path, dirFolderList: [".", ".."].concat(folders) }, "0", skip ?? 0);
+    function listing(path, folders) {
+        return { basePath: path, dirFolderList: [".", ".."].concat(folders) };
+    }
+
+    function answerFolders(path, folders): void {
+        server.reply("GetNasDir", listing(path, folders), "0");
     }
 
     function answerCapacity(total, used): void {
@@ -47,7 +51,7 @@ PageTest {
 
     /// The only request sent since the last look.
     function sent(command) {
-        const requests = server.takeRequests();
+        const requests = server.takeRequestMaps();
         compare(requests.map(request => request.command), [command]);
         return requests[0].data;
     }

@@ -8,7 +8,7 @@ NasTest {
 
     function test_listsTheServers(): void {
         openWith(null, {});
-        compare(server.takeRequests(), [{ command: "GetNasServers", data: "" }]);
+        compare(server.takeRequestMaps(), [{ command: "GetNasServers", data: "" }]);
         verify(!page.settled);
         verify(part("placeholder").busy);
         answerServers(servers);

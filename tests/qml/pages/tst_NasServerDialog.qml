@@ -57,7 +57,7 @@ NasTest {
         server.reply("AddNasServer", "{9}", "0");
         tryVerify(() => !dialog.visible);
         compare(page.chosen, "{9}");
-        const requests = server.takeRequests();
+        const requests = server.takeRequestMaps();
         compare(requests.map(request => request.command), ["GetNasDir", "GetNasServers"]);
         compare(requests[0].data.basePath, "//nas9");
         answerServers(servers.concat([{ id: "{9}", host: "nas9", logonDomain: "Host", userName: "Guest",
