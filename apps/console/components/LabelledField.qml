@@ -11,6 +11,7 @@ ColumnLayout {
     property alias text: input.text
     property alias placeholderText: input.placeholderText
     property alias echoMode: input.echoMode
+    property alias locked: input.readOnly ///< what stands there cannot be changed now
     property string hint
     property string message ///< what is wrong
     property bool mistaken: message !== ""
@@ -34,6 +35,7 @@ ColumnLayout {
 
         objectName: labelled.objectName + "Input"
         mistaken: labelled.mistaken
+        color: readOnly ? Theme.secondaryText : Theme.text
         Layout.fillWidth: true
         Accessible.name: labelled.label
         Accessible.description: labelled.message !== "" ? labelled.message : labelled.hint

@@ -51,7 +51,6 @@ ConsoleDialog {
             return;
         refusal = "";
         busy = true;
-        cancelButton.forceActiveFocus();
         submitted(passwordField.text);
     }
 
@@ -91,6 +90,18 @@ ConsoleDialog {
     }
 
     contentItem: Flickable {
+        id: view
+
+        readonly property Item focused: Window.activeFocusItem
+
+        /// The field that is typed into stays in view where the window is low.
+        onFocusedChanged: {
+            for (const field of [hostField, domainField, userField, passwordField]) {
+                if (field.field === focused)
+                    contentY = Math.max(0, Math.min(field.y, contentHeight - height));
+            }
+        }
+
         implicitHeight: fields.implicitHeight
         contentHeight: fields.implicitHeight
         clip: contentHeight > height
@@ -108,7 +119,7 @@ ConsoleDialog {
                 objectName: "host"
                 label: qsTr("Name or address")
                 placeholderText: qsTr("nas.example or 192.0.2.10")
-                enabled: !dialog.busy
+                locked: dialog.busy
                 message: dialog.messageOf("host") || (dialog.hostEdited ? dialog.mistake : "")
                 Layout.fillWidth: true
                 onEdited: {
@@ -124,7 +135,7 @@ ConsoleDialog {
                 label: qsTr("Domain of the log-on")
                 placeholderText: NasServers.ownDomain
                 hint: qsTr("“%1” is the NAS server itself.").arg(NasServers.ownDomain)
-                enabled: !dialog.busy
+                locked: dialog.busy
                 Layout.fillWidth: true
                 onEdited: dialog.refusal = ""
                 onAccepted: dialog.submit()
@@ -135,7 +146,7 @@ ConsoleDialog {
                 objectName: "user"
                 label: qsTr("User name")
                 placeholderText: NasServers.guest
-                enabled: !dialog.busy
+                locked: dialog.busy
                 mistaken: dialog.messageOf("user") !== ""
                 Layout.fillWidth: true
                 onEdited: dialog.refusal = ""
@@ -149,7 +160,7 @@ ConsoleDialog {
                 placeholderText: dialog.changes ? qsTr("Unchanged") : ""
                 hint: dialog.changes ? qsTr("Left empty, the password stays as it is.") : ""
                 echoMode: TextInput.Password
-                enabled: !dialog.busy
+                locked: dialog.busy
                 message: dialog.messageOf("user")
                 Layout.fillWidth: true
                 onEdited: dialog.refusal = ""
@@ -195,8 +206,6 @@ ConsoleDialog {
 
         Item { Layout.fillWidth: true }
         ActionButton {
-            id: cancelButton
-
             objectName: "cancel"
             text: dialog.busy && dialog.changes ? qsTr("Close") : qsTr("Cancel")
             Layout.bottomMargin: Theme.large

@@ -171,7 +171,8 @@ ConsolePage {
         target: page.session
 
         function onConnectedChanged(): void {
-            page.refreshAll();
+            if (page.session.connected)
+                page.refreshAll();
         }
     }
     Shortcut {

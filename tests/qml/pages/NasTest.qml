@@ -38,7 +38,7 @@ PageTest {
     }
 
     function listing(path, folders) {
-        return { basePath: path, dirFolderList: [".", ".."].concat(folders) };
+        return { basePath: path, dirFolderList: [".", "..", ...folders] };
     }
 
     function answerFolders(path, folders): void {
