@@ -24,7 +24,8 @@ std::unique_ptr<QCommandLineParser> newParser()
                                                      "Without a display:\n"
                                                      "  recording-console --platform offscreen --screenshot FILE"));
     parser->addOptions({
-        {QStringLiteral("page"), QStringLiteral("Page to begin with: volumes, folders or nas."), QStringLiteral("NAME")},
+        {QStringLiteral("page"), QStringLiteral("Page to begin with: volumes, folders or nas."),
+         QStringLiteral("NAME")},
         {QStringLiteral("folder"), QStringLiteral("Folder that the folders page begins in."), QStringLiteral("PATH")},
         {QStringLiteral("theme"), QStringLiteral("Colours: light, dark, or system as the desktop has them."),
          QStringLiteral("NAME")},
