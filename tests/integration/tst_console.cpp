@@ -70,6 +70,7 @@ void tst_console::screenshotShowsThePage_data()
     row("--page volumes --theme dark --size 800x600", {800, 600}, true);
     row("--page folders --theme light --size 480x640", {480, 640}, false);
     row("--page folders --folder / --theme dark", {1280, 800}, true);
+    row("--page nas --theme light --size 400x600", {400, 600}, false);
 }
 
 void tst_console::screenshotShowsThePage()
