@@ -12,7 +12,7 @@
 #include <memory>
 
 namespace {
-const QStringList pages{QStringLiteral("volumes"), QStringLiteral("folders"), QStringLiteral("nas")};
+const QStringList pages{QStringLiteral("volumes"), QStringLiteral("usage"), QStringLiteral("folders"), QStringLiteral("nas")};
 const QStringList schemes{QStringLiteral("system"), QStringLiteral("light"), QStringLiteral("dark")};
 constexpr int smallestSide = 200;
 constexpr int largestSide = 8192;
@@ -24,7 +24,7 @@ std::unique_ptr<QCommandLineParser> newParser()
                                                      "Without a display:\n"
                                                      "  recording-console --platform offscreen --screenshot FILE"));
     parser->addOptions({
-        {QStringLiteral("page"), QStringLiteral("Page to begin with: volumes, folders or nas."),
+        {QStringLiteral("page"), QStringLiteral("Page to begin with: volumes, usage, folders or nas."),
          QStringLiteral("NAME")},
         {QStringLiteral("folder"), QStringLiteral("Folder that the folders page begins in."), QStringLiteral("PATH")},
         {QStringLiteral("theme"), QStringLiteral("Colours: light, dark, or system as the desktop has them."),

@@ -1,17 +1,24 @@
 #pragma once
 
+#include <QAbstractItemModel>
 #include <QHash>
 #include <QObject>
+#include <QPointer>
+#include <QVariant>
 #include <QtQml/qqmlregistration.h>
 
-/// What the pages know of the client around the plug-in: whether the station can be reached, and the words behind the
-/// plug-in's yes or no. Lives on the UI thread.
+/// What the pages know of the client around the plug-in: whether the station can be reached and what it is busy with,
+/// the storage alarms, and the words behind the plug-in's yes or no. Lives on the UI thread.
 class ConsoleSession : public QObject
 {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("The client gives it to its pages.")
     Q_PROPERTY(bool connected READ isConnected NOTIFY connectedChanged)
+    Q_PROPERTY(bool counting READ isCounting NOTIFY countingChanged)
+    Q_PROPERTY(double countedFiles READ countedFiles NOTIFY countingChanged)
+    Q_PROPERTY(double filesToCount READ filesToCount NOTIFY countingChanged)
+    Q_PROPERTY(QAbstractItemModel *alarms READ alarms WRITE setAlarms NOTIFY alarmsChanged)
 
 public:
     explicit ConsoleSession(QObject *parent = nullptr);
@@ -28,10 +35,31 @@ public:
     /// The return code of the last answer to @p command; empty when there was none yet.
     Q_INVOKABLE QString returnCode(const QString &command) const;
 
+    /// Follows the station's count of its recorded files; other events are passed over.
+    void noteEvent(const QString &event, const QVariant &data);
+    bool isCounting() const; ///< the station counts its recorded files, and the connection is up
+    double countedFiles() const;
+    double filesToCount() const; ///< negative while the station cannot tell
+
+    /// The storage alarms in force, one row each, as the status monitor keeps them; null without one. Not owned.
+    QAbstractItemModel *alarms() const;
+    void setAlarms(QAbstractItemModel *alarms);
+
 signals:
     void connectedChanged();
+    /// The station, or the client in its place, refused @p command. For commands whose refusal the plug-in keeps quiet
+    /// about; the plug-in hears of the refusal after this.
+    void refused(const QString &command);
+    void countingChanged();
+    void alarmsChanged();
 
 private:
+    void setCount(bool counting, qlonglong done, qlonglong total);
+
     bool m_connected = false;
+    bool m_counting = false;
+    qlonglong m_countedFiles = 0;
+    qlonglong m_filesToCount = -1;
+    QPointer<QAbstractItemModel> m_alarms;
     QHash<QString, QString> m_returnCodes; // of the last answer, by command
 };

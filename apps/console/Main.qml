@@ -16,6 +16,7 @@ ApplicationWindow {
     /// The pages, in their order. A page is a file in pages/ and a line here.
     readonly property var pages: [
         { key: "volumes", title: qsTr("Volumes"), iconName: "volume", source: "pages/VolumesPage.qml" },
+        { key: "usage", title: qsTr("Usage"), iconName: "gauge", source: "pages/UsagePage.qml" },
         { key: "folders", title: qsTr("Folders"), iconName: "folder", source: "pages/FoldersPage.qml" },
         { key: "nas", title: qsTr("NAS servers"), iconName: "network", source: "pages/NasPage.qml" }
     ]
@@ -32,6 +33,13 @@ ApplicationWindow {
     visible: true
     font.pixelSize: Theme.bodySize
     Component.onCompleted: Theme.scheme = scheme
+
+    /// Opens the page called @p key, at @p place unless that is empty.
+    function goTo(key: string, place: string): void {
+        currentIndex = pages.findIndex(page => page.key === key);
+        if (place !== "")
+            currentPage?.goTo(place);
+    }
 
     Instantiator {
         model: window.pages.length
@@ -60,10 +68,20 @@ ApplicationWindow {
         narrow: window.width < 900
         onChosen: index => window.currentIndex = index
     }
-    FocusScope {
+    AlarmStrip {
+        id: alarms
+
+        objectName: "alarms"
         anchors.left: rail.right
         anchors.right: parent.right
         anchors.top: parent.top
+        model: window.session.alarms
+        onChosen: groupId => window.goTo("usage", groupId)
+    }
+    FocusScope {
+        anchors.left: rail.right
+        anchors.right: parent.right
+        anchors.top: alarms.bottom
         anchors.bottom: status.top
         anchors.margins: window.width < 640 ? Theme.large : Theme.huge
         focus: true

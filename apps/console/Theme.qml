@@ -36,6 +36,7 @@ QtObject {
     readonly property color accent: dark ? "#62b6d8" : "#0d6487"
     readonly property color accentHover: dark ? "#7cc5e2" : "#0a5473"
     readonly property color accentText: dark ? "#0b1a22" : "#ffffff"
+    readonly property color remaining: dark ? "#2a5568" : "#b4d7e6"
     readonly property color track: dark ? "#2e3944" : "#dde4eb"
     readonly property color good: dark ? "#79c79a" : "#1d7044"
     readonly property color warning: dark ? "#e9b455" : "#8a5300"

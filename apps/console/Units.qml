@@ -2,7 +2,7 @@ pragma Singleton
 
 import QtQuick
 
-/// Sizes in words. A station counts in kilobytes.
+/// Sizes and times in words. A station counts in kilobytes and minutes.
 QtObject {
     /// 1536 reads "1.50 MB": steps of 1024, two decimals, TB at most, as the plug-in writes sizes.
     function capacity(kilobytes: real): string {
@@ -24,5 +24,35 @@ QtObject {
         if (share < 1 && rounded === 100)
             return qsTr("> 99 %");
         return qsTr("%1 %").arg(rounded);
+    }
+
+    /// A number of whole days.
+    function days(count: real): string {
+        return count === 1 ? qsTr("1 day") : qsTr("%1 days").arg(count);
+    }
+
+    /// 2190 reads "1 day 12 hours 30 minutes".
+    function duration(minutes: real): string {
+        const units = [
+            { size: 1440, one: qsTr("1 day"), many: qsTr("%1 days") },
+            { size: 60, one: qsTr("1 hour"), many: qsTr("%1 hours") },
+            { size: 1, one: qsTr("1 minute"), many: qsTr("%1 minutes") }
+        ];
+        const words = [];
+        let rest = minutes;
+        for (const unit of units) {
+            const count = Math.floor(rest / unit.size);
+            rest -= count * unit.size;
+            if (count > 0)
+                words.push(count === 1 ? unit.one : unit.many.arg(count));
+        }
+        return words.length > 0 ? words.join(" ") : qsTr("%1 minutes").arg(0);
+    }
+
+    /// A moment of today with its time alone, any other with its date as well.
+    function moment(when: date): string {
+        const time = when.toLocaleTimeString(Qt.locale(), Locale.ShortFormat);
+        return when.toDateString() === new Date().toDateString() ? time
+            : qsTr("%1 %2").arg(when.toLocaleDateString(Qt.locale(), Locale.ShortFormat)).arg(time);
     }
 }

@@ -4,6 +4,7 @@
 #include "ConsoleTypes.h"
 #include "Display.h"
 #include "Screenshot.h"
+#include "companions/StatusMonitorPlugin.h"
 #include "framework/HostFramework.h"
 
 #include <QDir>
@@ -46,8 +47,10 @@ void renderWithoutGraphicsCard()
 void follow(const ClientSession &client, ConsoleSession &session)
 {
     session.setConnected(client.isConnected());
+    session.setAlarms(client.statusMonitor());
     QObject::connect(&client, &ClientSession::connectedChanged, &session, &ConsoleSession::setConnected);
     QObject::connect(client.framework(), &HostFramework::commandAnswered, &session, &ConsoleSession::noteAnswer);
+    QObject::connect(client.framework(), &HostFramework::eventDelivered, &session, &ConsoleSession::noteEvent);
 }
 
 int run(const ConsoleOptions &options)

@@ -136,7 +136,7 @@ void tst_console::wrongUseIsSaid_data()
     const auto row = [](const char *options, const char *words) {
         QTest::newRow(options) << QString::fromLatin1(options).split(u' ') << QString::fromLatin1(words);
     };
-    row("--page nowhere", "--page is 'nowhere', expected volumes, folders or nas.");
+    row("--page nowhere", "--page is 'nowhere', expected volumes, usage, folders or nas.");
     row("--theme blue", "--theme is 'blue', expected system, light or dark.");
     row("--size 800", "--size is '800', expected WIDTHxHEIGHT");
     row("--size 0x600", "--size is '0x600', expected WIDTHxHEIGHT");

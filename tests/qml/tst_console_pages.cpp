@@ -2,9 +2,11 @@
 #include "ConsoleTypes.h"
 #include "FakeFramework.h"
 #include "PluginRecordingManagement.h"
+#include "companions/StatusMonitorPlugin.h"
 
 #include <QQmlContext>
 #include <QQmlEngine>
+#include <QStandardItemModel>
 #include <QtQuickTest>
 
 #include <algorithm>
@@ -89,7 +91,50 @@ public:
         reply(command, data, returnCode);
     }
 
-    Q_INVOKABLE void raise(const QString &event) { m_plugin->EventProcessor(event, 0, 0, 0, QVariantList(), {}); }
+    Q_INVOKABLE void raise(const QString &event, const QVariant &data = QVariantList(), const QString &source = {})
+    {
+        m_plugin->EventProcessor(event, 0, 0, 0, data, source);
+        m_session->noteEvent(event, data);
+    }
+
+    /// The connection goes down and comes up again, as the plug-in and the pages hear of it.
+    Q_INVOKABLE void reconnect()
+    {
+        m_session->setConnected(false);
+        m_plugin->PluginServerConnected();
+        m_session->setConnected(true);
+    }
+
+    /// From now on the client has a status monitor, and the session shows what it keeps.
+    Q_INVOKABLE void addStatusMonitor()
+    {
+        m_monitor = std::make_unique<StatusMonitorPlugin>();
+        m_framework.pluginObjects.insert(StatusMonitorPlugin::pluginId, m_monitor.get());
+        m_session->setAlarms(m_monitor.get());
+    }
+
+    /// What a status monitor would keep: maps by role name.
+    Q_INVOKABLE void setAlarms(const QVariantList &alarms)
+    {
+        m_alarms.clear();
+        for (const QVariant &alarm : alarms)
+            addAlarm(alarm.toMap());
+        m_session->setAlarms(&m_alarms);
+    }
+    Q_INVOKABLE void addAlarm(const QVariantMap &alarm)
+    {
+        static const QHash<int, QByteArray> roles{{Qt::UserRole + 1, "sourceRole"},
+                                                  {Qt::UserRole + 2, "kindRole"},
+                                                  {Qt::UserRole + 3, "groupIdRole"},
+                                                  {Qt::UserRole + 4, "groupNameRole"},
+                                                  {Qt::UserRole + 5, "sinceRole"}};
+        m_alarms.setItemRoleNames(roles);
+        auto item = std::make_unique<QStandardItem>();
+        for (auto role = roles.begin(); role != roles.end(); ++role)
+            item->setData(alarm.value(QString::fromLatin1(*role)), role.key());
+        m_alarms.appendRow(item.release());
+    }
+    Q_INVOKABLE void removeAlarm(int row) { m_alarms.removeRow(row); }
 
 signals:
     void renewed();
@@ -113,6 +158,8 @@ private:
 
     FakeFramework m_framework;
     QList<FakeFramework::Sent> m_outstanding; // without a reply, in the order of sending
+    QStandardItemModel m_alarms;
+    std::unique_ptr<StatusMonitorPlugin> m_monitor;
     std::unique_ptr<PluginRecordingManagement> m_plugin;
     std::unique_ptr<ConsoleSession> m_session;
 };

@@ -30,23 +30,12 @@ Item {
         radius: height / 2
         color: bar.low ? Theme.warning : Theme.accent
     }
-    Row {
+    Hatching {
         anchors.fill: fill
         anchors.leftMargin: fill.radius
         anchors.rightMargin: fill.radius
         visible: bar.low
-        clip: true
-        spacing: 5
-
-        Repeater {
-            model: bar.low ? Math.ceil(bar.width / 7) : 0
-
-            Rectangle {
-                width: 2
-                height: fill.height
-                color: Theme.track
-                opacity: 0.55
-            }
-        }
+        color: Theme.track
+        opacity: 0.55
     }
 }

@@ -17,4 +17,7 @@ FocusScope {
     property bool settled: false
     /// Why the page could not be filled, in words; empty while it could.
     property string failure
+
+    /// Leads the eye to @p place, for instance a recording group's id; pages that know no places do nothing.
+    function goTo(place: string): void {}
 }

@@ -2,11 +2,13 @@ import QtQuick
 import QtQuick.Layouts
 import RecordingConsole
 
-/// Whether the station can be reached, and the switch of the colours.
+/// Whether the station can be reached, what it is busy with, and the switch of the colours.
 Rectangle {
     id: line
 
     required property ConsoleSession session
+    readonly property real countedShare: session.filesToCount > 0
+                                         ? Math.min(1, session.countedFiles / session.filesToCount) : 0
 
     implicitHeight: 40
     color: Theme.rail
@@ -40,6 +42,34 @@ Rectangle {
             Accessible.role: Accessible.StaticText
             Accessible.name: text
             Layout.fillWidth: true
+        }
+        RowLayout {
+            objectName: "counting"
+            visible: line.session.counting
+            spacing: Theme.small
+
+            CapacityBar {
+                visible: line.session.filesToCount > 0 && line.width >= 640
+                share: line.countedShare
+                implicitWidth: 96
+                implicitHeight: 6
+                Accessible.ignored: true
+            }
+            Text {
+                objectName: "countingText"
+                text: line.width < 640 && line.session.filesToCount > 0
+                    ? qsTr("Counting: %1").arg(Units.percent(line.countedShare))
+                    : line.width < 640 ? qsTr("Counting…")
+                    : line.session.filesToCount > 0
+                    ? qsTr("Counting recorded files: %1 of %2").arg(line.session.countedFiles)
+                          .arg(Math.max(line.session.countedFiles, line.session.filesToCount))
+                    : qsTr("Counting recorded files: %1 so far").arg(line.session.countedFiles)
+                color: Theme.text
+                font.pixelSize: Theme.captionSize
+                textFormat: Text.PlainText
+                Accessible.role: Accessible.StaticText
+                Accessible.name: text
+            }
         }
         ActionButton {
             id: schemeButton

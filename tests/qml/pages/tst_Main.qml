@@ -48,7 +48,7 @@ TestCase {
             verify(window.currentPage.visible);
             verify(window.title.startsWith(window.pages[i].title));
         }
-        compare(server.takeSent(), ["getVolume", "getServerDir", "GetNasServers"]);
+        compare(server.takeSent(), ["getVolume", "reloadStorageUsageInfo", "getServerDir", "GetNasServers"]);
     }
 
     function test_pageKeepsItsStateWhileAnotherIsShown(): void {
@@ -86,8 +86,153 @@ TestCase {
         tab.forceActiveFocus(Qt.TabFocusReason);
         tryVerify(() => tab.activeFocus);
         keyClick(Qt.Key_Down);
-        verify(part("tab:folders").activeFocus);
+        verify(part("tab:usage").activeFocus);
         keyClick(Qt.Key_Return);
         compare(window.currentIndex, 1);
+    }
+
+    readonly property var volumeAlarm: ({ sourceRole: "", kindRole: 0, groupIdRole: "", groupNameRole: "",
+                                          sinceRole: new Date(2026, 0, 3, 12, 0) })
+    function groupAlarm(id, name, day) {
+        return { sourceRole: "", kindRole: 1, groupIdRole: id, groupNameRole: name,
+                 sinceRole: new Date(2026, 0, day, 8, 30) };
+    }
+
+    function test_alarmsAreSaidOnEveryPage(): void {
+        open({});
+        verify(!part("alarms").visible);
+        server.setAlarms([groupAlarm("g", "North gate", 2)]);
+        tryVerify(() => part("alarms").visible);
+        compare(part("alarmText").text, "North gate has too few recording days for its reserved time");
+        verify(!part("alarmCount").visible);
+        compare(part("alarms").Accessible.role, Accessible.AlertMessage);
+        compare(part("alarms").Accessible.name, part("alarmText").text);
+        for (let i = 0; i < window.pages.length; ++i) {
+            window.currentIndex = i;
+            verify(part("alarms").visible);
+            const top = window.currentPage.mapToItem(window.contentItem, 0, 0).y;
+            verify(top >= part("alarms").height, "the page stands below the strip");
+        }
+        server.removeAlarm(0);
+        tryVerify(() => !part("alarms").visible);
+        compare(part("alarms").height, 0);
+    }
+
+    function test_alarmsComeFromTheStatusMonitor(): void {
+        open({ startPage: "usage" });
+        server.addStatusMonitor();
+        const entry = { recordingGroupID: "g", recordingGroupName: "North gate", recordingGroupReservedTime: 4320,
+                        recordingPath: "/srv", volumeName: "Disk", volumeSize: 2048, volumeAvailableSize: 1024,
+                        volumeOneDayUsage: 1024 * 1024, volumeRecordedDays: 1 };
+        server.raise("VolumeChanged", [entry]);
+        tryCompare(part("alarmText"), "text", "North gate has too few recording days for its reserved time");
+        server.raise("VolumeChanged", [Object.assign({}, entry, { recordingGroupName: "South gate" })]);
+        tryCompare(part("alarmText"), "text", "South gate has too few recording days for its reserved time");
+        server.raise("VolumeChanged", [Object.assign({}, entry, { volumeSize: 0, volumeAvailableSize: 0 })]);
+        tryCompare(part("alarmText"), "text", "A volume of the station cannot be reached");
+        compare(part("alarmCount").text, "and 1 more alarm");
+        mouseClick(part("openAlarms"));
+        server.raise("VolumeChanged", [Object.assign({}, entry, { volumeRecordedDays: 2 })]);
+        tryVerify(() => !part("alarms").visible);
+    }
+
+    function test_theWorstAlarmIsNamedAndTheOthersCounted(): void {
+        open({});
+        server.setAlarms([groupAlarm("b", "Later", 5), groupAlarm("a", "Earlier", 2)]);
+        tryVerify(() => part("alarms").visible);
+        compare(part("alarmText").text, "Earlier has too few recording days for its reserved time");
+        compare(part("alarmCount").text, "and 1 more alarm");
+        const ground = String(part("alarms").color);
+        server.addAlarm(volumeAlarm);
+        tryCompare(part("alarmText"), "text", "A volume of the station cannot be reached");
+        compare(part("alarmCount").text, "and 2 more alarms");
+        compare(part("alarms").Accessible.name, "A volume of the station cannot be reached, and 2 more alarms");
+        verify(String(part("alarms").color) !== ground);
+        server.removeAlarm(2);
+        tryCompare(part("alarmCount"), "text", "and 1 more alarm");
+    }
+
+    function test_theOnlyAlarmLeadsToItsGroup(): void {
+        open({});
+        server.setAlarms([groupAlarm("g", "North gate", 2)]);
+        tryVerify(() => part("alarms").visible);
+        waitForRendering(window.contentItem);
+        mouseClick(part("openAlarms"));
+        compare(window.pages[window.currentIndex].key, "usage");
+        compare(window.currentPage.wantedGroup, "g");
+    }
+
+    function test_anAlarmIsChosenFromTheList(): void {
+        open({});
+        server.setAlarms([groupAlarm("a", "Earlier", 2), volumeAlarm, groupAlarm("b", "Later", 5)]);
+        tryVerify(() => part("alarms").visible);
+        waitForRendering(window.contentItem);
+        part("openAlarms").forceActiveFocus(Qt.TabFocusReason);
+        keyClick(Qt.Key_Return);
+        const list = findChild(window, "alarmList");
+        verify(list);
+        tryVerify(() => list.opened);
+        const rows = list.contentItem;
+        compare(rows.count, 3);
+        tryVerify(() => rows.activeFocus || rows.currentItem?.activeFocus);
+        compare(rows.itemAtIndex(0).Accessible.name.split(",")[0], "A volume of the station cannot be reached");
+        verify(rows.itemAtIndex(1).Accessible.name.startsWith(
+                   "Earlier has too few recording days for its reserved time, since "));
+        keyClick(Qt.Key_Down);
+        keyClick(Qt.Key_Down);
+        keyClick(Qt.Key_Return);
+        tryVerify(() => !list.visible);
+        compare(window.pages[window.currentIndex].key, "usage");
+        compare(window.currentPage.wantedGroup, "b");
+    }
+
+    function test_theListEndsWithTheLastAlarm(): void {
+        open({});
+        server.setAlarms([groupAlarm("a", "Earlier", 2), volumeAlarm]);
+        tryVerify(() => part("alarms").visible);
+        part("openAlarms").clicked();
+        const list = findChild(window, "alarmList");
+        tryVerify(() => list.opened);
+        keyClick(Qt.Key_Escape);
+        tryVerify(() => !list.visible);
+        compare(window.currentIndex, 0);
+        part("openAlarms").clicked();
+        tryVerify(() => list.opened);
+        server.removeAlarm(1);
+        server.removeAlarm(0);
+        tryVerify(() => !list.visible && !part("alarms").visible);
+    }
+
+    function test_countOfFilesIsSaid(): void {
+        open({});
+        verify(!part("counting").visible);
+        server.raise("StorageScanProgress", { done: 12, total: 50, running: true });
+        verify(part("counting").visible);
+        compare(part("countingText").text, "Counting recorded files: 12 of 50");
+        server.raise("StorageScanProgress", { done: 60, total: 50, running: true });
+        compare(part("countingText").text, "Counting recorded files: 60 of 60");
+        server.raise("StorageScanProgress", { done: 61, total: -1, running: true });
+        compare(part("countingText").text, "Counting recorded files: 61 so far");
+        server.raise("StorageScanProgress", { done: 61, total: -1, running: false });
+        verify(!part("counting").visible);
+        server.raise("StorageScanProgress", { done: 1, total: 5, running: true });
+        server.setConnected(false);
+        verify(!part("counting").visible, "its end would not be heard");
+    }
+
+    function test_stripAndCountFitANarrowWindow(): void {
+        open({ width: 400, height: 600 });
+        server.setAlarms([groupAlarm("a", "A recording group with a name that goes on and on without an end", 2),
+                          groupAlarm("b", "Later", 5)]);
+        server.raise("StorageScanProgress", { done: 25, total: 50, running: true });
+        tryVerify(() => part("alarms").visible);
+        waitForRendering(window.contentItem);
+        compare(part("countingText").text, "Counting: 50 %");
+        for (const name of ["alarmText", "alarmCount", "openAlarms", "countingText", "connection", "scheme"]) {
+            const item = part(name);
+            const place = item.mapToItem(window.contentItem, 0, 0, item.width, item.height);
+            verify(place.width > 0 && place.x >= 0 && place.x + place.width <= 400, name + " " + place);
+        }
+        verify(part("connection").x + part("connection").width <= part("counting").x);
     }
 }

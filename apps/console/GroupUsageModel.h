@@ -1,0 +1,87 @@
+#pragma once
+
+#include <QAbstractListModel>
+#include <QList>
+#include <QVariantList>
+#include <QtQml/qqmlregistration.h>
+
+/// The recording groups of one station with their storage, the worst first. A copy of the plug-in's usage models: those
+/// are replaced with every change, while the rows here stay, so that a view keeps its selection and its place. Lives on
+/// the UI thread.
+class GroupUsageModel : public QAbstractListModel
+{
+    Q_OBJECT
+    QML_ELEMENT
+    Q_PROPERTY(int count READ count NOTIFY changed)
+    Q_PROPERTY(int shortCount READ shortCount NOTIFY changed)
+    Q_PROPERTY(int unknownCount READ unknownCount NOTIFY changed)
+
+public:
+    /// How a group stands to its reserved time, judged as the plug-in does: in whole days, and not at all while one of
+    /// the figures is unknown. In the order of the rows.
+    enum State {
+        Short, ///< recorded and remaining days together fall short
+        Unknown,
+        Sufficient,
+        Unassigned, ///< no group: storage that the station uses for none
+    };
+    Q_ENUM(State)
+
+    /// In QML by the names with a small first letter.
+    enum Role {
+        GroupId = Qt::UserRole + 1, ///< string, empty for Unassigned
+        Name, ///< string
+        Standing, ///< State
+        IsBackup, ///< bool
+        RecordedDays, ///< int, negative: unknown
+        RemainingDays, ///< int, negative: unknown
+        MissingDays, ///< qlonglong, 0 unless Short
+        OneDayUsage, ///< qlonglong, bytes; negative: unknown
+        ReservedTime, ///< int, minutes; 0: none
+        Volumes, ///< list of maps: "name", "path" (string), "size", "availableSize" (qlonglong, KB), "isSystem",
+                 ///< "isNas" (bool)
+    };
+
+    using QAbstractListModel::QAbstractListModel;
+
+    /// Takes the figures over that @p recording, the plug-in's object, has of the station behind @p relayPath. Nothing
+    /// of the plug-in's is kept. Rows that stay are changed and moved, not replaced.
+    Q_INVOKABLE void update(QObject *recording, const QString &relayPath);
+    /// The row of a group, -1 without one.
+    Q_INVOKABLE int rowOf(const QString &groupId) const;
+
+    int count() const; ///< of recording groups
+    int shortCount() const;
+    int unknownCount() const;
+
+    int rowCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role) const override;
+    QHash<int, QByteArray> roleNames() const override;
+
+signals:
+    void changed();
+
+private:
+    struct Group
+    {
+        QString id;
+        QString name;
+        State state = Unknown;
+        int recordedDays = -1;
+        int remainingDays = -1;
+        qlonglong missingDays = 0;
+        qlonglong oneDayUsage = -1;
+        int reservedTime = 0;
+        QVariantList volumes;
+
+        bool operator==(const Group &other) const = default;
+    };
+
+    static void judge(Group &group);
+    static bool isWorse(const Group &left, const Group &right);
+    static QList<Group> groupsOf(QObject &recording, const QString &relayPath);
+    void show(const QList<Group> &groups);
+    int countOf(State state) const;
+
+    QList<Group> m_groups;
+};
