@@ -68,6 +68,8 @@ void tst_console::screenshotShowsThePage_data()
     };
     row("--page volumes --theme light", {1280, 800}, false);
     row("--page volumes --theme dark --size 800x600", {800, 600}, true);
+    row("--page usage --theme light", {1280, 800}, false);
+    row("--page usage --theme dark --size 400x700", {400, 700}, true);
     row("--page folders --theme light --size 480x640", {480, 640}, false);
     row("--page folders --folder / --theme dark", {1280, 800}, true);
     row("--page nas --theme light --size 400x600", {400, 600}, false);
