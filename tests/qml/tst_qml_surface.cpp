@@ -38,6 +38,7 @@ private slots:
     void enumValuesAreVisible_data();
     void enumValuesAreVisible();
     void modelsAnswerByRoleName();
+    void viewOfAGroupsVolumesMayOutliveItsModel();
     void signalsReachHandlers();
     void typeCanBeMadeInQml();
 
@@ -218,6 +219,37 @@ void tst_qml_surface::modelsAnswerByRoleName()
     QCOMPARE(rows->property("count").toInt(), 1);
     QCOMPARE(qvariant_cast<QObject *>(rows->property("object"))->property("row").toString(),
              QStringLiteral("38 /data Data 8589934592 3221225472 true false"));
+}
+
+void tst_qml_surface::viewOfAGroupsVolumesMayOutliveItsModel()
+{
+    const auto report = [this](int volumes) {
+        QVariantList entries;
+        for (int i = 0; i < volumes; ++i)
+            entries.append(QVariantMap{{QStringLiteral("recordingGroupID"), QStringLiteral("g")},
+                                       {QStringLiteral("recordingPath"), QStringLiteral("/%1").arg(i)}});
+        m_plugin->EventProcessor(QStringLiteral("VolumeChanged"), 0, 0, 0, entries, {});
+    };
+    report(2);
+    QQmlComponent component(m_engine.get());
+    component.setData("import QtQuick\n"
+                      "ListView { id: view; height: 500; width: 100; property int asked: 0\n"
+                      "property string paths\n"
+                      "model: (asked, recording.getGroupVolumeModel('', 'g'))\n"
+                      "delegate: Item { required property string rootPathRole; width: 1; height: 1\n"
+                      "Component.onCompleted: view.paths += rootPathRole + ' ' } }",
+                      {});
+    const std::unique_ptr<QObject> view(component.create());
+    QVERIFY2(view, qPrintable(component.errorString()));
+    QCOMPARE(view->property("count").toInt(), 2);
+    for (int volumes = 1; volumes < 5; ++volumes) {
+        report(volumes);
+        QCoreApplication::processEvents(); // whatever the view still does with the model that it lost
+        view->setProperty("paths", QString());
+        view->setProperty("asked", volumes);
+        QCOMPARE(view->property("count").toInt(), volumes);
+        QCOMPARE(view->property("paths").toString().count(u'/'), volumes);
+    }
 }
 
 void tst_qml_surface::signalsReachHandlers()

@@ -8,6 +8,7 @@
 #include <QRegularExpression>
 #include <QTest>
 
+#include <limits>
 #include <memory>
 #include <vector>
 
@@ -108,6 +109,7 @@ private slots:
     void infoListWithoutUsageModelHoldsOneEmptyMap();
     void infoListOfAnEmptyUsageModelIsEmpty();
     void infoListNamesGroupsAndVolumes();
+    void infoListHoldsAnyNumber();
     void infoListIsOfTheDirectlyConnectedStationOnly();
     void aMillionRandomQueriesFollowTheRules();
 
@@ -336,6 +338,22 @@ void RecordingGroupQueriesTest::infoListNamesGroupsAndVolumes()
              "1536, volumeList: QVariantList [{isNAS: bool false, recordingPath: QString \"D:/Rec\", remainingSpace: "
              "QString \"1.50 MB\", totalSpace: QString \"2.00 MB\"}, {isNAS: bool true, recordingPath: QString "
              "\"//n/s\", remainingSpace: QString \"0.00 KB\", totalSpace: QString \"512.00 KB\"}]}]");
+}
+
+void RecordingGroupQueriesTest::infoListHoldsAnyNumber()
+{
+    const QVariantMap disk{{"recordingGroupID", "{1}"},
+                           {"volumeSize", std::numeric_limits<qlonglong>::max()},
+                           {"volumeAvailableSize", std::numeric_limits<qlonglong>::min()},
+                           {"volumeRecordedDays", (1LL << 33) + 5},
+                           {"volumeOneDayUsage", 512}};
+    m_plugin->EventProcessor("VolumeChanged", 0, 0, 0, QVariantList{disk}, "");
+    m_log->take();
+    takeTraceLines();
+    QCOMPARE(typedText(m_plugin->getRecordingGroupInfoList()),
+             "QVariantList [{groupName: QString \"\", recordedDays: int 5, recordingGroup: QString \"{1}\", "
+             "remainingDays: int 0, volumeList: QVariantList [{isNAS: bool false, recordingPath: QString \"\", "
+             "remainingSpace: QString \"-9223372036854775808.00 KB\", totalSpace: QString \"8589934592.00 TB\"}]}]");
 }
 
 void RecordingGroupQueriesTest::infoListIsOfTheDirectlyConnectedStationOnly()

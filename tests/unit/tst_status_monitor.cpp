@@ -51,6 +51,21 @@ public:
     Q_INVOKABLE void removeVolumeError(int) { QFAIL("called with the wrong type"); }
 };
 
+// Knows one of the methods, and that in two ways.
+class PartialMonitor : public QObject
+{
+    Q_OBJECT
+
+public:
+    Q_INVOKABLE void monitorInsufficientRecordingDays(const QString &source, const QString &name, const QString &id)
+    {
+        calls.append(source + ' ' + name + ' ' + id);
+    }
+    Q_INVOKABLE void monitorInsufficientRecordingDays(const QString &) { QFAIL("called with too few arguments"); }
+
+    QStringList calls;
+};
+
 // Ends within its first call.
 class LeavingMonitor : public QObject
 {
@@ -113,6 +128,9 @@ private slots:
     void monitorIsAskedForWithTheHandle();
     void missingMonitorChangesNothing();
     void monitorWithoutTheMethodsChangesNothing();
+    void monitorWithOneMethodHearsOfIt();
+    void everyCallMayComeBack_data();
+    void everyCallMayComeBack();
     void monitorMayComeBack_data();
     void monitorMayComeBack();
     void monitorMayGoAway();
@@ -251,6 +269,56 @@ void StatusMonitorTest::monitorWithoutTheMethodsChangesNothing()
     event(QVariantList{days(1, 0, 2880), volume(0, 0)});
     QCOMPARE(qobject_cast<QAbstractItemModel *>(m_plugin->getStorageUsageModel("st1"))->rowCount(), 1);
     QCOMPARE(takeErrorLines(), QStringList{});
+}
+
+void StatusMonitorTest::monitorWithOneMethodHearsOfIt()
+{
+    PartialMonitor partial;
+    m_framework.pluginObjects.insert(monitorId, &partial);
+    event(QVariantList{volume(0, 0), days(1, 0, 2880)});
+    QCOMPARE(partial.calls, QStringList{"st1 Gate1 1"});
+    QCOMPARE(takeErrorLines(), QStringList{});
+}
+
+void StatusMonitorTest::everyCallMayComeBack_data()
+{
+    QTest::addColumn<QString>("method");
+    QTest::addColumn<QStringList>("callsAfterIt"); // of the event around, the figures being forgotten
+    QTest::newRow("removeVolumeError") << "removeVolumeError" << QStringList{"monitorVolumeStatus st1"};
+    QTest::newRow("monitorVolumeStatus") << "monitorVolumeStatus" << QStringList{};
+    const QString second = "monitorInsufficientRecordingDays st1 Gate2 2";
+    QTest::newRow("monitorSufficientRecordingGroup") << "monitorSufficientRecordingGroup" << QStringList{second};
+    QTest::newRow("monitorInsufficientRecordingDays") << "monitorInsufficientRecordingDays" << QStringList{};
+}
+
+// From within the first call of a method the connection comes up again, which forgets the figures, and every model is
+// asked for.
+void StatusMonitorTest::everyCallMayComeBack()
+{
+    QFETCH(QString, method);
+    QFETCH(QStringList, callsAfterIt);
+    m_framework.accepts = false;
+    const QVariantList entries{
+        days(5, 5, 1440), volume(0, 0),
+        entry("2", {{"volumeRecordedDays", 1}, {"volumeOneDayUsage", 512}, {"recordingGroupReservedTime", 7200}})};
+    QStringList before;
+    m_monitor->duringCall = [&] {
+        if (!m_monitor->calls.constLast().startsWith(method + ' '))
+            return;
+        m_monitor->duringCall = {};
+        before = m_monitor->calls;
+        m_plugin->PluginServerConnected();
+        QCOMPARE(qobject_cast<QAbstractItemModel *>(m_plugin->getStorageUsageModel("st1"))->rowCount(), 0);
+        QVERIFY(m_plugin->getGroupVolumeModel("st1", "1"));
+    };
+    event(entries);
+    QVERIFY(!before.isEmpty());
+    QCOMPARE(m_monitor->calls.mid(before.size()), callsAfterIt);
+    m_monitor->calls.clear();
+    event(entries);
+    QCOMPARE(m_monitor->calls,
+             (QStringList{"removeVolumeError st1", "monitorVolumeStatus st1", "monitorSufficientRecordingGroup st1 1",
+                          "monitorInsufficientRecordingDays st1 Gate2 2"}));
 }
 
 void StatusMonitorTest::monitorMayComeBack_data()

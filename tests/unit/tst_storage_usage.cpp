@@ -65,6 +65,7 @@ private slots:
     void usageModelIsRefilledInPlace();
     void unknownGroupHasNoModel();
     void groupModelsHoldTheEntries();
+    void groupModelsHoldAnyNumber();
     void groupModelsAreReplacedByEachEvent();
     void groupModelsOutliveAConnection();
     void signalsAndModelsOfAnEvent();
@@ -73,6 +74,9 @@ private slots:
     void failedGroupModelIsSkipped();
     void listenersMayComeBack_data();
     void listenersMayComeBack();
+    void listenerMayComeBackWithAnEventOfTheStation();
+    void everySignalMayComeBack_data();
+    void everySignalMayComeBack();
     void theEndOfAModelMayComeBack();
 
 private:
@@ -160,6 +164,11 @@ void StorageUsageTest::figuresOfAGroup_data()
         "int:1 | int:-1 | qlonglong:-1");
     row("keys that are missing are 0", {QVariantMap{{"recordingGroupID", "{1}"}, {"recordingGroupName", "Gate"}}},
         "int:0 | int:-1 | qlonglong:0");
+    row("the smallest numbers are unknown", {entry("{1}", 3000, smallest, smallest)}, "int:-1 | int:-1 | qlonglong:-1");
+    row("the largest number of days", {entry("{1}", 0, largest, -1)}, "int:-1 | int:-1 | qlonglong:-1");
+    row("the largest usage", {entry("{1}", largest, 1, largest)}, "int:1 | int:1024 | qlonglong:9223372036854775807");
+    row("the same entry twice", {entry("{1}", 30, 3, 1024), entry("{1}", 30, 3, 1024)},
+        "int:6 | int:30 | qlonglong:2048");
     row("numbers as text", {entry("{1}", "3000", "3", "1024")}, "int:3 | int:3000 | qlonglong:1024");
     row("no numbers", {entry("{1}", "much", "many", QVariantMap{})}, "int:0 | int:-1 | qlonglong:0");
 }
@@ -220,6 +229,7 @@ void StorageUsageTest::oddDataGivesNoRows_data()
     QTest::newRow("a number") << QVariant(3);
     QTest::newRow("a map") << QVariant(entry("{1}", 0, 0, 0));
     QTest::newRow("an empty list") << QVariant(QVariantList{});
+    QTest::newRow("a hash") << QVariant(QVariantHash{{"0", entry("{1}", 0, 0, 0)}});
 }
 
 void StorageUsageTest::oddDataGivesNoRows()
@@ -240,6 +250,8 @@ void StorageUsageTest::oddEntries_data()
     QTest::newRow("a text") << QVariant("text");
     QTest::newRow("nothing") << QVariant();
     QTest::newRow("an empty map") << QVariant(QVariantMap{});
+    QTest::newRow("a list") << QVariant(QVariantList{entry("{2}", 0, -1, -1)});
+    QTest::newRow("a group that is no text") << QVariant(with(entry("", 0, -1, -1), "recordingGroupID", QVariantMap{}));
 }
 
 void StorageUsageTest::oddEntries()
@@ -304,6 +316,15 @@ void StorageUsageTest::groupModelsHoldTheEntries()
     const QString id = model->index(0, 0).data(257).toString();
     QCOMPARE(QUuid(id).toString(), id);
     QVERIFY(id != model->index(2, 0).data(257).toString());
+}
+
+void StorageUsageTest::groupModelsHoldAnyNumber()
+{
+    event(QVariantList{with(entry("{1}", smallest, -1, -1), "volumeSize", largest),
+                       with(entry("{1}", largest, -1, -1), "volumeSize", smallest)});
+    QCOMPARE(modelText(*groupModel("", "{1}"), {260, 261}),
+             (QStringList{"qlonglong:9223372036854775807 | qlonglong:-9223372036854775808",
+                          "qlonglong:-9223372036854775808 | qlonglong:9223372036854775807"}));
 }
 
 void StorageUsageTest::groupModelsAreReplacedByEachEvent()
@@ -423,6 +444,56 @@ void StorageUsageTest::listenersMayComeBack()
         // A new connection forgot the model that was being filled; a new one stands ready and is empty.
         QCOMPARE(usageModel("st1")->rowCount(), listener == "connection" ? 0 : 2);
     }
+}
+
+void StorageUsageTest::listenerMayComeBackWithAnEventOfTheStation()
+{
+    int signalled = 0;
+    connect(m_plugin.get(), &PluginRecordingManagement::unsupportedStorages, this, [&] {
+        if (++signalled == 1)
+            event(QVariantList{entry("{9}", 0, -1, -1)}, "st1");
+    });
+    event(QVariantList{entry("", 0, -1, -1), entry("{1}", 0, -1, -1)}, "st1");
+    QCOMPARE(signalled, 1);
+    // The rows of the event within come first: the event around it had cleared the model already.
+    QCOMPARE(modelText(*usageModel("st1"), {257}), (QStringList{"{9}", "{1}"}));
+    QVERIFY(groupModel("st1", "{9}"));
+    QVERIFY(!groupModel("st1", "{1}"));
+    event(QVariantList{entry("{1}", 0, -1, -1)}, "st1");
+    QCOMPARE(modelText(*usageModel("st1"), {257}), QStringList{"{1}"});
+}
+
+void StorageUsageTest::everySignalMayComeBack_data()
+{
+    QTest::addColumn<QByteArray>("signal");
+    QTest::newRow("of storage without a group") << QByteArray(SIGNAL(unsupportedStorages(QString)));
+    QTest::newRow("of new figures") << QByteArray(SIGNAL(volumeInfoChanged()));
+}
+
+// Asks for everything that hands a model out, and reads it.
+void StorageUsageTest::everySignalMayComeBack()
+{
+    QFETCH(QByteArray, signal);
+    m_framework.accepts = false;
+    QSignalSpy heard(m_plugin.get(), signal.constData());
+    QStringList infoLists;
+    const auto comeBack = [&] {
+        const qsizetype infos = m_plugin->getRecordingGroupInfoList().size();
+        const auto *const group = groupModel("", "{1}");
+        infoLists.append(QStringLiteral("%1 groups, %2 volumes").arg(infos).arg(group ? group->rowCount() : -1));
+        m_plugin->PluginServerConnected();
+        QCOMPARE(usageModel()->rowCount(), 0);
+    };
+    if (signal.contains("unsupportedStorages"))
+        connect(m_plugin.get(), &PluginRecordingManagement::unsupportedStorages, this, comeBack);
+    else
+        connect(m_plugin.get(), &PluginRecordingManagement::volumeInfoChanged, this, comeBack);
+    const QVariantList entries{entry("", 0, -1, -1), entry("{1}", 0, -1, -1)};
+    event(entries);
+    event(entries);
+    QCOMPARE(heard.size(), 2);
+    const QString seen = signal.contains("unsupportedStorages") ? "0 groups, 1 volumes" : "1 groups, 1 volumes";
+    QCOMPARE(infoLists, (QStringList{seen, seen}));
 }
 
 void StorageUsageTest::theEndOfAModelMayComeBack()
