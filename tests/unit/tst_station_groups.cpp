@@ -192,7 +192,7 @@ void StationGroupsTest::aGroupIsAdded()
 
 void StationGroupsTest::aGroupIsAddedWithEverything()
 {
-    const QString first = add(groupMap(QStringLiteral("z"), {pathMap(path(QStringLiteral("disk/b")))}));
+    const QString first = add(groupMap(QStringLiteral("z"), {pathMap(path(QStringLiteral("disk/b")))}, {}, false, 30));
     const QString second = add(groupMap(
         QStringLiteral("a"),
         {pathMap(path(QStringLiteral("small/c")), 1024), pathMap(path(QStringLiteral("disk/a")), 4096, true)},
