@@ -43,7 +43,7 @@ QString ConsoleSession::returnCode(const QString &command) const
 
 void ConsoleSession::noteEvent(const QString &event, const QVariant &data)
 {
-    if (event != QStringLiteral("StorageScanProgress"))
+    if (event != StationEventName::StorageScanProgress)
         return;
     const QVariantMap progress = data.toMap();
     setCount(progress.value(QStringLiteral("running")).toBool(), progress.value(QStringLiteral("done")).toLongLong(),

@@ -303,9 +303,8 @@ void StatusMonitorTest::everyCallMayComeBack()
         entry("2", {{"volumeRecordedDays", 1}, {"volumeOneDayUsage", 512}, {"recordingGroupReservedTime", 7200}})};
     QStringList before;
     m_monitor->duringCall = [&] {
-        if (!m_monitor->calls.constLast().startsWith(method + ' '))
+        if (!before.isEmpty() || !m_monitor->calls.constLast().startsWith(method + ' '))
             return;
-        m_monitor->duringCall = {};
         before = m_monitor->calls;
         m_plugin->PluginServerConnected();
         QCOMPARE(qobject_cast<QAbstractItemModel *>(m_plugin->getStorageUsageModel("st1"))->rowCount(), 0);
