@@ -12,7 +12,8 @@
 #include <memory>
 
 namespace {
-const QStringList pages{QStringLiteral("volumes"), QStringLiteral("usage"), QStringLiteral("folders"), QStringLiteral("nas")};
+const QStringList pages{QStringLiteral("volumes"), QStringLiteral("groups"), QStringLiteral("usage"),
+                        QStringLiteral("folders"), QStringLiteral("nas")};
 const QStringList schemes{QStringLiteral("system"), QStringLiteral("light"), QStringLiteral("dark")};
 constexpr int smallestSide = 200;
 constexpr int largestSide = 8192;
@@ -24,9 +25,12 @@ std::unique_ptr<QCommandLineParser> newParser()
                                                      "Without a display:\n"
                                                      "  recording-console --platform offscreen --screenshot FILE"));
     parser->addOptions({
-        {QStringLiteral("page"), QStringLiteral("Page to begin with: volumes, usage, folders or nas."),
+        {QStringLiteral("page"), QStringLiteral("Page to begin with: volumes, groups, usage, folders or nas."),
          QStringLiteral("NAME")},
         {QStringLiteral("folder"), QStringLiteral("Folder that the folders page begins in."), QStringLiteral("PATH")},
+        {QStringLiteral("data"),
+         QStringLiteral("Folder that the station inside the console keeps its data in; made when it is missing."),
+         QStringLiteral("DIR")},
         {QStringLiteral("theme"), QStringLiteral("Colours: light, dark, or system as the desktop has them."),
          QStringLiteral("NAME")},
         {QStringLiteral("size"), QStringLiteral("Size of the window, 1280x800 at first."), QStringLiteral("WxH")},
@@ -106,6 +110,10 @@ ConsoleOptions ConsoleOptions::parse(const QStringList &arguments)
     options.folder = value("folder");
     if (parser->isSet(QStringLiteral("folder")) && options.page != QStringLiteral("folders"))
         return refused(QStringLiteral("--folder is for the folders page, expected --page folders with it."));
+    options.dataFolder = value("data");
+    if (parser->isSet(QStringLiteral("data"))
+        && (options.dataFolder.isEmpty() || QFileInfo(options.dataFolder).isFile()))
+        return refused(QStringLiteral("--data is '%1', expected a folder.").arg(options.dataFolder));
     options.screenshot = value("screenshot");
     if (parser->isSet(QStringLiteral("screenshot"))) {
         const QFileInfo file(options.screenshot);

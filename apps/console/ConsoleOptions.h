@@ -17,6 +17,7 @@ struct ConsoleOptions
     QSize size{1280, 800};
     QString platform; ///< of Qt; empty: Qt's choice
     QString screenshot; ///< file to write; empty: show the window
+    QString dataFolder; ///< of the station inside the console; empty: the station's own choice
     QString folder; ///< of the folders page; empty: the list of the volumes
 
     /// @param arguments with the program's name first. Needs no application object.

@@ -23,6 +23,24 @@ void ConsoleSession::setConnected(bool connected)
     emit connectedChanged();
 }
 
+QVariantList ConsoleSession::cameras() const
+{
+    return m_cameras;
+}
+
+void ConsoleSession::setCameras(const QVariantList &cameras)
+{
+    if (m_cameras == cameras)
+        return;
+    m_cameras = cameras;
+    emit camerasChanged();
+}
+
+void ConsoleSession::refreshCameras()
+{
+    emit camerasWanted();
+}
+
 void ConsoleSession::noteAnswer(const QString &command, const QString &returnCode)
 {
     m_returnCodes.insert(command, returnCode);
@@ -33,7 +51,12 @@ void ConsoleSession::noteAnswer(const QString &command, const QString &returnCod
 QString ConsoleSession::refusal(const QString &command) const
 {
     const auto returnCode = m_returnCodes.constFind(command);
-    return returnCode == m_returnCodes.constEnd() ? QString() : refusalText(*returnCode);
+    return returnCode == m_returnCodes.constEnd() ? QString() : ::refusalText(*returnCode);
+}
+
+QString ConsoleSession::refusalText(const QString &returnCode) const
+{
+    return ::refusalText(returnCode);
 }
 
 QString ConsoleSession::returnCode(const QString &command) const

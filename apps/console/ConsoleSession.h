@@ -5,10 +5,12 @@
 #include <QObject>
 #include <QPointer>
 #include <QVariant>
+#include <QVariantList>
 #include <QtQml/qqmlregistration.h>
 
 /// What the pages know of the client around the plug-in: whether the station can be reached and what it is busy with,
-/// the storage alarms, and the words behind the plug-in's yes or no. Lives on the UI thread.
+/// the storage alarms, the words behind the plug-in's yes or no, and the station's cameras, of which the plug-in knows
+/// nothing. Lives on the UI thread.
 class ConsoleSession : public QObject
 {
     Q_OBJECT
@@ -19,12 +21,20 @@ class ConsoleSession : public QObject
     Q_PROPERTY(double countedFiles READ countedFiles NOTIFY countingChanged)
     Q_PROPERTY(double filesToCount READ filesToCount NOTIFY countingChanged)
     Q_PROPERTY(QAbstractItemModel *alarms READ alarms WRITE setAlarms NOTIFY alarmsChanged)
+    /// The station's cameras as it listed them last, by name: maps with "camName" (string) and "streams" (int, from 1).
+    Q_PROPERTY(QVariantList cameras READ cameras NOTIFY camerasChanged)
 
 public:
     explicit ConsoleSession(QObject *parent = nullptr);
 
     bool isConnected() const;
     void setConnected(bool connected);
+
+    QVariantList cameras() const;
+    void setCameras(const QVariantList &cameras);
+
+    /// Asks the client for the station's cameras; it answers with setCameras(), or not at all.
+    Q_INVOKABLE void refreshCameras();
 
     /// Keeps the return code of an answer; to be called before the plug-in handles the answer.
     void noteAnswer(const QString &command, const QString &returnCode);
@@ -45,6 +55,9 @@ public:
     QAbstractItemModel *alarms() const;
     void setAlarms(QAbstractItemModel *alarms);
 
+    /// What @p returnCode means, as a sentence; empty for success.
+    Q_INVOKABLE QString refusalText(const QString &returnCode) const;
+
 signals:
     void connectedChanged();
     /// The station, or the client in its place, refused @p command. For commands whose refusal the plug-in keeps quiet
@@ -52,6 +65,8 @@ signals:
     void refused(const QString &command);
     void countingChanged();
     void alarmsChanged();
+    void camerasChanged();
+    void camerasWanted(); ///< refreshCameras() was called
 
 private:
     void setCount(bool counting, qlonglong done, qlonglong total);
@@ -61,5 +76,6 @@ private:
     qlonglong m_countedFiles = 0;
     qlonglong m_filesToCount = -1;
     QPointer<QAbstractItemModel> m_alarms;
+    QVariantList m_cameras;
     QHash<QString, QString> m_returnCodes; // of the last answer, by command
 };

@@ -16,6 +16,7 @@ ApplicationWindow {
     /// The pages, in their order. A page is a file in pages/ and a line here.
     readonly property var pages: [
         { key: "volumes", title: qsTr("Volumes"), iconName: "volume", source: "pages/VolumesPage.qml" },
+        { key: "groups", title: qsTr("Recording groups"), iconName: "group", source: "pages/RecordingGroupsPage.qml" },
         { key: "usage", title: qsTr("Usage"), iconName: "gauge", source: "pages/UsagePage.qml" },
         { key: "folders", title: qsTr("Folders"), iconName: "folder", source: "pages/FoldersPage.qml" },
         { key: "nas", title: qsTr("NAS servers"), iconName: "network", source: "pages/NasPage.qml" }

@@ -4,8 +4,10 @@
 #include "ConsoleTypes.h"
 #include "Display.h"
 #include "Screenshot.h"
+#include "StationProtocol.h"
 #include "companions/StatusMonitorPlugin.h"
 #include "framework/HostFramework.h"
+#include "link/StationCalls.h"
 
 #include <QDir>
 #include <QGuiApplication>
@@ -51,6 +53,14 @@ void follow(const ClientSession &client, ConsoleSession &session)
     QObject::connect(&client, &ClientSession::connectedChanged, &session, &ConsoleSession::setConnected);
     QObject::connect(client.framework(), &HostFramework::commandAnswered, &session, &ConsoleSession::noteAnswer);
     QObject::connect(client.framework(), &HostFramework::eventDelivered, &session, &ConsoleSession::noteEvent);
+    const auto askForCameras = [&client, &session] {
+        client.stationCalls()->send(StationOwnCommandName::listCameras, {}, &session,
+                                    [&session](const StationReply &reply) {
+                                        if (reply.returnCode == StationReturnCode::Success)
+                                            session.setCameras(reply.data.toList());
+                                    });
+    };
+    QObject::connect(&session, &ConsoleSession::camerasWanted, &session, askForCameras);
 }
 
 int run(const ConsoleOptions &options)
@@ -59,7 +69,9 @@ int run(const ConsoleOptions &options)
     QQuickStyle::setStyle(QStringLiteral("Basic"));
 
     ClientSession client;
-    if (!client.start({})) {
+    ClientSession::Options clientOptions;
+    clientOptions.dataFolder = options.dataFolder;
+    if (!client.start(clientOptions)) {
         print(stderr, client.error());
         return Failed;
     }

@@ -70,6 +70,8 @@ void tst_console::screenshotShowsThePage_data()
     row("--page volumes --theme dark --size 800x600", {800, 600}, true);
     row("--page usage --theme light", {1280, 800}, false);
     row("--page usage --theme dark --size 400x700", {400, 700}, true);
+    row("--page groups --theme light", {1280, 800}, false);
+    row("--page groups --theme dark --size 800x600", {800, 600}, true);
     row("--page folders --theme light --size 480x640", {480, 640}, false);
     row("--page folders --folder / --theme dark", {1280, 800}, true);
     row("--page nas --theme light --size 400x600", {400, 600}, false);
@@ -81,9 +83,10 @@ void tst_console::screenshotShowsThePage()
     QFETCH(const QSize, size);
     QFETCH(const bool, dark);
     const QString picture = file(QStringLiteral("page.png"));
-    const Result result = run(options
-                              + QStringList{QStringLiteral("--platform"), QStringLiteral("offscreen"),
-                                            QStringLiteral("--screenshot"), picture});
+    const Result result =
+        run(options
+            + QStringList{QStringLiteral("--data"), file(QStringLiteral("station")), QStringLiteral("--platform"),
+                          QStringLiteral("offscreen"), QStringLiteral("--screenshot"), picture});
     QVERIFY2(result.exitCode == 0, qPrintable(result.error));
     const QImage image(picture);
     QCOMPARE(image.size(), size);
@@ -138,7 +141,7 @@ void tst_console::wrongUseIsSaid_data()
     const auto row = [](const char *options, const char *words) {
         QTest::newRow(options) << QString::fromLatin1(options).split(u' ') << QString::fromLatin1(words);
     };
-    row("--page nowhere", "--page is 'nowhere', expected volumes, usage, folders or nas.");
+    row("--page nowhere", "--page is 'nowhere', expected volumes, groups, usage, folders or nas.");
     row("--theme blue", "--theme is 'blue', expected system, light or dark.");
     row("--size 800", "--size is '800', expected WIDTHxHEIGHT");
     row("--size 0x600", "--size is '0x600', expected WIDTHxHEIGHT");
@@ -146,6 +149,7 @@ void tst_console::wrongUseIsSaid_data()
     row("--platform nosuch", "--platform is 'nosuch', expected one of ");
     row("--screenshot /nowhere/x.png", "--screenshot is '/nowhere/x.png', expected a file in a folder that exists.");
     row("--folder /srv", "--folder is for the folders page");
+    row("--data /etc/passwd", "--data is '/etc/passwd', expected a folder.");
     row("--colour blue", "Unknown option 'colour'");
     row("volumes", "Unexpected argument 'volumes'");
 }
@@ -165,7 +169,8 @@ void tst_console::helpAndVersion()
 {
     const Result help = run({QStringLiteral("--help")}, {QStringLiteral("QT_QPA_PLATFORM")});
     QCOMPARE(help.exitCode, 0);
-    for (const char *option : {"--page", "--folder", "--theme", "--size", "--platform", "--screenshot", "--version"})
+    for (const char *option :
+         {"--page", "--folder", "--data", "--theme", "--size", "--platform", "--screenshot", "--version"})
         QVERIFY2(help.output.contains(QString::fromLatin1(option)), option);
     const Result version = run({QStringLiteral("--version")}, {QStringLiteral("QT_QPA_PLATFORM")});
     QCOMPARE(version.exitCode, 0);

@@ -4,6 +4,7 @@
 #include "PluginRecordingManagement.h"
 #include "companions/StatusMonitorPlugin.h"
 
+#include <QJsonDocument>
 #include <QQmlContext>
 #include <QQmlEngine>
 #include <QStandardItemModel>
@@ -13,12 +14,27 @@
 #include <memory>
 #include <utility>
 
+/// Names the station, as the client's station plug-in does.
+class TestStation : public QObject
+{
+    Q_OBJECT
+public:
+    Q_INVOKABLE QVariant getStationTree() const
+    {
+        return QVariantMap{{QStringLiteral("name"), QStringLiteral("North station")},
+                           {QStringLiteral("ip"), QStringLiteral("192.168.7.20")},
+                           {QStringLiteral("relayPath"), QStringLiteral("st1")},
+                           {QStringLiteral("type"), QStringLiteral("NVR")}};
+    }
+};
+
 /// The plug-in with a server that the pages' tests play: they see what was asked and give the replies.
 class TestServer : public QObject
 {
     Q_OBJECT
     Q_PROPERTY(QObject *recording READ recording NOTIFY renewed)
     Q_PROPERTY(QObject *session READ session NOTIFY renewed)
+    Q_PROPERTY(int camerasAsked READ camerasAsked NOTIFY renewed)
 
 public:
     TestServer() { renew(); }
@@ -26,6 +42,8 @@ public:
 
     QObject *recording() const { return m_plugin.get(); }
     QObject *session() const { return m_session.get(); }
+
+    int camerasAsked() const { return m_camerasAsked; } ///< how often so far
 
     /// Forgets everything: a new plug-in, connected. No page may be left.
     Q_INVOKABLE void renew()
@@ -37,9 +55,11 @@ public:
             if (m_framework.accepts)
                 m_outstanding.append(request);
         };
+        m_framework.pluginObjects.insert(QStringLiteral("1AA33B3D0AA047C9A202F1181284D2CD"), &m_station);
         m_plugin->InitialPluginBase(nullptr, nullptr, &m_framework);
         m_session = std::make_unique<ConsoleSession>();
         m_session->setConnected(true);
+        connect(m_session.get(), &ConsoleSession::camerasWanted, this, [this] { ++m_camerasAsked; });
         emit renewed();
     }
 
@@ -53,6 +73,17 @@ public:
         const QList<FakeFramework::Sent> sent = std::exchange(m_framework.sent, {});
         for (const FakeFramework::Sent &request : sent)
             lines.append((request.command + u' ' + request.data.toString()).trimmed());
+        return lines;
+    }
+
+    /// What was sent since the last call of either, as "command data" with the data whole, as JSON.
+    Q_INVOKABLE QStringList takeRequests()
+    {
+        QStringList lines;
+        const QList<FakeFramework::Sent> sent = std::exchange(m_framework.sent, {});
+        for (const FakeFramework::Sent &request : sent)
+            lines.append(request.command + u' '
+                         + QString::fromUtf8(QJsonDocument::fromVariant(request.data).toJson(QJsonDocument::Compact)));
         return lines;
     }
 
@@ -75,10 +106,10 @@ public:
     }
 
     /// Answers the oldest request of @p command that has no reply yet.
-    Q_INVOKABLE void reply(const QString &command, const QVariant &data, const QString &returnCode)
+    Q_INVOKABLE void reply(const QString &command, const QVariant &data, const QString &returnCode, bool finish = true)
     {
         m_session->noteAnswer(command, returnCode);
-        m_plugin->CommandProcessor(command, data, takeContext(command), returnCode, {}, true, {});
+        m_plugin->CommandProcessor(command, data, finish ? takeContext(command) : nullptr, returnCode, {}, finish, {});
     }
 
     /// Answers the newest one, and leaves the older ones waiting.
@@ -136,6 +167,9 @@ public:
     }
     Q_INVOKABLE void removeAlarm(int row) { m_alarms.removeRow(row); }
 
+    /// What the client does when the session asks for the cameras.
+    Q_INVOKABLE void setCameras(const QVariantList &cameras) { m_session->setCameras(cameras); }
+
 signals:
     void renewed();
 
@@ -160,8 +194,10 @@ private:
     QList<FakeFramework::Sent> m_outstanding; // without a reply, in the order of sending
     QStandardItemModel m_alarms;
     std::unique_ptr<StatusMonitorPlugin> m_monitor;
+    TestStation m_station;
     std::unique_ptr<PluginRecordingManagement> m_plugin;
     std::unique_ptr<ConsoleSession> m_session;
+    int m_camerasAsked = 0;
 };
 
 class Setup : public QObject

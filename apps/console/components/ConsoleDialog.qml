@@ -9,7 +9,9 @@ Dialog {
 
     property bool busy: false
 
+    parent: T.Overlay.overlay
     modal: true
+    focus: true
     anchors.centerIn: parent
     padding: Theme.huge
     topPadding: Theme.small

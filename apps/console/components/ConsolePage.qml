@@ -18,6 +18,8 @@ FocusScope {
     /// Why the page could not be filled, in words; empty while it could.
     property string failure
 
+    focus: true // of the loader that shows it
+
     /// Leads the eye to @p place, for instance a recording group's id; pages that know no places do nothing.
     function goTo(place: string): void {}
 }

@@ -43,13 +43,6 @@ Rectangle {
             event.accepted = true;
         }
 
-        ScrollBar.vertical: ScrollBar {
-            policy: list.contentHeight > list.height ? ScrollBar.AlwaysOn : ScrollBar.AlwaysOff
-            contentItem: Rectangle {
-                implicitWidth: 6
-                radius: 3
-                color: Theme.controlOutline
-            }
-        }
+        ScrollBar.vertical: ScrollMark { flickable: list }
     }
 }

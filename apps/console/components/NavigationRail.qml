@@ -14,7 +14,7 @@ Rectangle {
 
     signal chosen(index: int)
 
-    implicitWidth: narrow ? 60 : 212
+    implicitWidth: narrow ? 60 : 228
     color: Theme.rail
     Accessible.role: Accessible.PageTabList
     Accessible.name: qsTr("Pages")

@@ -20,6 +20,8 @@ RowLayout {
             color: Theme.text
             font.pixelSize: Theme.headlineSize
             font.weight: Font.DemiBold
+            fontSizeMode: Text.HorizontalFit
+            minimumPixelSize: 17
             textFormat: Text.PlainText
             elide: Text.ElideRight
             Accessible.role: Accessible.Heading

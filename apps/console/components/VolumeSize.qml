@@ -1,7 +1,9 @@
 import QtQml
 
-/// The sizes of one volume, for sums; KB.
+/// One volume of the plug-in's model: names, and sizes in KB.
 QtObject {
+    required property string rootPathRole
+    required property string nameRole
     required property real sizeRole
     required property real availableSizeRole
 }

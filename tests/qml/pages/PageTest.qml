@@ -46,19 +46,20 @@ TestCase {
         return found.text;
     }
 
-    /// No visible item may have a negative side or stand outside of the page; texts side by side may not overlap.
-    function checkGeometry(item) {
+    /// No visible item may have a negative side or stand outside of @p frame, the page if none is named; texts side by
+    /// side may not overlap.
+    function checkGeometry(item, frame = page) {
         if (!item.visible)
             return;
         verify(item.width >= 0 && item.height >= 0, item + " has a negative side");
         const texts = [];
         collectTexts(item, texts);
         for (let i = 0; i < texts.length; ++i) {
-            const a = shownPlace(texts[i]);
+            const a = shownPlace(texts[i], frame);
             verify(a.width >= 0 && a.height >= 0, texts[i].text);
-            verify(a.x >= -0.5 && a.x + a.width <= page.width + 0.5, texts[i].text + " leaves the page");
+            verify(a.x >= -0.5 && a.x + a.width <= frame.width + 0.5, texts[i].text + " leaves the page: " + a);
             for (let j = 0; j < i; ++j) {
-                const b = shownPlace(texts[j]);
+                const b = shownPlace(texts[j], frame);
                 const apart = a.x + a.width <= b.x + 0.5 || b.x + b.width <= a.x + 0.5
                     || a.y + a.height <= b.y + 0.5 || b.y + b.height <= a.y + 0.5;
                 verify(apart, texts[i].text + " overlaps " + texts[j].text);
@@ -67,16 +68,16 @@ TestCase {
     }
 
     /// Where an item stands on the page, without what is clipped away.
-    function shownPlace(item) {
-        let place = item.mapToItem(page, 0, 0, item.width, item.height);
-        for (let around = item.parent; around && around !== page; around = around.parent) {
+    function shownPlace(item, frame) {
+        let place = item.mapToItem(frame, 0, 0, item.width, item.height);
+        for (let around = item.parent; around && around !== frame; around = around.parent) {
             if (!around.clip)
                 continue;
-            const frame = around.mapToItem(page, 0, 0, around.width, around.height);
-            const x = Math.min(Math.max(place.x, frame.x), frame.x + frame.width);
-            const y = Math.min(Math.max(place.y, frame.y), frame.y + frame.height);
-            place = Qt.rect(x, y, Math.max(0, Math.min(place.x + place.width, frame.x + frame.width) - x),
-                            Math.max(0, Math.min(place.y + place.height, frame.y + frame.height) - y));
+            const pane = around.mapToItem(frame, 0, 0, around.width, around.height);
+            const x = Math.min(Math.max(place.x, pane.x), pane.x + pane.width);
+            const y = Math.min(Math.max(place.y, pane.y), pane.y + pane.height);
+            place = Qt.rect(x, y, Math.max(0, Math.min(place.x + place.width, pane.x + pane.width) - x),
+                            Math.max(0, Math.min(place.y + place.height, pane.y + pane.height) - y));
         }
         return place;
     }

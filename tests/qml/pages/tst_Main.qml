@@ -48,7 +48,7 @@ TestCase {
             verify(window.currentPage.visible);
             verify(window.title.startsWith(window.pages[i].title));
         }
-        compare(server.takeSent(), ["getVolume", "reloadStorageUsageInfo", "getServerDir", "GetNasServers"]);
+        compare(server.takeSent(), ["getVolume", "getVolume", "retrieveRecordingGroupTreeModel", "reloadStorageUsageInfo", "getServerDir", "GetNasServers"]);
     }
 
     function test_pageKeepsItsStateWhileAnotherIsShown(): void {
@@ -80,13 +80,33 @@ TestCase {
         compare(String(window.color), "#f3f5f8");
     }
 
+    function test_focusComesBackFromADialog(): void {
+        open({ startPage: "groups" });
+        server.reply("getVolume", [], "0");
+        server.reply("retrieveRecordingGroupTreeModel", [
+            { recordingGroupID: "{a}", recordingGroupName: "Gate", relayPath: "st1" },
+            { recordingGroupID: "{b}", recordingGroupName: "Yard", relayPath: "st1" }], "0");
+        const tree = part("tree");
+        tryVerify(() => tree.rows === 3);
+        keyClick(Qt.Key_Down);
+        compare(window.currentPage.selectedId, "{b}");
+        keyClick(Qt.Key_Return);
+        const editor = findChild(window.currentPage, "groupEditor");
+        tryVerify(() => editor.opened);
+        keyClick(Qt.Key_Escape);
+        tryVerify(() => !editor.visible);
+        verify(tree.activeFocus);
+        keyClick(Qt.Key_Delete);
+        tryVerify(() => findChild(window.currentPage, "removeGroupDialog").opened);
+    }
+
     function test_keyboardReachesThePages(): void {
         open({});
         const tab = part("tab:volumes");
         tab.forceActiveFocus(Qt.TabFocusReason);
         tryVerify(() => tab.activeFocus);
         keyClick(Qt.Key_Down);
-        verify(part("tab:usage").activeFocus);
+        verify(part("tab:groups").activeFocus);
         keyClick(Qt.Key_Return);
         compare(window.currentIndex, 1);
     }
