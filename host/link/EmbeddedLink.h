@@ -11,9 +11,10 @@ class Station;
 
 /// Runs one station inside this process, on a thread of its own, so that a slow disk never blocks the window.
 ///
-/// The station is the directly connected one: its events carry the empty relay path. Commands are carried out one after
-/// the other. The end of the link waits for the command that runs at that moment (a station sees
-/// QThread::isInterruptionRequested() then); those behind it are dropped.
+/// The station is the directly connected one: its events carry the empty relay path. Commands are begun one after the
+/// other; one that waits for a NAS server does not hold up those behind it. The end of the link waits for the command
+/// that runs at that moment (a station sees QThread::isInterruptionRequested() then), and no more than a moment for NAS
+/// servers; the other commands are dropped.
 class EmbeddedLink : public StationLink
 {
     Q_OBJECT

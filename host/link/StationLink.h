@@ -7,6 +7,8 @@
 /// A way to one or more stations. It carries commands there and brings replies and events back, all in the order in
 /// which each station gave them, on the thread that the link object lives on.
 ///
+/// A station may answer a later command before an earlier one that takes it long.
+///
 /// A link promises no answer: a station may be slow, silent or gone. Whoever sends keeps the time.
 class StationLink : public QObject
 {

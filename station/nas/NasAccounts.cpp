@@ -63,6 +63,8 @@ QString NasAccounts::token(const QString &id)
 
 SmbLogon NasAccounts::resolved(const SmbLogon &logon, const SmbPath &place)
 {
+    if (logon.userName.isEmpty())
+        return registered(place).value_or(logon);
     const QList<NasServer> servers = store().servers();
     for (const NasServer &server : servers) {
         if (isOn(place, server) && PasswordVault::looksLikeToken(logon.password)

@@ -30,7 +30,8 @@ public:
     /// server can then still be seen and removed.
     QString token(const QString &id);
 
-    /// @p logon as it is used for @p place: a token of a server registered for its host becomes that server's password.
+    /// @p logon as it is used for @p place: without a user name it is the registered one, and a token of a server
+    /// registered for its host becomes that server's password.
     SmbLogon resolved(const SmbLogon &logon, const SmbPath &place);
     /// @p logon as it is used for the server @p server: its token becomes its password, on whatever host.
     SmbLogon resolved(const SmbLogon &logon, const NasServer &server);

@@ -27,6 +27,7 @@ private slots:
     void capacityIsInKilobytes();
     void placesThatAreRefused_data();
     void placesThatAreRefused();
+    void withoutAUserNameTheRegisteredOneIsTaken();
     void pathsBecomeDisks();
     void pathsThatFailAreLeftOut();
     void noPathAtAllIsAFailure_data();
@@ -168,6 +169,19 @@ void StationNasSharesTest::placesThatAreRefused()
     const StationReply capacity = ask("GetNasCapacity", data);
     QTEST(capacity.returnCode, "capacityCode");
     QVERIFY(!capacity.data.isValid());
+}
+
+void StationNasSharesTest::withoutAUserNameTheRegisteredOneIsTaken()
+{
+    QVariantMap data = place(pathOf(QStringLiteral("video")));
+    data.insert(QStringLiteral("userName"), QString());
+    data.insert(QStringLiteral("password"), QString());
+    QCOMPARE(ask("GetNasCapacity", data).returnCode, QStringLiteral("GetNasCapacityFailed")); // no share for everybody
+    registerServer();
+    QCOMPARE(ask("GetNasCapacity", data).returnCode, QStringLiteral("0"));
+    QCOMPARE(ask("GetNasDir", data).returnCode, QStringLiteral("0"));
+    data.insert(QStringLiteral("userName"), QStringLiteral("Guest"));
+    QCOMPARE(ask("GetNasCapacity", data).returnCode, QStringLiteral("GetNasCapacityFailed"));
 }
 
 void StationNasSharesTest::pathsBecomeDisks()
