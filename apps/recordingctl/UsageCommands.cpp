@@ -11,6 +11,10 @@
 
 #include <QAbstractItemModel>
 #include <QDateTime>
+#include <QEventLoop>
+#include <QTimer>
+
+#include <chrono>
 
 namespace {
 
@@ -36,6 +40,38 @@ const QAbstractItemModel *usageModel(const CommandRun &run)
 const QAbstractItemModel *volumesOf(const CommandRun &run, const QString &groupId)
 {
     return qobject_cast<QAbstractItemModel *>(run.read<QObject *>("getGroupVolumeModel", QString(), groupId));
+}
+
+bool isAnythingUnknown(const QAbstractItemModel &usage)
+{
+    for (int row = 0; row < usage.rowCount(); ++row) {
+        if (numberAt(usage, row, "recordedDaysRole") < 0 || numberAt(usage, row, "oneDayUsageRole") < 0)
+            return true;
+    }
+    return false;
+}
+
+/// Asks the station for its figures. Those that it does not know at once it tells later: they are waited for while it
+/// says something about its storage.
+CallOutcome reloadUsage(CommandRun &run)
+{
+    constexpr std::chrono::seconds silence(3); // the station speaks once a second when figures change
+    const CallOutcome outcome = run.call(reload);
+    if (outcome.exitCode != ExitCode::Done)
+        return outcome;
+    QEventLoop loop;
+    QTimer timer;
+    timer.setSingleShot(true);
+    QObject::connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
+    QObject::connect(run.session().framework(), &HostFramework::eventDelivered, &loop, [&] {
+        timer.start(silence);
+        if (!isAnythingUnknown(*usageModel(run)))
+            loop.quit();
+    });
+    timer.start(silence);
+    if (isAnythingUnknown(*usageModel(run)))
+        loop.exec();
+    return outcome;
 }
 
 QJsonArray usageJson(const CommandRun &run, const QAbstractItemModel &usage)
@@ -96,7 +132,7 @@ TextTable alarmTable(const QAbstractItemModel &alarms)
 
 ExitCode showUsage(CommandRun &run)
 {
-    const CallOutcome outcome = run.call(reload);
+    const CallOutcome outcome = reloadUsage(run);
     const QAbstractItemModel *usage = usageModel(run);
     QJsonObject json = outcomeJson(reload, outcome);
     if (outcome.exitCode == ExitCode::Done)
@@ -106,7 +142,7 @@ ExitCode showUsage(CommandRun &run)
 
 ExitCode showAlarms(CommandRun &run)
 {
-    const CallOutcome outcome = run.call(reload);
+    const CallOutcome outcome = reloadUsage(run);
     const QAbstractItemModel &alarms = *run.session().statusMonitor();
     QJsonObject json = outcomeJson(reload, outcome);
     if (outcome.exitCode == ExitCode::Done)

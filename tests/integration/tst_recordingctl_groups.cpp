@@ -31,6 +31,7 @@ private slots:
     void changeOfNothingIsWrongUse_data();
     void changeOfNothingIsWrongUse();
     void dataFoldersAreStationsOfTheirOwn();
+    void usageOfASampleSiteIsKnown();
 
 private:
     Run ctl(const QStringList &arguments) const { return run(arguments + QStringList{"--data", folder("station")}); }
@@ -269,6 +270,28 @@ void TestRecordingctlGroups::dataFoldersAreStationsOfTheirOwn()
     QCOMPARE(run({"cameras", "--data", folder("two")}).outputLines().size(), 1);
     QCOMPARE(run({"cameras", "--data", folder("one")}).outputLines().size(), 2);
     QVERIFY(!QDir(folder("one")).isEmpty());
+}
+
+void TestRecordingctlGroups::usageOfASampleSiteIsKnown()
+{
+    QCOMPARE(ctl({"site-sample"}).errors, QString());
+    QCOMPARE(ctl({"site-sample"}).errors,
+             "recordingctl: station.createSampleSite: the station refused: SiteNotEmpty\n");
+    // The station learns its figures anew each time that it starts.
+    for (int time = 0; time < 2; ++time) {
+        const Run usage = ctl({"usage"});
+        QCOMPARE(usage.exitCode, 0);
+        QCOMPARE(words(usage.outputLines().value(0)),
+                 (QStringList{"Group", "Recorded", "Remaining", "Reserved time", "Per day"}));
+        QVERIFY2(usage.output.contains("\nParking ") && !usage.output.contains("unknown"), qPrintable(usage.output));
+    }
+    const QJsonArray groups = ctl({"usage", "--json"}).json().value("groups").toArray();
+    QCOMPARE(groups.size(), 3);
+    QVERIFY(groups.at(0).toObject().value("recordedDaysRole").toInt() > 0);
+    QCOMPARE(groups.at(0).toObject().value("volumes").toArray().size(), 1);
+    const Run alarms = ctl({"alarms"});
+    QCOMPARE(alarms.outputLines().size(), 2); // one group is short of days
+    QVERIFY2(alarms.output.contains("  reserved time will not be reached  Parking  {"), qPrintable(alarms.output));
 }
 
 QTEST_GUILESS_MAIN(TestRecordingctlGroups)
