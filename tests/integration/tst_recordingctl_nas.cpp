@@ -1,0 +1,82 @@
+#include "SambaServer.h"
+#include "ToolRun.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+/// NAS servers by hand: the tool, the plug-in, a station with a data folder of its own and a real server.
+class TestRecordingctlNas : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase();
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
+
+    void serverFromBeginningToEnd();
+
+private:
+    Run ctl(const QStringList &arguments, const QByteArray &input = {}) const
+    {
+        return run(arguments + QStringList{"--data", m_folder.filePath("station")}, input);
+    }
+
+    QTemporaryDir m_folder{QCoreApplication::applicationDirPath() + "/nas-XXXXXX"};
+    SambaServer m_server;
+};
+
+void TestRecordingctlNas::initTestCase()
+{
+    QVERIFY(m_folder.isValid());
+    m_server.addShare("rec");
+    QVERIFY2(m_server.start(), qPrintable(m_server.error()));
+    QVERIFY(QDir(m_server.folderOf("rec")).mkpath("north yard"));
+}
+
+void TestRecordingctlNas::serverFromBeginningToEnd()
+{
+    const QString host = m_server.host();
+    const QByteArray password = m_server.password().toUtf8() + '\n';
+    const Run wrong = ctl({"nas-add", host, "--user", m_server.userName(), "--password", "-"}, "wrong\n");
+    QCOMPARE(wrong.exitCode, 1);
+    QCOMPARE(wrong.errors, "recordingctl: addNASServer: the station refused: LogonNASServerFaled\n");
+
+    const Run add = ctl({"nas-add", host, "--user", m_server.userName(), "--password", "-"}, password);
+    QCOMPARE(add.errors, QString());
+    const QString id = add.output.trimmed();
+    QVERIFY(!id.isEmpty());
+    const Run servers = ctl({"nas"});
+    QCOMPARE(words(servers.outputLines().value(1)), (QStringList{host, m_server.userName(), "Host", id}));
+    QVERIFY(!ctl({"nas", "--json"}).output.contains(m_server.password()));
+
+    // Logs on as the station does: no password is given.
+    const QString path = QStringLiteral("//%1/rec").arg(host);
+    const Run folders = ctl({"nas-folders", path});
+    QCOMPARE(folders.errors, QString());
+    QCOMPARE(folders.output, "north yard\n");
+    const Run capacity = ctl({"nas-capacity", path});
+    QCOMPARE(capacity.errors, QString());
+    QCOMPARE(words(capacity.outputLines().value(0).trimmed()), (QStringList{"Size", "Free", "Used"}));
+    const Run volumes = ctl({"nas-volumes", path});
+    QCOMPARE(volumes.errors, QString());
+    QVERIFY2(volumes.output.contains(path), qPrintable(volumes.output));
+
+    QFile file(m_folder.filePath("password"));
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(password) > 0);
+    file.close();
+    QCOMPARE(ctl({"nas-update", host, "--password", "@" + file.fileName(), "--domain", "TESTNAS"}).errors, QString());
+    QCOMPARE(words(ctl({"nas"}).outputLines().value(1)), (QStringList{host, m_server.userName(), "TESTNAS", id}));
+    const Run typed = ctl({"nas-update", host, "--password", m_server.password()});
+    QCOMPARE(typed.exitCode, 2);
+    QVERIFY(!typed.errors.contains(m_server.password()));
+
+    QCOMPARE(ctl({"nas-remove", id}).errors, QString());
+    QCOMPARE(ctl({"nas"}).outputLines().size(), 1);
+    QCOMPARE(ctl({"nas-remove", host}).errors,
+             QStringLiteral("recordingctl: nas-remove: there is no NAS server \"%1\"; \"nas\" lists them\n").arg(host));
+}
+
+QTEST_GUILESS_MAIN(TestRecordingctlNas)
+#include "tst_recordingctl_nas.moc"
