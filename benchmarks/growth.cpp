@@ -1,0 +1,34 @@
+#include "Case.h"
+
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wpedantic"
+#include <valgrind/callgrind.h>
+#pragma GCC diagnostic pop
+
+#include <algorithm>
+#include <cstdio>
+#include <string>
+
+int countInstructions(const std::vector<Case> &cases)
+{
+    if (!RUNNING_ON_VALGRIND) {
+        std::fputs("--growth counts instructions and must run under valgrind --tool=callgrind\n", stderr);
+        return 1;
+    }
+    for (const Case &entry : cases) {
+        for (const int size : entry.growth) {
+            const std::string name = std::to_string(entry.row) + ' ' + entry.name + '/' + std::to_string(size);
+            const Work work = entry.work(size);
+            const auto ours = std::find_if(work.variants.begin(), work.variants.end(),
+                                           [](const Variant &variant) { return variant.name == "ours"; });
+            if (ours->prepare)
+                ours->prepare();
+            CALLGRIND_START_INSTRUMENTATION;
+            CALLGRIND_ZERO_STATS;
+            ours->run();
+            CALLGRIND_DUMP_STATS_AT(name.c_str());
+            CALLGRIND_STOP_INSTRUMENTATION;
+        }
+    }
+    return 0;
+}

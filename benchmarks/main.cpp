@@ -1,0 +1,68 @@
+#include "Case.h"
+#include "Rounds.h"
+
+#include <QGuiApplication>
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+constexpr int smokeSize = 32;
+constexpr int smokeRounds = 2;
+constexpr int mostRounds = 51;
+
+std::vector<Case> allCases()
+{
+    std::vector<Case> cases;
+    for (const auto &part : {replyCases(), treeCases(), eventCases(), queryCases(), viewCases()})
+        cases.insert(cases.end(), part.begin(), part.end());
+    return cases;
+}
+
+// Takes @p argument out of the command line; false when it is not there.
+bool take(const char *argument, int &count, char **arguments)
+{
+    char **const end = arguments + count;
+    char **const left =
+        std::remove_if(arguments + 1, end, [argument](const char *text) { return !std::strcmp(text, argument); });
+    count = static_cast<int>(left - arguments);
+    return left != end;
+}
+
+void registerAll(bool smoke)
+{
+    for (const Case &entry : allCases()) {
+        if (smoke) {
+            registerCase(entry, smokeSize, smokeRounds);
+            continue;
+        }
+        for (const int size : entry.sizes)
+            registerCase(entry, size, mostRounds);
+    }
+    registerSignalCounts();
+    registerHeapCounts();
+    registerManyModels(smoke ? std::vector{smokeSize} : std::vector{100, 1000, 10'000, 50'000});
+}
+
+} // namespace
+
+/// Google Benchmark with its own options, and two of ours:
+/// --smoke runs everything in one small size, to see that it works;
+/// --growth counts instructions under callgrind, see countInstructions().
+int main(int argc, char **argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const bool smoke = take("--smoke", argc, argv);
+    const bool growth = take("--growth", argc, argv);
+    const QGuiApplication application(argc, argv);
+    if (growth)
+        return countInstructions(allCases());
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
+    registerAll(smoke);
+    return benchmark::RunSpecifiedBenchmarks() > 0 ? 0 : 1;
+}
