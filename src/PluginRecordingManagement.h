@@ -1,6 +1,7 @@
 #pragma once
 
 #include "RecordingGroupData.h"
+#include "RecordingGroupIndex.h"
 #include "framework/PluginBase.h"
 
 #include <QMap>
@@ -9,6 +10,7 @@
 #include <QVariantList>
 #include <QVariantMap>
 
+#include <optional>
 #include <vector>
 
 class QStandardItemModel;
@@ -300,9 +302,11 @@ private:
     void CreateStationTreeModel(const QVariantMap &station);
     void appendRecordingGroupToTreeModel(const QVariant &data);
     void saveRecordingGroupData(const QVariant &data);
+    // @p list is the cache.
     std::vector<RecordingGroupData>::const_iterator
     findItemFromRecordingGroupList(const std::vector<RecordingGroupData> &list, const QString &recordingGroupID,
                                    const QString &relayPath) const;
+    const RecordingGroupIndex &groupIndex() const;
     template<typename Value>
     Value cachedField(Value RecordingGroupData::*field, const QString &recordingGroupID,
                       const QString &relayPath) const;
@@ -319,6 +323,7 @@ private:
     void *m_handle = nullptr; // the framework's, passed back with every command
     FrameworkWrapperBase *m_framework = nullptr; // not owned
     std::vector<RecordingGroupData> m_recordingGroups;
+    mutable std::optional<RecordingGroupIndex> m_groupIndex; // of m_recordingGroups; built when a query needs it
     QMap<QString, QSharedPointer<QStandardItemModel>> m_storageUsageModels;
     QMap<QString, QMap<QString, QSharedPointer<QStandardItemModel>>> m_groupVolumeModels;
     QStandardItemModel *m_volumeModel = nullptr;

@@ -2,6 +2,7 @@
 
 #include "ItemRoles.h"
 #include "RecordingGroupTreeModel.h"
+#include "ReplyFields.h"
 #include "RequestContexts.h"
 #include "ServerVocabulary.h"
 #include "framework/FrameworkWrapperBase.h"
@@ -15,6 +16,8 @@
 #include <exception>
 #include <memory>
 #include <new>
+#include <optional>
+#include <set>
 #include <utility>
 
 namespace {
@@ -54,32 +57,28 @@ QVariantMap stationTree(QObject *stationPlugin)
     return station.toMap();
 }
 
-// The map inside @p value, in place where it holds one; @p converted keeps what a conversion made.
-const QVariantMap &mapIn(const QVariant &value, QVariantMap &converted)
+// What a query answers; @p nothing when memory ran out.
+template<typename Answer, typename Query>
+Answer answerOr(const Answer &nothing, Query query)
 {
-    if (value.metaType() == QMetaType::fromType<QVariantMap>())
-        return *static_cast<const QVariantMap *>(value.constData());
-    converted = value.toMap();
-    return converted;
-}
-
-// Calls @p visit with each member of @p group until it returns true.
-template<typename Visit>
-void visitMembers(const RecordingGroupData &group, Visit visit)
-{
-    QVariantMap converted;
-    for (const QVariant &member : group.recordingGroupMemberList) {
-        if (visit(mapIn(member, converted)))
-            return;
+    try {
+        return query();
+    } catch (const std::bad_alloc &) {
+        return nothing;
     }
 }
 
-bool isRelayedName(const QString &cameraId, const QString &relayPath, const QString &name)
+// Where the next name that @p cameraId may end with begins, after the one at @p name; -1 when there is none.
+qsizetype nextName(const QString &cameraId, qsizetype name)
 {
-    if (relayPath.isEmpty())
-        return cameraId == name;
-    return cameraId.size() == relayPath.size() + 1 + name.size() && cameraId.startsWith(relayPath)
-        && cameraId.at(relayPath.size()) == u'/' && cameraId.endsWith(name);
+    const qsizetype slash = cameraId.indexOf(u'/', name);
+    return slash < 0 ? -1 : slash + 1;
+}
+
+// Whether what precedes @p name in @p cameraId is @p relayPath and the slash between them.
+bool isRelayPath(const QString &relayPath, const QString &cameraId, qsizetype name)
+{
+    return relayPath.isEmpty() ? name == 0 : relayPath.size() + 1 == name && cameraId.startsWith(relayPath);
 }
 
 } // namespace
@@ -332,8 +331,10 @@ template<typename Value>
 Value PluginRecordingManagement::cachedField(Value RecordingGroupData::*field, const QString &recordingGroupID,
                                              const QString &relayPath) const
 {
-    const auto group = findItemFromRecordingGroupList(m_recordingGroups, recordingGroupID, relayPath);
-    return group == m_recordingGroups.end() ? Value{} : (*group).*field;
+    return answerOr(Value{}, [&] {
+        const auto group = findItemFromRecordingGroupList(m_recordingGroups, recordingGroupID, relayPath);
+        return group == m_recordingGroups.end() ? Value{} : (*group).*field;
+    });
 }
 
 QVariantList PluginRecordingManagement::getRecordingGroupPathList(const QString &recordingGroupID,
@@ -373,39 +374,44 @@ QVariantList PluginRecordingManagement::getRecordingGroupMemberList(const QStrin
 
 QVariantList PluginRecordingManagement::getRecordingGroupIDList(const QString &cameraID)
 {
-    QVariantList groupIds;
-    for (const RecordingGroupData &group : m_recordingGroups) {
-        visitMembers(group, [&](const QVariantMap &member) {
-            if (!isRelayedName(cameraID, group.relayPath, member.value(FieldKey::camName).toString()))
-                return false;
-            groupIds.append(group.recordingGroupID);
-            return true;
-        });
-    }
-    return groupIds;
+    return answerOr(QVariantList(), [&] {
+        std::set<std::size_t> groups;
+        // The name of the member is all of the id, or what follows one of its slashes: names and paths may have some.
+        for (qsizetype name = 0; name >= 0; name = nextName(cameraID, name)) {
+            groupIndex().visitMembers(m_recordingGroups, QStringView(cameraID).mid(name),
+                                      [&](std::size_t group, const QVariantMap &) {
+                                          if (isRelayPath(m_recordingGroups[group].relayPath, cameraID, name))
+                                              groups.insert(group);
+                                          return false;
+                                      });
+        }
+        QVariantList ids;
+        for (const std::size_t group : groups)
+            ids.append(m_recordingGroups[group].recordingGroupID);
+        return ids;
+    });
 }
 
 int PluginRecordingManagement::streamIndexHasBeenSetTmShiftSeamlessInOtherRecGroups(const QString &cameraId,
                                                                                     const QString &recordingGroupID,
                                                                                     const QString &relayPath)
 {
-    int streamIndex = -1;
-    for (const RecordingGroupData &group : m_recordingGroups) {
-        if (group.relayPath == relayPath && group.recordingGroupID == recordingGroupID)
-            continue;
-        bool found = false;
-        visitMembers(group, [&](const QVariantMap &member) {
-            if (member.value(FieldKey::camName).toString() != cameraId)
+    return answerOr(-1, [&] {
+        int streamIndex = -1;
+        std::optional<std::size_t> judged;
+        groupIndex().visitMembers(m_recordingGroups, cameraId, [&](std::size_t number, const QVariantMap &member) {
+            const RecordingGroupData &group = m_recordingGroups[number];
+            if (judged == number || (group.relayPath == relayPath && group.recordingGroupID == recordingGroupID))
                 return false;
-            found = member.value(FieldKey::enableTimeShift).toBool() || member.value(FieldKey::enableSeamless).toBool();
+            judged = number; // the first member of that name decides for its group
+            const bool found = fieldIn(member, FieldKey::enableTimeShift).toBool()
+                || fieldIn(member, FieldKey::enableSeamless).toBool();
             if (found)
-                streamIndex = member.value(FieldKey::streamIndex).toInt();
-            return true; // the first member of that name decides for its group
+                streamIndex = fieldIn(member, FieldKey::streamIndex).toInt();
+            return found;
         });
-        if (found)
-            break;
-    }
-    return streamIndex;
+        return streamIndex;
+    });
 }
 
 QVariantList PluginRecordingManagement::getRecordingGroupInfoList()

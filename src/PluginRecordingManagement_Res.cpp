@@ -2,8 +2,10 @@
 
 #include "ItemRoles.h"
 #include "RecordingGroupTreeModel.h"
+#include "ReplyFields.h"
 #include "RequestContexts.h"
 #include "RowItems.h"
+#include "RowLayout.h"
 #include "ServerVocabulary.h"
 #include "StatusMonitor.h"
 #include "UsageFigures.h"
@@ -26,6 +28,13 @@ template<typename Context>
 std::unique_ptr<Context> takeContext(void *context)
 {
     return std::unique_ptr<Context>(static_cast<Context *>(context));
+}
+
+bool lacksText(const QVariant &record, const QString &key)
+{
+    QVariantMap convertedRecord;
+    QString convertedText;
+    return textIn(fieldIn(mapIn(record, convertedRecord), key), convertedText).isEmpty();
 }
 
 QModelIndex findRow(const QStandardItemModel *model, const QString &id)
@@ -60,14 +69,10 @@ void PluginRecordingManagement::handleRetrieveVolume(const QVariant &data, const
         return;
     }
     RowBatch rows(m_volumeModel);
+    RowMaker maker(volumeRow());
     const QVariantList volumes = data.toList();
-    for (const QVariant &element : volumes) {
-        const QVariantMap volume = element.toMap();
-        if (!rows.add(VolumeItem(volume.value(FieldKey::volumePath).toString(),
-                                 volume.value(FieldKey::volumeName).toString(),
-                                 volume.value(FieldKey::volumeSize).toLongLong(),
-                                 volume.value(FieldKey::volumeAvailableSize).toLongLong(),
-                                 volume.value(FieldKey::volumeIsSystem).toBool(), false)))
+    for (const QVariant &volume : volumes) {
+        if (!rows.add(maker.row(volume)))
             TRACE_ERROR("%s, new VolumeItem failed", "PluginRecordingManagement::handleRetrieveVolume");
     }
     rows.append();
@@ -107,14 +112,10 @@ void PluginRecordingManagement::handleGetRecordingGroup(const QVariant &data, co
     const auto requestId = takeContext<RequestIdContext>(context);
     clearRows(m_recordingGroupModel);
     RowBatch rows(m_recordingGroupModel);
+    RowMaker maker(recordingGroupRow());
     const QVariantList groups = data.toList();
-    for (const QVariant &element : groups) {
-        const QVariantMap group = element.toMap();
-        if (!rows.add(RecordingGroupItem(group.value(FieldKey::recordingGroupID).toString(),
-                                         group.value(FieldKey::recordingGroupName).toString(),
-                                         group.value(FieldKey::recordingGroupPathList).toStringList(),
-                                         group.value(FieldKey::recordingGroupNodeIdList).toStringList(),
-                                         group.value(FieldKey::recordingGroupNASPathList).toStringList(), 0, 0, 0, 0)))
+    for (const QVariant &group : groups) {
+        if (!rows.add(maker.row(group)))
             TRACE_ERROR("%s, new RecordingGroupItem failed", function);
     }
     rows.append();
@@ -124,6 +125,7 @@ void PluginRecordingManagement::handleGetRecordingGroup(const QVariant &data, co
 
 void PluginRecordingManagement::saveRecordingGroupData(const QVariant &data)
 {
+    m_groupIndex.reset();
     const QVariantList groups = data.toList();
     for (const QVariant &element : groups) {
         const QVariantMap group = element.toMap();
@@ -147,15 +149,21 @@ void PluginRecordingManagement::saveRecordingGroupData(const QVariant &data)
 
 void PluginRecordingManagement::clearRecordingGroupDataList()
 {
+    m_groupIndex.reset();
     m_recordingGroups.clear();
 }
 
 std::vector<RecordingGroupData>::const_iterator PluginRecordingManagement::findItemFromRecordingGroupList(
     const std::vector<RecordingGroupData> &list, const QString &recordingGroupID, const QString &relayPath) const
 {
-    return std::find_if(list.begin(), list.end(), [&](const RecordingGroupData &group) {
-        return group.recordingGroupID == recordingGroupID && group.relayPath == relayPath;
-    });
+    return list.begin() + static_cast<std::ptrdiff_t>(groupIndex().find(list, recordingGroupID, relayPath));
+}
+
+const RecordingGroupIndex &PluginRecordingManagement::groupIndex() const
+{
+    if (!m_groupIndex)
+        m_groupIndex.emplace(m_recordingGroups);
+    return *m_groupIndex;
 }
 
 void PluginRecordingManagement::handleAddRecordingGroup(const QString &returnCode, bool finish)
@@ -207,17 +215,16 @@ void PluginRecordingManagement::appendRecordingGroupToTreeModel(const QVariant &
             stations.push_back({item->data(TreeRole::RelayPath), RowBatch(item)});
     }
 
+    RowMaker maker(treeGroupRow());
     const QVariantList groups = data.toList();
-    for (const QVariant &element : groups) {
-        const QVariantMap group = element.toMap();
-        const QVariant relayPath = group.value(FieldKey::relayPath);
-        RowItem item = TreeGroupItem(group.value(FieldKey::recordingGroupName), relayPath,
-                                     group.value(FieldKey::recordingGroupID));
+    for (const QVariant &group : groups) {
+        RowItem item = maker.row(group);
         if (!item) {
             TRACE_ERROR("%s, new RecordingGroupTreeModelItem failed",
                         "PluginRecordingManagement::appendRecordingGroupToTreeModel");
             continue;
         }
+        const QVariant relayPath = item->data(TreeRole::RelayPath);
         const auto station = std::find_if(stations.begin(), stations.end(), [&relayPath](const Station &candidate) {
             return candidate.relayPath == relayPath;
         });
@@ -241,20 +248,30 @@ void PluginRecordingManagement::handleVolumeChanged(QVariant data, const QString
 
 QMap<QString, QVariant> PluginRecordingManagement::calculateGroupUsage(QVariant &data)
 {
+    enum Field { Id, Name, ReserveTime, AvailableSize, RecordedDays, OneDayUsage };
+    RecordReader entry({&FieldKey::recordingGroupID, &FieldKey::recordingGroupName,
+                        &FieldKey::recordingGroupReservedTime, &FieldKey::volumeAvailableSize,
+                        &FieldKey::volumeRecordedDays, &FieldKey::volumeOneDayUsage});
     std::map<QString, GroupUsage> sums;
+    auto group = sums.end(); // entries of one group mostly follow each other
+    QString convertedId;
+    QString convertedName;
     const QVariantList entries = data.toList();
     for (const QVariant &element : entries) {
-        const QVariantMap entry = element.toMap();
-        GroupUsage &group = sums[entry.value(FieldKey::recordingGroupID).toString()];
-        group.reserveTime = entry.value(FieldKey::recordingGroupReservedTime).toInt();
-        group.name = entry.value(FieldKey::recordingGroupName).toString();
-        group.availableSize = wrappingSum(group.availableSize, entry.value(FieldKey::volumeAvailableSize).toLongLong());
-        GroupUsage::addKnown(group.recordedDays, entry.value(FieldKey::volumeRecordedDays).toLongLong());
-        GroupUsage::addKnown(group.oneDayUsage, entry.value(FieldKey::volumeOneDayUsage).toLongLong());
+        entry.read(element);
+        const QString &id = textIn(entry[Id], convertedId);
+        if (group == sums.end() || group->first != id)
+            group = sums.try_emplace(id).first;
+        GroupUsage &sum = group->second;
+        sum.reserveTime = entry[ReserveTime].toInt();
+        sum.name = textIn(entry[Name], convertedName);
+        sum.availableSize = wrappingSum(sum.availableSize, entry[AvailableSize].toLongLong());
+        GroupUsage::addKnown(sum.recordedDays, entry[RecordedDays].toLongLong());
+        GroupUsage::addKnown(sum.oneDayUsage, entry[OneDayUsage].toLongLong());
     }
     QMap<QString, QVariant> usage;
-    for (const auto &[id, group] : sums)
-        usage.insert(usage.cend(), id, group.toMap());
+    for (const auto &[id, sum] : sums)
+        usage.insert(usage.cend(), id, sum.toMap());
     return usage;
 }
 
@@ -267,25 +284,27 @@ void PluginRecordingManagement::updateRecordingGroupVolumeModel(const QString &s
         RowBatch rows;
     };
     std::map<QString, GroupRows> groups;
+    auto group = groups.end(); // entries of one group mostly follow each other
+    RowMaker maker(groupVolumeRow());
+    RecordReader groupId({&FieldKey::recordingGroupID});
+    QString convertedId;
     const QVariantList entries = data.toList();
-    for (const QVariant &element : entries) {
-        const QVariantMap entry = element.toMap();
-        const QString groupId = entry.value(FieldKey::recordingGroupID).toString();
-        auto group = groups.find(groupId);
+    for (const QVariant &entry : entries) {
+        groupId.read(entry);
+        const QString &id = textIn(groupId[0], convertedId);
+        if (group == groups.end() || group->first != id)
+            group = groups.find(id);
         if (group == groups.end()) {
             const QSharedPointer<QStandardItemModel> model(newListModel(volumeRoleNames(), this));
             if (!model)
                 continue;
-            m_groupVolumeModels[source].insert(groupId, model);
-            group = groups.emplace(groupId, GroupRows{model, RowBatch(model.data())}).first;
+            m_groupVolumeModels[source].insert(id, model);
+            group = groups.emplace(id, GroupRows{model, RowBatch(model.data())}).first;
         }
-        group->second.rows.add(VolumeItem(
-            entry.value(FieldKey::recordingPath).toString(), entry.value(FieldKey::volumeName).toString(),
-            entry.value(FieldKey::volumeSize).toLongLong(), entry.value(FieldKey::volumeAvailableSize).toLongLong(),
-            entry.value(FieldKey::volumeIsSystem).toBool(), entry.value(FieldKey::volumeIsNAS).toBool()));
+        group->second.rows.add(maker.row(entry));
     }
-    for (auto &[groupId, group] : groups)
-        group.rows.append();
+    for (auto &[id, filled] : groups)
+        filled.rows.append();
 }
 
 void PluginRecordingManagement::updateRecordingGroupUsageModel(const QString &source, QMap<QString, QVariant> &usage)
@@ -315,21 +334,23 @@ void PluginRecordingManagement::updateRecordingGroupUsageModel(const QString &so
 void PluginRecordingManagement::monitorVolumnStatus(const QString &source, QVariant &data)
 {
     const StatusMonitor monitor(pluginObject(StatusMonitor::pluginId()));
-    monitor.call(StatusMonitorMethod::removeVolumeError, source);
+    monitor.method(StatusMonitorMethod::removeVolumeError, 1).call(source);
     const QVariantList entries = data.toList();
-    const bool dead = std::any_of(entries.begin(), entries.end(), [](const QVariant &element) {
-        const QVariantMap volume = element.toMap();
-        return volume.value(FieldKey::volumeAvailableSize).toLongLong() == 0
-            && volume.value(FieldKey::volumeSize).toLongLong() == 0;
+    RecordReader sizes({&FieldKey::volumeAvailableSize, &FieldKey::volumeSize});
+    const bool dead = std::any_of(entries.begin(), entries.end(), [&sizes](const QVariant &volume) {
+        sizes.read(volume);
+        return sizes[0].toLongLong() == 0 && sizes[1].toLongLong() == 0;
     });
     if (dead)
-        monitor.call(StatusMonitorMethod::monitorVolumeStatus, source);
+        monitor.method(StatusMonitorMethod::monitorVolumeStatus, 1).call(source);
 }
 
 void PluginRecordingManagement::monitorGroupStatus(const QString &source)
 {
     const QSharedPointer<QStandardItemModel> model = m_storageUsageModels.value(source);
     const StatusMonitor monitor(pluginObject(StatusMonitor::pluginId()));
+    const auto sufficient = monitor.method(StatusMonitorMethod::monitorSufficientRecordingGroup, 2);
+    const auto insufficient = monitor.method(StatusMonitorMethod::monitorInsufficientRecordingDays, 3);
     for (int row = 0; model && row < model->rowCount(); ++row) {
         const QModelIndex group = model->index(row, 0);
         const QString id = group.data(RecordingGroupRole::Id).toString();
@@ -340,9 +361,9 @@ void PluginRecordingManagement::monitorGroupStatus(const QString &source)
         if (remaining < 0 || recorded < 0 || reserve < 0)
             continue; // an unknown figure is never judged
         if (coverReserve(recorded, remaining, reserve))
-            monitor.call(StatusMonitorMethod::monitorSufficientRecordingGroup, source, id);
+            sufficient.call(source, id);
         else
-            monitor.call(StatusMonitorMethod::monitorInsufficientRecordingDays, source, name, id);
+            insufficient.call(source, name, id);
     }
 }
 
@@ -377,16 +398,12 @@ void PluginRecordingManagement::handleGetNASServers(const QString &result, const
     const QVariantList servers = data.toList();
     clearRows(m_nasServerModel);
     RowBatch rows(m_nasServerModel);
+    RowMaker maker(nasServerRow());
     bool complete = true;
-    for (const QVariant &element : servers) {
-        const QVariantMap server = element.toMap();
-        const QString id = server.value(QStringLiteral("id")).toString();
-        const QString host = server.value(FieldKey::host).toString();
-        if (id.isEmpty() || host.isEmpty())
+    for (const QVariant &server : servers) {
+        if (lacksText(server, QStringLiteral("id")) || lacksText(server, FieldKey::host))
             continue;
-        complete = rows.add(NasServerItem(id, host, server.value(FieldKey::logonDomain).toString(),
-                                          server.value(FieldKey::userName).toString(),
-                                          server.value(FieldKey::password).toString()));
+        complete = rows.add(maker.row(server));
         if (!complete)
             break;
     }

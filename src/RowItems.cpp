@@ -1,13 +1,13 @@
 #include "RowItems.h"
 
 #include "ItemRoles.h"
-#include "ServerVocabulary.h"
 
 #include <QStandardItemModel>
 #include <QUuid>
 
 #include <exception>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -99,19 +99,6 @@ RowItem DirectoryItem(const QString &folder)
     });
 }
 
-RowItem TreeGroupItem(const QVariant &name, const QVariant &relayPath, const QVariant &id)
-{
-    return orNull([&] {
-        return makeItem({
-            {TreeRole::Id, QUuid::createUuid()},
-            {TreeRole::Name, name},
-            {TreeRole::RelayPath, relayPath},
-            {TreeRole::Type, NodeType::RecordingGroup},
-            {TreeRole::RecordingGroupId, id},
-        });
-    });
-}
-
 RowItem TreeStationItem(const QString &name, const QString &ip, const QString &relayPath, const QString &type)
 {
     return orNull([&] {
@@ -137,9 +124,18 @@ RowBatch::RowBatch(QStandardItem *parent)
 {
 }
 
-RowBatch::~RowBatch() = default;
-RowBatch::RowBatch(RowBatch &&) noexcept = default;
-RowBatch &RowBatch::operator=(RowBatch &&) noexcept = default;
+RowBatch::~RowBatch()
+{
+    qDeleteAll(m_rows);
+}
+
+RowBatch::RowBatch(RowBatch &&other) noexcept
+    : m_model(other.m_model)
+    , m_below(other.m_below)
+    , m_parent(std::move(other.m_parent))
+    , m_rows(std::exchange(other.m_rows, {}))
+{
+}
 
 QStandardItem *RowBatch::parent() const
 {
@@ -155,7 +151,8 @@ bool RowBatch::add(RowItem row) noexcept
     if (!row || !m_model)
         return false;
     try {
-        m_rows.push_back(std::move(row));
+        m_rows.append(row.get());
+        row.release();
         return true;
     } catch (const std::bad_alloc &) {
         return false;
@@ -164,28 +161,20 @@ bool RowBatch::add(RowItem row) noexcept
 
 bool RowBatch::append() noexcept
 {
-    if (m_rows.empty())
+    if (m_rows.isEmpty())
         return true;
     try {
-        QList<QStandardItem *> items;
-        items.reserve(static_cast<qsizetype>(m_rows.size()));
         // A column inserted from within the insertion of rows would reach the views nested in it.
         if (parent() && parent()->columnCount() == 0)
             parent()->setColumnCount(1);
-        QStandardItem *const item = parent();
-        if (!item) {
-            m_rows.clear();
-            return false;
+        if (QStandardItem *const item = parent()) {
+            item->appendRows(std::exchange(m_rows, {}));
+            return true;
         }
-        for (RowItem &row : m_rows)
-            items.append(row.release());
-        m_rows.clear();
-        item->appendRows(items);
-        return true;
     } catch (const std::bad_alloc &) {
-        m_rows.clear();
-        return false;
     }
+    qDeleteAll(std::exchange(m_rows, {}));
+    return false;
 }
 
 void clearRows(QStandardItemModel *model)

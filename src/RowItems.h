@@ -1,17 +1,16 @@
 #pragma once
 
 #include <QHash>
+#include <QList>
 #include <QPersistentModelIndex>
 #include <QString>
 #include <QStringList>
 
 #include <memory>
-#include <vector>
 
 class QObject;
 class QStandardItem;
 class QStandardItemModel;
-class QVariant;
 
 /// Rows of the item models: single items whose values stand under the roles of ItemRoles.h. Every function returns null
 /// when memory ran out; none throws.
@@ -25,8 +24,6 @@ RowItem RecordingGroupItem(const QString &id, const QString &name, const QString
 RowItem NasServerItem(const QString &id, const QString &host, const QString &logonDomain, const QString &userName,
                       const QString &password);
 RowItem DirectoryItem(const QString &folder);
-/// A recording group's row of the tree; the values are kept as the reply had them, invalid ones included.
-RowItem TreeGroupItem(const QVariant &name, const QVariant &relayPath, const QVariant &id);
 RowItem TreeStationItem(const QString &name, const QString &ip, const QString &relayPath, const QString &type);
 
 /// The rows of one reply, gathered first and then appended to their model in one insertion, so that a bound view hears
@@ -39,7 +36,7 @@ public:
     explicit RowBatch(QStandardItem *parent);
     ~RowBatch();
     RowBatch(RowBatch &&) noexcept;
-    RowBatch &operator=(RowBatch &&) noexcept;
+    RowBatch &operator=(RowBatch &&) = delete;
 
     /// Takes @p row as the next one; false when it is null, memory ran out or there is nothing to append to.
     bool add(RowItem row) noexcept;
@@ -52,7 +49,7 @@ private:
     QStandardItemModel *m_model = nullptr; // not owned
     bool m_below = false; // below m_parent, not at the top
     QPersistentModelIndex m_parent;
-    std::vector<RowItem> m_rows;
+    QList<QStandardItem *> m_rows; // owned
 };
 
 /// Removes all rows; the role names stay. A missing model is left alone.

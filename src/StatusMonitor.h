@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QByteArrayList>
-#include <QMetaObject>
+#include <QMetaMethod>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -10,6 +10,25 @@
 class StatusMonitor
 {
 public:
+    /// One of its methods, looked up once.
+    class Method
+    {
+    public:
+        /// Calls it with as many strings as it was looked up for. It may come back into the plug-in.
+        template<typename... Strings>
+        void call(const Strings &...arguments) const
+        {
+            if (m_monitor && m_method.isValid())
+                m_method.invoke(m_monitor.data(), Qt::AutoConnection, Q_ARG(QString, arguments)...);
+        }
+
+    private:
+        friend class StatusMonitor;
+
+        QPointer<QObject> m_monitor; // may go away in the middle of a call
+        QMetaMethod m_method;
+    };
+
     /// Under which the client's framework knows it.
     static QString pluginId() { return QStringLiteral("{CA5B02D6-F3E0-4FD7-A55C-17F425D5B415}"); }
 
@@ -19,18 +38,18 @@ public:
     {
     }
 
-    /// Calls @p method of the monitor, one of StatusMonitorMethod, with strings. It may come back into the plug-in.
-    template<typename... Strings>
-    void call(const QString &method, const Strings &...arguments) const
+    /// The method @p name, one of StatusMonitorMethod, that takes @p strings strings.
+    Method method(const QString &name, int strings) const
     {
+        Method method;
         if (!m_monitor)
-            return;
-        const QByteArray name = method.toLatin1();
+            return method;
         QByteArrayList types;
-        types.fill("QString", sizeof...(arguments));
-        if (m_monitor->metaObject()->indexOfMethod(name + '(' + types.join(',') + ')') >= 0)
-            QMetaObject::invokeMethod(m_monitor.data(), name.constData(), Qt::AutoConnection,
-                                      Q_ARG(QString, arguments)...);
+        types.fill("QString", strings);
+        const QMetaObject *const meta = m_monitor->metaObject();
+        method.m_monitor = m_monitor;
+        method.m_method = meta->method(meta->indexOfMethod(name.toLatin1() + '(' + types.join(',') + ')'));
+        return method;
     }
 
 private:

@@ -21,6 +21,7 @@ std::array<Watched, 1024> watched; // fixed: the heap itself is under test
 std::size_t watchedCount = 0;
 int allocationsToFailure = -1; // below 0: none is due
 AllocationFailure::Kind failingKind = AllocationFailure::Kind::Nothrow;
+std::size_t failingSize = 0; // 0: any
 
 // Qt's constructors leave behind what they had allocated when an allocation in them throws: not ours to count.
 void countLeaks([[maybe_unused]] bool count)
@@ -30,9 +31,10 @@ void countLeaks([[maybe_unused]] bool count)
 #endif
 }
 
-bool failsNow(AllocationFailure::Kind kind)
+bool failsNow(AllocationFailure::Kind kind, std::size_t size)
 {
-    return allocationsToFailure >= 0 && kind == failingKind && allocationsToFailure-- == 0;
+    return allocationsToFailure >= 0 && kind == failingKind && (failingSize == 0 || size == failingSize)
+        && allocationsToFailure-- == 0;
 }
 
 void *allocate(std::size_t size)
@@ -42,7 +44,7 @@ void *allocate(std::size_t size)
 
 void *allocateOrThrow(std::size_t size)
 {
-    void *const address = failsNow(AllocationFailure::Kind::Throwing) ? nullptr : allocate(size);
+    void *const address = failsNow(AllocationFailure::Kind::Throwing, size) ? nullptr : allocate(size);
     if (!address)
         throw std::bad_alloc();
     return address;
@@ -78,9 +80,10 @@ bool isFreed(const void *address)
     return false;
 }
 
-AllocationFailure::AllocationFailure(int nth, Kind kind)
+AllocationFailure::AllocationFailure(int nth, Kind kind, std::size_t size)
 {
     failingKind = kind;
+    failingSize = size;
     if (kind == Kind::Throwing)
         countLeaks(false);
     allocationsToFailure = nth;
@@ -110,7 +113,7 @@ void *operator new[](std::size_t size)
 
 void *operator new(std::size_t size, const std::nothrow_t &) noexcept
 {
-    if (failsNow(AllocationFailure::Kind::Nothrow))
+    if (failsNow(AllocationFailure::Kind::Nothrow, size))
         return nullptr;
     return allocate(size);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+
 /// Watches and disturbs the C++ heap of the test executable. A test that uses it has its operator new and delete
 /// replaced. Single-threaded.
 
@@ -18,7 +20,8 @@ public:
         Throwing, ///< throws std::bad_alloc
     };
 
-    explicit AllocationFailure(int nth, Kind kind = Kind::Nothrow);
+    /// @param size only allocations of this many bytes count; 0 for all
+    explicit AllocationFailure(int nth, Kind kind = Kind::Nothrow, std::size_t size = 0);
     ~AllocationFailure();
 
     AllocationFailure(const AllocationFailure &) = delete;

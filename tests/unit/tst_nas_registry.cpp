@@ -291,7 +291,8 @@ void NasRegistryTest::refusedListKeepsTheRows()
 void NasRegistryTest::failedRowStopsTheList()
 {
     {
-        const AllocationFailure failure(1);
+        // The emptied model's root, then a row after the other.
+        const AllocationFailure failure(2, AllocationFailure::Kind::Throwing, sizeof(QStandardItem));
         reply("GetNasServers", "0", QVariantList{server("1", "a"), server("2", "b"), server("3", "c")});
         QVERIFY(failure.happened());
     }

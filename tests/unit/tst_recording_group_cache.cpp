@@ -281,7 +281,8 @@ void RecordingGroupCacheTest::failedRowIsSkipped()
     QFETCH(int, failingRow);
     QFETCH(QStringList, ids);
     {
-        const AllocationFailure failure(failingRow);
+        // The emptied model's root, then a row after the other.
+        const AllocationFailure failure(1 + failingRow, AllocationFailure::Kind::Throwing, sizeof(QStandardItem));
         reply(QVariantList{group("{1}"), group("{2}"), group("{3}")}, nullptr);
         QVERIFY(failure.happened());
     }

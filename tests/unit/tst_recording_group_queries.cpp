@@ -1,4 +1,5 @@
 #include "FakeFramework.h"
+#include "HeapWatch.h"
 #include "PluginRecordingManagement.h"
 #include "SignalLog.h"
 #include "TraceRecorder.h"
@@ -106,6 +107,9 @@ private slots:
     void streamOfAnotherGroup_data();
     void streamOfAnotherGroup();
     void membersOfOddTypesReadAsEmpty();
+    void namesAndPathsMayHoldSlashes();
+    void answersFollowTheCache();
+    void answersNothingWithoutMemory();
     void infoListWithoutUsageModelHoldsOneEmptyMap();
     void infoListOfAnEmptyUsageModelIsEmpty();
     void infoListNamesGroupsAndVolumes();
@@ -300,6 +304,71 @@ void RecordingGroupQueriesTest::membersOfOddTypesReadAsEmpty()
     QCOMPARE(m_plugin->getRecordingGroupIDList(""), QVariantList{"{1}"});
     QCOMPARE(m_plugin->getRecordingGroupIDList("cam"), QVariantList{"{2}"});
     QCOMPARE(m_plugin->streamIndexHasBeenSetTmShiftSeamlessInOtherRecGroups("cam", "", ""), 7);
+}
+
+void RecordingGroupQueriesTest::namesAndPathsMayHoldSlashes()
+{
+    save({group("{1}", "a/b", {member("c")}), group("{2}", "a", {member("b/c")}), group("{3}", "", {member("a/b/c")}),
+          group("{4}", "", {member("b/c")}), group("{5}", "a/b/", {member("")}), group("{6}", "", {member("/")})});
+    QCOMPARE(m_plugin->getRecordingGroupIDList("a/b/c"), (QVariantList{"{1}", "{2}", "{3}"}));
+    QCOMPARE(m_plugin->getRecordingGroupIDList("b/c"), QVariantList{"{4}"});
+    QCOMPARE(m_plugin->getRecordingGroupIDList("a/b//"), QVariantList{"{5}"});
+    QCOMPARE(m_plugin->getRecordingGroupIDList("/"), QVariantList{"{6}"});
+    QCOMPARE(m_plugin->getRecordingGroupIDList("c"), QVariantList());
+}
+
+void RecordingGroupQueriesTest::answersFollowTheCache()
+{
+    const auto reservedTime = [this] { return m_plugin->getRecordingGroupReservedTime("{1}", ""); };
+    const auto ids = [this] { return m_plugin->getRecordingGroupIDList("cam"); };
+    const auto stream = [this] {
+        return m_plugin->streamIndexHasBeenSetTmShiftSeamlessInOtherRecGroups("cam", "", "");
+    };
+    QVariantMap first = group("{1}", "", {member("cam", 1, true)});
+    first.insert("recordingGroupReservedTime", 90);
+    QVariantMap second = group("{2}", "", {member("cam", 2, true)});
+    QCOMPARE(reservedTime(), 0);
+    QCOMPARE(ids(), QVariantList());
+    QCOMPARE(stream(), -1);
+    save({second});
+    QCOMPARE(reservedTime(), 0);
+    QCOMPARE(ids(), QVariantList{"{2}"});
+    QCOMPARE(stream(), 2);
+    save({first});
+    QCOMPARE(reservedTime(), 90);
+    QCOMPARE(ids(), (QVariantList{"{2}", "{1}"}));
+    m_plugin->clearRecordingGroupDataList();
+    QCOMPARE(reservedTime(), 0);
+    QCOMPARE(ids(), QVariantList());
+    QCOMPARE(stream(), -1);
+    save({first});
+    QCOMPARE(reservedTime(), 90);
+    QCOMPARE(ids(), QVariantList{"{1}"});
+    QCOMPARE(stream(), 1);
+}
+
+void RecordingGroupQueriesTest::answersNothingWithoutMemory()
+{
+    QVariantMap record = group("{1}", "", {member("cam", 1, true)});
+    record.insert("recordingGroupReservedTime", 90);
+    save({record});
+    {
+        const AllocationFailure failure(0, AllocationFailure::Kind::Throwing);
+        QCOMPARE(m_plugin->getRecordingGroupReservedTime("{1}", ""), 0);
+        QVERIFY(failure.happened());
+    }
+    {
+        const AllocationFailure failure(0, AllocationFailure::Kind::Throwing);
+        QVERIFY(m_plugin->getRecordingGroupIDList("cam").isEmpty());
+        QVERIFY(failure.happened());
+    }
+    {
+        const AllocationFailure failure(0, AllocationFailure::Kind::Throwing);
+        QCOMPARE(m_plugin->streamIndexHasBeenSetTmShiftSeamlessInOtherRecGroups("cam", "", ""), -1);
+        QVERIFY(failure.happened());
+    }
+    QCOMPARE(m_plugin->getRecordingGroupReservedTime("{1}", ""), 90); // the next time goes well
+    QCOMPARE(m_plugin->getRecordingGroupIDList("cam"), QVariantList{"{1}"});
 }
 
 void RecordingGroupQueriesTest::infoListWithoutUsageModelHoldsOneEmptyMap()

@@ -430,15 +430,21 @@ void StationTreeTest::emptyTreeAsksForTheStationAgain()
 
 void StationTreeTest::failedItemIsSkipped()
 {
-    m_plugin->retrieveRecordingGroupTreeModel();
     QVariantMap record = group("{2}");
     record.insert("recordingGroupReservedTime", 5);
-    {
-        const AllocationFailure failure(1);
-        reply(QVariantList{group("{1}"), record, group("{3}")});
+    const QVariantList groups{group("{1}"), record, group("{3}")};
+    const QStringList withoutOne{"{1}", "{3}"};
+    m_plugin->retrieveRecordingGroupTreeModel();
+    // Qt allocates a few others of this size on the way to the second row.
+    for (int nth = 1; groupIds() != withoutOne && nth < 10; ++nth) {
+        m_plugin->retrieveRecordingGroupTreeModel();
+        m_log->take();
+        takeTraceLines();
+        const AllocationFailure failure(nth, AllocationFailure::Kind::Throwing, sizeof(QStandardItem));
+        reply(groups);
         QVERIFY(failure.happened());
     }
-    QCOMPARE(groupIds(), (QStringList{"{1}", "{3}"}));
+    QCOMPARE(groupIds(), withoutOne);
     QCOMPARE(m_plugin->getRecordingGroupReservedTime("{2}", "st1"), 5); // the cache has it
     QCOMPARE(takeErrorLines(),
              QStringList{"PluginRecordingManagement::appendRecordingGroupToTreeModel, new RecordingGroupTreeModelItem "

@@ -384,8 +384,8 @@ void StorageUsageTest::failedRowIsSkipped()
 {
     usageModel();
     {
-        // One model, then two rows of it, then two usage rows: the second of these fails.
-        const AllocationFailure failure(5);
+        // Two models with the item that their rows are copies of in between, then two usage rows: the second fails.
+        const AllocationFailure failure(4);
         event(QVariantList{entry("{1}", 0, -1, -1), entry("{2}", 0, -1, -1)});
         QVERIFY(failure.happened());
     }
