@@ -30,6 +30,12 @@ struct Case
     std::vector<int> growth = {}; ///< the two sizes between which instructions are counted; empty where they are not
 };
 
+/// Row and name, as the table has them: "01 volume reply".
+inline std::string title(const Case &entry)
+{
+    return (entry.row < 10 ? "0" : "") + std::to_string(entry.row) + ' ' + entry.name;
+}
+
 std::vector<Case> replyCases();
 std::vector<Case> treeCases();
 std::vector<Case> eventCases();
@@ -42,5 +48,5 @@ void registerHeapCounts();
 void registerManyModels(const std::vector<int> &sizes);
 
 /// Under callgrind (--instr-atstart=no --toggle-collect off): runs every case that has growth sizes once, in both, and
-/// dumps the instructions of "ours" alone under the name "<row> <name>/<size>". Returns an exit status.
+/// dumps the instructions of "ours" alone under the name "<title>/<size>". Returns an exit status.
 int countInstructions(const std::vector<Case> &cases);

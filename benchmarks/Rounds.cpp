@@ -93,8 +93,7 @@ void runRounds(benchmark::State &state, const Case &entry, int size, int mostRou
 
 void registerCase(const Case &entry, int size, int mostRounds)
 {
-    const std::string row = (entry.row < 10 ? "0" : "") + std::to_string(entry.row);
-    benchmark::RegisterBenchmark((row + ' ' + entry.name + '/' + std::to_string(size)).c_str(),
+    benchmark::RegisterBenchmark((title(entry) + '/' + std::to_string(size)).c_str(),
                                  [=](benchmark::State &state) { runRounds(state, entry, size, mostRounds); })
         ->Iterations(1)
         ->UseManualTime()

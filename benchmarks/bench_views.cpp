@@ -45,6 +45,9 @@ Work withProxy(int size)
     const auto watched = std::make_shared<Proxied>();
     watched->data = Replies::volumes(size);
     watched->proxy.setSourceModel(&watched->client.volumes());
+    // Views ask at once, so the proxy has its rows mapped when the new ones come.
+    const QSortFilterProxyModel *const proxy = &watched->proxy;
+    QObject::connect(proxy, &QAbstractItemModel::modelReset, proxy, [proxy] { proxy->rowCount(); });
     return replyTo(watched, [watched, size] {
         return watched->proxy.rowCount() == size ? std::string() : "the proxy has not every row";
     });

@@ -17,12 +17,17 @@ int countInstructions(const std::vector<Case> &cases)
     }
     for (const Case &entry : cases) {
         for (const int size : entry.growth) {
-            const std::string name = std::to_string(entry.row) + ' ' + entry.name + '/' + std::to_string(size);
+            const std::string name = title(entry) + '/' + std::to_string(size);
             const Work work = entry.work(size);
             const auto ours = std::find_if(work.variants.begin(), work.variants.end(),
                                            [](const Variant &variant) { return variant.name == "ours"; });
-            if (ours->prepare)
-                ours->prepare();
+            const auto prepare = [&ours] {
+                if (ours->prepare)
+                    ours->prepare();
+            };
+            prepare();
+            ours->run(); // the heap comes to rest
+            prepare();
             CALLGRIND_START_INSTRUMENTATION;
             CALLGRIND_ZERO_STATS;
             ours->run();

@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# What scripts/run and scripts/test share. Source it after `set -euo pipefail`.
+# What scripts/run, scripts/test and scripts/benchmark share. Source it after `set -euo pipefail`.
 
 repository=$(cd -- "$(dirname -- "$(readlink -f -- "${BASH_SOURCE[0]}")")/.." && pwd)
 current_step=
