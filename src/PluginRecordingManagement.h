@@ -323,7 +323,6 @@ private:
     void *m_handle = nullptr; // the framework's, passed back with every command
     FrameworkWrapperBase *m_framework = nullptr; // not owned
     std::vector<RecordingGroupData> m_recordingGroups;
-    mutable std::optional<RecordingGroupIndex> m_groupIndex; // of m_recordingGroups; built when a query needs it
     QMap<QString, QSharedPointer<QStandardItemModel>> m_storageUsageModels;
     QMap<QString, QMap<QString, QSharedPointer<QStandardItemModel>>> m_groupVolumeModels;
     QStandardItemModel *m_volumeModel = nullptr;
@@ -334,4 +333,5 @@ private:
     QSharedPointer<RecordingGroupTreeModel> m_treeModel;
     QString m_addRequestId; // of the newest add of a NAS server; its reply alone counts
     int m_recordingGroupRetrieved = 0;
+    mutable std::optional<RecordingGroupIndex> m_groupIndex; // of m_recordingGroups; built when a query needs it
 };
