@@ -104,6 +104,7 @@ struct SmbClient::Context
 SmbClient::Context::Context(const SmbLogon &logon, std::chrono::milliseconds timeout)
     : words(wordsOf(logon))
 {
+    const std::lock_guard lock(SmbLibrary::creation());
     handle = smbc_new_context();
     if (!handle)
         throw std::bad_alloc();

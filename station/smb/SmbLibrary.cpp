@@ -139,6 +139,12 @@ void SmbLibrary::prepare()
     });
 }
 
+std::mutex &SmbLibrary::creation()
+{
+    static auto *const mutex = new std::mutex; // never destroyed, as the turns
+    return *mutex;
+}
+
 SmbLibrary::Turn::Turn()
 {
     constexpr std::chrono::seconds patience(2);
