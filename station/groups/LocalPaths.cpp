@@ -3,22 +3,17 @@
 #include "Directories.h"
 #include "StationProtocol.h"
 #include "VolumeSource.h"
+#include "WriteTrial.h"
 
 #include <QThread>
-#include <QUuid>
 
 #include <cerrno>
 #include <filesystem>
 #include <vector>
 
-#include <fcntl.h>
-#include <unistd.h>
-
 namespace fs = std::filesystem;
 
 namespace {
-constexpr size_t probeSize = 4096; // less may find room beside a file's name on a volume that is full
-
 PathFacts refused(const QString &returnCode, const QString &reason = {})
 {
     return {returnCode, reason, {}, 0, {}};
@@ -48,33 +43,6 @@ PathFacts notFound(const std::error_code &error)
     }
 }
 
-bool writeAll(int file)
-{
-    const std::vector<char> content(probeSize);
-    size_t written = 0;
-    while (written < content.size()) {
-        const ssize_t count = write(file, content.data() + written, content.size() - written);
-        if (count < 0 && errno != EINTR)
-            return false;
-        written += count > 0 ? static_cast<size_t>(count) : 0;
-    }
-    return fsync(file) == 0; // network and thin volumes say only then that they are full
-}
-
-/// Writes a small file into @p folder; 0, or the number of the error that stopped it.
-int tryToWrite(const fs::path &folder)
-{
-    const QByteArray name = ".recording-station-" + QUuid::createUuid().toByteArray(QUuid::Id128);
-    const fs::path path = folder / name.toStdString();
-    const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-    if (file < 0)
-        return errno;
-    // Removed before it is written: nothing is left in the folder even when the station is killed here.
-    int error = unlink(path.c_str()) == 0 && writeAll(file) ? 0 : errno;
-    if (close(file) != 0 && error == 0)
-        error = errno;
-    return error;
-}
 struct Place
 {
     PathFacts facts;
@@ -113,7 +81,7 @@ PathFacts LocalPaths::look(const QString &path) const
     const Place place = placeOf(path, m_volumes);
     if (place.facts.returnCode != StationReturnCode::Success)
         return place.facts;
-    if (const int error = place.isReadOnly ? EROFS : tryToWrite(path.toStdString()))
+    if (const int error = place.isReadOnly ? EROFS : WriteTrial::tryFolder(path.toStdString()))
         return notWritable(error);
     return place.facts;
 }

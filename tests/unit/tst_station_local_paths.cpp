@@ -3,6 +3,7 @@
 #include "groups/FolderNames.h"
 #include "groups/LocalPaths.h"
 #include "groups/PathText.h"
+#include "groups/WriteTrial.h"
 
 #include <QDir>
 #include <QFile>
@@ -13,6 +14,10 @@
 #include <csignal>
 #include <memory>
 
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/inotify.h>
+#include <sys/ioctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -62,6 +67,9 @@ private slots:
     void aFolderThatTakesNoFiles_data();
     void aFolderThatTakesNoFiles();
     void aFileThatCannotBeFilledLeavesNothing();
+    void aTrialHasNoName();
+    void aTrialWithANameLeavesNothing();
+    void aFolderThatKeepsItsFiles();
     void bytesAreCounted();
 
 private:
@@ -282,6 +290,57 @@ void StationLocalPathsTest::aFileThatCannotBeFilledLeavesNothing()
     std::signal(SIGXFSZ, handler);
     QVERIFY(isReset);
     QCOMPARE(text(facts), QStringLiteral("PathNotWritable|CannotCreate||0|"));
+    QCOMPARE(everything(), before);
+}
+
+/// A process that is killed at a bad moment would leave what has a name.
+void StationLocalPathsTest::aTrialHasNoName()
+{
+    const QString folder = path(QStringLiteral("disk/a"));
+    const int nameless = open(QFile::encodeName(folder).constData(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
+    if (nameless < 0)
+        QSKIP("the file system of the temporary folder cannot do without names");
+    close(nameless);
+    const int watch = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    QVERIFY(inotify_add_watch(watch, QFile::encodeName(folder).constData(), IN_CREATE | IN_DELETE) >= 0);
+    QCOMPARE(m_paths->look(folder).returnCode, QStringLiteral("0"));
+    alignas(inotify_event) char events[4096];
+    QVERIFY(read(watch, events, sizeof events) < 0);
+    QCOMPARE(WriteTrial::tryNamed(folder.toStdString()), 0);
+    QVERIFY(read(watch, events, sizeof events) > 0); // it would have been seen
+    close(watch);
+}
+
+void StationLocalPathsTest::aTrialWithANameLeavesNothing()
+{
+    const QStringList before = everything();
+    QCOMPARE(WriteTrial::tryNamed(path(QStringLiteral("disk/a")).toStdString()), 0);
+    QCOMPARE(WriteTrial::tryNamed(path(QStringLiteral("disk/none")).toStdString()), ENOENT);
+    QCOMPARE(WriteTrial::tryFolder(path(QStringLiteral("disk/none")).toStdString()), ENOENT);
+    QCOMPARE(WriteTrial::tryFolder(path(QStringLiteral("disk/file")).toStdString()), ENOTDIR);
+    QCOMPARE(everything(), before);
+}
+
+void StationLocalPathsTest::aFolderThatKeepsItsFiles()
+{
+    const QString folder = path(QStringLiteral("disk/a"));
+    const QStringList before = everything();
+    const int file = open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    int flags = 0;
+    QVERIFY(file >= 0);
+    const bool isKnown = ioctl(file, FS_IOC_GETFLAGS, &flags) == 0;
+    const int appendOnly = flags | FS_APPEND_FL;
+    if (!isKnown || ioctl(file, FS_IOC_SETFLAGS, &appendOnly) != 0) {
+        close(file);
+        QSKIP("only root, on a file system that knows the flag, can make a folder that keeps its files");
+    }
+    const PathFacts facts = m_paths->look(folder);
+    const int named = WriteTrial::tryNamed(folder.toStdString());
+    const bool isReset = ioctl(file, FS_IOC_SETFLAGS, &flags) == 0;
+    close(file);
+    QVERIFY(isReset);
+    QCOMPARE(text(facts), QStringLiteral("PathNotWritable|PermissionDenied||0|"));
+    QCOMPARE(named, EPERM);
     QCOMPARE(everything(), before);
 }
 
