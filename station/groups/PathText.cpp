@@ -11,7 +11,10 @@ bool beginsOnTheNetwork(const QString &path)
 
 QString keptPath(const QString &path)
 {
-    const QString slashes = QString(path).replace(u'\\', u'/');
+    static const QString scheme = QStringLiteral("smb:");
+    QString slashes = QString(path).replace(u'\\', u'/');
+    if (slashes.startsWith(scheme, Qt::CaseInsensitive) && beginsOnTheNetwork(slashes.mid(scheme.size())))
+        slashes.remove(0, scheme.size());
     const QString names = slashes.split(u'/', Qt::SkipEmptyParts).join(u'/');
     if (beginsOnTheNetwork(slashes))
         return QStringLiteral("//") + names;

@@ -130,6 +130,10 @@ void StationLocalPathsTest::pathsAreWrittenInOneWay_data()
     row("//nas/rec", "//nas/rec");
     row("\\\\nas\\rec\\a\\", "//nas/rec/a");
     row("//nas//rec/", "//nas/rec");
+    row("smb://nas/rec/a", "//nas/rec/a");
+    row("SMB:\\\\nas\\rec\\", "//nas/rec");
+    row("smb:///rec", "smb:/rec");
+    row("smb:/nas/rec", "smb:/nas/rec");
     row("srv/rec/", "srv/rec");
     row("", "");
 }
