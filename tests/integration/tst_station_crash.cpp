@@ -45,6 +45,8 @@ class StationCrashTest : public QObject
 private slots:
     void init();
     void aKilledStationForgetsNothing();
+    void anEditThatWasNotAcknowledgedIsWhole_data();
+    void anEditThatWasNotAcknowledgedIsWhole();
 
 private:
     QString data() const { return m_folder->filePath(QStringLiteral("data")); }
@@ -127,6 +129,30 @@ void StationCrashTest::aKilledStationForgetsNothing()
         const QDir folder(EditSequence::folder(volume(), number));
         QCOMPARE(folder.entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot), QStringList());
     }
+}
+
+void StationCrashTest::anEditThatWasNotAcknowledgedIsWhole_data()
+{
+    QTest::addColumn<int>("edit");
+    QTest::newRow("a group was added") << 40;
+    QTest::newRow("a group was updated") << 41;
+    QTest::newRow("a path was added") << 42;
+    QTest::newRow("a group was renamed") << 43;
+    QTest::newRow("a group was removed") << 47;
+}
+
+/// The moment between an edit and its answer, which a kill from outside seldom meets.
+void StationCrashTest::anEditThatWasNotAcknowledgedIsWhole()
+{
+    QFETCH(int, edit);
+    QProcess station;
+    station.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    station.start(QStringLiteral(EDITING_STATION), {data(), volume(), QStringLiteral("0"), QString::number(edit)});
+    QVERIFY(station.waitForFinished(patience));
+    QCOMPARE(station.exitStatus(), QProcess::CrashExit);
+    QCOMPARE(station.readAllStandardOutput().trimmed().split('\n').back().toInt(), edit - 1);
+    QCOMPARE(stored(), texts(EditSequence::groupsAfter(edit + 1, volume())));
+    QVERIFY(runUntilKilled(edit + 1, edit + 10, 0) > edit + 10); // and the next one goes on from there
 }
 
 QTEST_GUILESS_MAIN(StationCrashTest)

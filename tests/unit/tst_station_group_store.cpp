@@ -5,6 +5,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <future>
 #include <memory>
 
 /// Recording groups and cameras as rows of the database: what is written is read again, by this station or the next.
@@ -26,6 +27,7 @@ private slots:
     void aMemberKeepsItsCamera();
     void namesAndPathsAreUnique();
     void whatIsReadIsOfOneMoment();
+    void groupsAreReadAtOneMoment();
 
 private:
     QString folder() const { return m_folder->path(); }
@@ -234,6 +236,45 @@ void StationGroupStoreTest::whatIsReadIsOfOneMoment()
     QCOMPARE(m_store->groups().size(), 1);
     transaction.commit();
     QCOMPARE(m_store->groups().size(), 1);
+}
+
+/// Everything of a group changes again and again, in one transaction each, while it is read: no reading finds its name
+/// of one moment and its lists of another.
+void StationGroupStoreTest::groupsAreReadAtOneMoment()
+{
+    const auto version = [](const QString &word) {
+        RecordingGroup group = named(QStringLiteral("group"));
+        group.name = word;
+        group.paths = {{u'/' + word, PathKind::Local, 0, false}};
+        group.members = {{word, 0, false, false}};
+        group.nodeIds = {word};
+        return group;
+    };
+    const QStringList words{QStringLiteral("Gate"), QStringLiteral("Yard")};
+    m_store->insert(version(words.at(0)));
+
+    constexpr int changes = 400;
+    auto writing = std::async(std::launch::async, [this, &version, &words] {
+        Database database(folder());
+        database.run(QStringLiteral("PRAGMA synchronous = OFF")); // a slow disk would leave the reader alone
+        GroupStore store(database);
+        for (int change = 1; change <= changes; ++change) {
+            Transaction transaction(database);
+            store.replace(version(words.at(change % 2)));
+            transaction.commit();
+        }
+    });
+    QStringList seen;
+    while (writing.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
+        const RecordingGroup group = m_store->groups().value(0);
+        QCOMPARE(group.paths.value(0).path, u'/' + group.name);
+        QCOMPARE(group.members.value(0).camera, group.name);
+        QCOMPARE(group.nodeIds, QStringList{group.name});
+        if (!seen.contains(group.name))
+            seen.append(group.name);
+    }
+    writing.get();
+    QCOMPARE(seen.size(), 2);
 }
 
 QTEST_GUILESS_MAIN(StationGroupStoreTest)
