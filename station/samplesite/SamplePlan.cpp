@@ -9,7 +9,7 @@ namespace {
 constexpr qint64 megabyte = 1024 * 1024;
 constexpr qint64 gigabyte = 1024 * megabyte;
 constexpr qint64 leastForReserves = 20 * gigabyte; // of a smaller volume a reserve of whole gigabytes takes too much
-constexpr qint64 leastPerDay = 64 * megabyte; // of a group, where the volume is full
+constexpr qint64 leastPerDay = 4 * megabyte; // of a group, where the volume is full
 constexpr int filesPerDay = 24;
 constexpr int percent = 100;
 
@@ -23,10 +23,11 @@ struct Row
     int reservedPercent; // of the volume
 };
 
+/// Where the volume is full, there are no remaining days: the recorded days alone have to tell who is short.
 const QList<Row> &rows()
 {
     static const QList<Row> table{
-        {"Entrances", {QStringLiteral("Main entrance"), QStringLiteral("Side entrance")}, 14, 10, 30, 10},
+        {"Entrances", {QStringLiteral("Main entrance"), QStringLiteral("Side entrance")}, 10, 14, 30, 10},
         {"Parking", {QStringLiteral("Parking deck")}, 30, 9, 8, 10},
         {"Warehouse", {QStringLiteral("Warehouse")}, 7, 12, 21, 5},
     };
@@ -37,7 +38,7 @@ qint64 reservedMegabytes(const Row &row, const Volume &volume)
 {
     if (volume.bytesTotal < leastForReserves)
         return 0;
-    return volume.bytesTotal * row.reservedPercent / percent / gigabyte * (gigabyte / megabyte);
+    return volume.bytesTotal / gigabyte * row.reservedPercent / percent * (gigabyte / megabyte);
 }
 } // namespace
 

@@ -2,11 +2,13 @@
 
 #include "SampleFiles.h"
 #include "StationData.h"
+#include "StationLog.h"
 #include "StationProtocol.h"
 #include "groups/FolderNames.h"
 #include "groups/GroupStore.h"
 #include "store/Database.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QUuid>
 
@@ -28,7 +30,27 @@ RecordingGroup recordingGroup(const SampleGroup &sample, const QString &path)
     group.isReservedTimeEnabled = true;
     return group;
 }
+
+/// What is there already is somebody's: recordings of groups that were removed, or of an attempt that was cut off
+/// before there were groups.
+QString freeFolder(const QString &name)
+{
+    QString folder = name;
+    for (int number = 2; QFileInfo::exists(folder); ++number)
+        folder = QStringLiteral("%1-%2").arg(name).arg(number);
+    return folder;
+}
+
+/// Says that the station had its sample site, so that nobody gives it another one unasked.
+void leaveMark(const QString &dataFolder)
+{
+    const QString path = dataFolder + u'/' + SampleSite::mark;
+    if (!QFile(path).open(QIODevice::WriteOnly))
+        qCWarning(stationLog, "The file %s cannot be made.", qPrintable(path));
+}
 } // namespace
+
+const QString SampleSite::mark = QStringLiteral("sample-site-offered");
 
 SampleSite::SampleSite(StationData &data, const VolumeSource &volumes, Changed groupsChanged)
     : m_data(data)
@@ -68,7 +90,7 @@ QString SampleSite::create()
     if (!volume)
         return StationReturnCode::OutsideVolumes;
 
-    const QString folder = dataFolder + QStringLiteral("/sample");
+    const QString folder = freeFolder(dataFolder + QStringLiteral("/sample"));
     const QList<SampleGroup> groups = sampleGroups(*volume);
     SampleFiles files(folder);
     if (const QString failure = files.write(groups, QDateTime::currentDateTime()); !failure.isEmpty())
@@ -82,5 +104,6 @@ QString SampleSite::create()
         return StationReturnCode::DirectoryExists;
     transaction.commit();
     files.keep();
+    leaveMark(dataFolder);
     return StationReturnCode::Success;
 }

@@ -62,6 +62,7 @@ private slots:
     void aSiteIsNotTouched_data();
     void aSiteIsNotTouched();
     void aFolderInTheWayIsKept();
+    void aMarkIsLeft();
     void outsideVolumes();
     void otherDataIsRefused();
 
@@ -136,10 +137,13 @@ void SampleSiteTest::usageOnAnyDisk_data()
 {
     QTest::addColumn<qint64>("total");
     QTest::addColumn<qint64>("free");
+    QTest::newRow("a full one") << 4 * gigabyte << qint64(0);
+    QTest::newRow("a tiny one") << gigabyte / 4 << gigabyte / 8;
     QTest::newRow("a small one") << 4 * gigabyte << 2 * gigabyte;
     QTest::newRow("a laptop's") << 20 * gigabyte << 6 * gigabyte;
     QTest::newRow("a desktop's") << 1000 * gigabyte << 300 * gigabyte;
     QTest::newRow("a server's") << 20'000 * gigabyte << 19'000 * gigabyte;
+    QTest::newRow("a huge one") << 2'000'000 * gigabyte << 1'900'000 * gigabyte;
 }
 
 void SampleSiteTest::usageOnAnyDisk()
@@ -160,7 +164,10 @@ void SampleSiteTest::usageOnAnyDisk()
     const QMap<QString, GroupUsage> groups = usageIn(entries);
     for (auto usage = groups.cbegin(); usage != groups.cend(); ++usage) {
         const qint64 days = usage->recordedDays + usage->remainingDays;
-        QVERIFY2(usage->remainingDays >= 6 && usage->remainingDays <= 40, qPrintable(usage.key()));
+        if (free == 0)
+            QCOMPARE(usage->remainingDays, 0);
+        else
+            QVERIFY2(usage->remainingDays >= 6 && usage->remainingDays <= 40, qPrintable(usage.key()));
         QVERIFY2(usage->recordedDays >= 7 && usage->recordedDays <= 14, qPrintable(usage.key()));
         shortGroups += days < usage->reservedDays ? 1 : 0;
         QVERIFY2(qAbs(days - usage->reservedDays) > 3, "neither enough nor too little by a hair's breadth");
@@ -247,13 +254,31 @@ void SampleSiteTest::aSiteIsNotTouched()
 
 void SampleSiteTest::aFolderInTheWayIsKept()
 {
-    QVERIFY(QDir().mkpath(dataFolder() + u"/sample/mine"_s));
+    // As an attempt leaves it that was cut off before the groups were stored.
+    QVERIFY(QDir().mkpath(dataFolder() + u"/sample/recordings/mine"_s));
+    QVERIFY(QDir().mkpath(dataFolder() + u"/sample-2"_s));
     const auto owner = station();
-    QCOMPARE(create(*owner).returnCode, StationReturnCode::DirectoryExists);
-    QVERIFY(QFileInfo::exists(dataFolder() + u"/sample/mine"_s));
-    checkNothingIsThere();
-    QVERIFY(QDir(dataFolder() + u"/sample"_s).removeRecursively());
     QCOMPARE(create(*owner).returnCode, u"0"_s);
+    QCOMPARE(QDir(dataFolder() + u"/sample/recordings"_s).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+             QStringList{u"mine"_s});
+    QVERIFY(QDir(dataFolder() + u"/sample-2"_s).isEmpty());
+    Database database(dataFolder());
+    const QString path = GroupStore(database).groups().constFirst().paths.constFirst().path;
+    QCOMPARE(path, dataFolder() + u"/sample-3/recordings"_s);
+    QVERIFY(!QDir(path).isEmpty());
+}
+
+void SampleSiteTest::aMarkIsLeft()
+{
+    const QString mark = dataFolder() + u"/sample-site-offered"_s;
+    {
+        Station outside(StationSettings{dataFolder(), {}, std::make_unique<FakeVolumes>()});
+        QCOMPARE(create(outside).returnCode, StationReturnCode::OutsideVolumes);
+        QVERIFY(!QFileInfo::exists(mark));
+    }
+    const auto owner = station();
+    QCOMPARE(create(*owner).returnCode, u"0"_s);
+    QVERIFY(QFileInfo::exists(mark));
 }
 
 void SampleSiteTest::outsideVolumes()
