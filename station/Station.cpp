@@ -29,7 +29,7 @@ Station::Station(StationSettings settings, QObject *parent)
     , m_nasWork(settings.nasTimeLimit)
     , m_hostPaths(PathKind::NetHost, m_nasAccounts, m_nasWork)
     , m_domainPaths(PathKind::NetDomain, m_nasAccounts, m_nasWork)
-    , m_usage(*m_volumes, m_data, std::move(settings.usage))
+    , m_usage(*m_volumes, m_data, m_nasAccounts, m_nasWork, std::move(settings.usage))
     , m_groupCommands(m_data, PathChecks{&m_localPaths, &m_hostPaths, &m_domainPaths}, settings.relayPath,
                       [this] { m_usage.groupsChanged(); })
     , m_cameraCommands(m_data)

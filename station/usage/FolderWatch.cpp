@@ -58,12 +58,12 @@ void FolderWatch::watchFile(const QString &path, const QString &name)
 void FolderWatch::forget(const QString &path)
 {
     const QString below = path + u'/';
-    const auto isMeant = [&](const QString &folder) { return folder == path || folder.startsWith(below); };
     QStringList paths;
-    for (auto folder = m_inodes.cbegin(); folder != m_inodes.cend(); ++folder) {
-        if (isMeant(folder.key()))
-            paths.append(folder.key());
-    }
+    if (m_inodes.contains(path))
+        paths.append(path);
+    for (auto folder = m_inodes.lowerBound(below); folder != m_inodes.cend() && folder.key().startsWith(below);
+         ++folder)
+        paths.append(folder.key());
     for (const QString &folder : std::as_const(paths)) {
         m_inodes.remove(folder);
         if (const QString file = m_files.take(folder); !file.isEmpty())

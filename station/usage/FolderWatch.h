@@ -2,6 +2,7 @@
 
 #include <QFileSystemWatcher>
 #include <QHash>
+#include <QMap>
 #include <QObject>
 
 /// Hears of changes directly in folders, and of the growth of single files. Each folder is one watch of the system,
@@ -30,7 +31,7 @@ private:
     void add(const QString &path);
 
     QFileSystemWatcher m_watcher;
-    QHash<QString, quint64> m_inodes; // of the folders
+    QMap<QString, quint64> m_inodes; // of the folders, those below one behind each other
     QHash<QString, QString> m_files; // name by folder
     bool m_hasToldOfLimit = false;
 };

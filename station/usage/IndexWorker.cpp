@@ -10,8 +10,6 @@
 #include <utility>
 
 namespace {
-constexpr qint64 sliceLength = 50; // milliseconds
-
 bool isEnding()
 {
     return QThread::currentThread()->isInterruptionRequested();
@@ -20,6 +18,7 @@ bool isEnding()
 
 IndexWorker::IndexWorker(QString dataFolder, const UsageSettings &settings)
     : m_dataFolder(std::move(dataFolder))
+    , m_sliceTime(settings.sliceTime)
     , m_progressInterval(settings.progressInterval)
     , m_watch(this)
     , m_settle(this)
@@ -132,10 +131,12 @@ void IndexWorker::workSlice()
     }
     QElapsedTimer slice;
     slice.start();
-    while (!m_tasks.empty() && slice.elapsed() < sliceLength && !isEnding()) {
+    while (!m_tasks.empty() && !isEnding()) {
         const Task task = std::move(m_tasks.front());
         m_tasks.pop_front();
         runTask(task);
+        if (slice.elapsed() >= m_sliceTime.count())
+            break;
     }
     if (isEnding())
         return m_turn.stop();

@@ -61,6 +61,7 @@ private:
     void tellProgress(bool isRunning);
 
     QString m_dataFolder;
+    std::chrono::milliseconds m_sliceTime;
     std::chrono::milliseconds m_progressInterval;
     std::unique_ptr<Database> m_database;
     std::optional<RecordingIndex> m_index;

@@ -9,18 +9,13 @@
 
 #include <utility>
 
-namespace {
-QString shareOf(const QString &nasPath)
-{
-    return QStringLiteral("//") + nasPath.section(u'/', 2, 3);
-}
-} // namespace
-
-StorageUsage::StorageUsage(const VolumeSource &volumes, StationData &data, UsageSettings settings, QObject *parent)
+StorageUsage::StorageUsage(const VolumeSource &volumes, StationData &data, NasAccounts &accounts, TimedWork &work,
+                           UsageSettings settings, QObject *parent)
     : QObject(parent)
     , m_volumes(volumes)
     , m_data(data)
     , m_settings(std::move(settings))
+    , m_nasVolumes(accounts, work, m_settings.nasInterval, this)
     , m_groupsTimer(this)
     , m_tellTimer(this)
     , m_volumeTimer(this)
@@ -32,6 +27,10 @@ StorageUsage::StorageUsage(const VolumeSource &volumes, StationData &data, Usage
     connect(&m_volumeTimer, &QTimer::timeout, this, &StorageUsage::look);
     m_groupsTimer.setSingleShot(true);
     connect(&m_groupsTimer, &QTimer::timeout, this, &StorageUsage::followGroups);
+    connect(&m_nasVolumes, &NasVolumes::answered, this, [this] {
+        tell();
+        answerReload();
+    });
     const auto start = [this] {
         if (m_data.isDatabaseThere()) // else there are no groups
             groupsChanged();
@@ -62,14 +61,32 @@ void StorageUsage::reload(const QVariant &data, const Answer &answer)
 
 void StorageUsage::readThrough()
 {
-    look();
-    if (!m_worker) {
-        m_isOwed = true;
-        return tell();
+    if (m_groupsTimer.isActive()) { // an edit that came before is to be seen in the answer
+        m_groupsTimer.stop();
+        followGroups();
     }
-    ++m_ticket;
-    QMetaObject::invokeMethod(m_worker.get(),
-                              [worker = m_worker.get(), ticket = m_ticket] { worker->reconcile(ticket); });
+    look();
+    m_nasVolumes.askAll();
+    // What is known before the answer waits for it, as long as events are apart anyway.
+    if (!std::exchange(m_isAwaited, true))
+        m_tellTimer.start(m_settings.tellInterval);
+    if (m_worker) {
+        m_isReading = true;
+        ++m_ticket;
+        QMetaObject::invokeMethod(m_worker.get(),
+                                  [worker = m_worker.get(), ticket = m_ticket] { worker->reconcile(ticket); });
+    }
+    answerReload();
+}
+
+void StorageUsage::answerReload()
+{
+    if (!m_isAwaited || m_isReading || m_nasVolumes.isAsking())
+        return;
+    m_isAwaited = false;
+    m_isOwed = true;
+    m_tellTimer.stop();
+    tell();
 }
 
 void StorageUsage::groupsChanged()
@@ -103,6 +120,7 @@ void StorageUsage::readGroups()
         m_places.emplace(database, m_volumes);
     m_groups = GroupStore(database).groups();
     m_places->update(m_groups, m_settings.backupFolder);
+    m_nasVolumes.setGroups(m_groups);
 }
 
 void StorageUsage::startWorker()
@@ -116,8 +134,8 @@ void StorageUsage::startWorker()
     connect(m_worker.get(), &IndexWorker::reconciled, this, [this](quint64 ticket) {
         if (ticket != m_ticket)
             return;
-        m_isOwed = true;
-        tell();
+        m_isReading = false;
+        answerReload();
     });
     connect(m_worker.get(), &IndexWorker::placeLeft, this, &StorageUsage::look);
     connect(m_worker.get(), &IndexWorker::progressed, this, [this](qint64 done, qint64 total, bool isRunning) {
@@ -231,8 +249,11 @@ QList<UsagePlace> StorageUsage::usagePlaces() const
             usage.path = path.path;
             usage.reservedMegabytes = path.reservedMegabytes;
             usage.isNas = path.kind != PathKind::Local;
-            if (usage.isNas)
-                usage.volume.name = shareOf(path.path);
+            if (usage.isNas) {
+                const PlaceState state = m_nasVolumes.state(path);
+                usage.storage = state.storage;
+                usage.volume = state.volume;
+            }
             places.append(usage);
         }
     }

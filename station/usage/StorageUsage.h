@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CommandTable.h"
+#include "NasVolumes.h"
 #include "RecordingIndex.h"
 #include "RecordingPlaces.h"
 #include "UsageSettings.h"
@@ -23,8 +24,11 @@ class StorageUsage : public QObject
 {
     Q_OBJECT
 public:
-    /// @param volumes, @param data must outlive this object; nothing happens before the thread's event loop turns
-    StorageUsage(const VolumeSource &volumes, StationData &data, UsageSettings settings, QObject *parent = nullptr);
+    /// @param volumes, @param data, @param accounts, @param work must outlive this object; nothing happens before the
+    /// thread's event loop turns
+    /// @param work asks NAS servers
+    StorageUsage(const VolumeSource &volumes, StationData &data, NasAccounts &accounts, TimedWork &work,
+                 UsageSettings settings, QObject *parent = nullptr);
     ~StorageUsage() override;
 
     /// The entry refers to this object.
@@ -44,6 +48,7 @@ private:
     void readThrough();
     void look();
     void giveToWorker();
+    void answerReload();
     void tell();
     void tellNow();
     QList<UsagePlace> usagePlaces() const;
@@ -55,10 +60,13 @@ private:
 
     QList<RecordingGroup> m_groups;
     std::optional<RecordingPlaces> m_places;
+    NasVolumes m_nasVolumes;
     QHash<qint64, PlaceState> m_states;
     PlaceSums m_sums;
     quint64 m_ticket = 0; // of the last reconcile
-    bool m_isOwed = false; // an event, whether figures changed or not
+    bool m_isReading = false; // all folders, for a client that waits
+    bool m_isAwaited = false; // by a client: the event that answers it
+    bool m_isOwed = false; // that event, now, whether figures changed or not
 
     QVariantList m_told;
     QElapsedTimer m_toldAt;

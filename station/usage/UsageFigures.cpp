@@ -77,8 +77,13 @@ void shareUsage(const QList<UsagePlace> &places, const QList<qsizetype> &members
     QSet<QDate> allDays;
     QSet<QDate> daysAtHand;
     qsizetype first = -1;
+    bool isPartOnNas = false;
     for (const qsizetype index : members) {
         const UsagePlace &place = places.at(index);
+        if (place.isNas) {
+            isPartOnNas = true;
+            continue;
+        }
         // Half of a group's figures would be a false alarm, or a false calm.
         if (place.storage == Storage::Unknown || (place.storage == Storage::Present && !place.days))
             return;
@@ -91,6 +96,9 @@ void shareUsage(const QList<UsagePlace> &places, const QList<qsizetype> &members
     }
     if (first >= 0)
         figures[first].recordedDays = daysAtHand.size();
+    // The rest of a day would promise more remaining days than there are.
+    if (isPartOnNas)
+        return;
 
     const QList<QDate> averaged = averagedDaysOf(allDays, today);
     if (averaged.isEmpty())

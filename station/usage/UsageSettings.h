@@ -15,8 +15,12 @@ struct UsageSettings
     std::chrono::milliseconds tellInterval = std::chrono::seconds(1);
     /// How often the volumes are looked at.
     std::chrono::milliseconds volumeInterval = std::chrono::seconds(5);
+    /// How often NAS servers are asked for the capacity of the groups' paths on them.
+    std::chrono::milliseconds nasInterval = std::chrono::minutes(1);
     /// How long changes in folders are gathered before the folders are read.
     std::chrono::milliseconds settleTime = std::chrono::milliseconds(300);
+    /// How long folders are read before the reading thread looks for what else there is to do.
+    std::chrono::milliseconds sliceTime = std::chrono::milliseconds(50);
     /// How long a run through the folders lasts before its progress is told, and how often it is told then.
     std::chrono::milliseconds progressInterval = std::chrono::milliseconds(500);
     /// The day that is not over yet; empty: the machine's.

@@ -18,7 +18,13 @@ struct SiteVolumes
 {
     QMutex mutex;
     QList<Volume> list;
+    int looks = 0; ///< at where a path lies
 
+    int looksSoFar()
+    {
+        const QMutexLocker lock(&mutex);
+        return looks;
+    }
     void set(const QList<Volume> &volumes)
     {
         const QMutexLocker lock(&mutex);
@@ -44,6 +50,10 @@ public:
     std::optional<Volume> volumeHolding(const QString &path) const override
     {
         std::optional<Volume> holder;
+        {
+            const QMutexLocker lock(&m_volumes->mutex);
+            ++m_volumes->looks;
+        }
         for (const Volume &volume : volumes()) {
             const bool isAbove = path == volume.path || path.startsWith(volume.path + u'/');
             if (isAbove && (!holder || volume.path.size() > holder->path.size()))

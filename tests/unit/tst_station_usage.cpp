@@ -43,6 +43,8 @@ private slots:
     void whatIsNoRecordingIsNotCounted();
     void reloadFindsWhatIsNotWatched();
     void reloadTellsAlwaysOnce();
+    void theFirstEventAfterReloadHasTheFigures();
+    void whatIsNotNewIsNotTold();
     void reloadRefusesData();
     void eventsKeepTheirDistance();
     void aVolumeThatVanishesAndReturns();
@@ -53,7 +55,7 @@ private slots:
     void leftoversBelongToNoGroupUntilTheyAreDeleted();
     void theBackupArea();
     void progressOfALongRun();
-    void theEndInTheMiddleOfARun();
+    void theEndDuringARun();
 
 private:
     void start(const std::function<void(UsageSettings &)> &adjust = {});
@@ -323,6 +325,29 @@ void StationUsageTest::reloadTellsAlwaysOnce()
     QCOMPARE(lines(), u"Doors 0 -1 1024000 614400"_s);
 }
 
+void StationUsageTest::theFirstEventAfterReloadHasTheFigures()
+{
+    RecordedSite::write(day(1), u"0001.rec"_s, 3000);
+    // What is known before has to wait so long that the answer overtakes it.
+    start([](UsageSettings &usage) { usage.tellInterval = std::chrono::hours(1); });
+    reload(); // before the station looked at anything
+    QTRY_COMPARE(m_events.size(), 1);
+    QCOMPARE(lines(), u"Doors 1 3000 1024000 614400"_s);
+}
+
+void StationUsageTest::whatIsNotNewIsNotTold()
+{
+    RecordedSite::write(day(1), u"0001.rec"_s, 3000);
+    start();
+    QTRY_COMPARE(lines(), u"Doors 1 3000 1024000 614400"_s);
+    const qsizetype before = m_events.size();
+    const int looks = m_site->volumes()->looksSoFar();
+    QTRY_VERIFY(m_site->volumes()->looksSoFar() > looks + 5);
+    QCOMPARE(m_events.size(), before);
+    m_site->setFree(500 * RecordedSite::megabyte);
+    QTRY_COMPARE(m_events.size(), before + 1);
+}
+
 void StationUsageTest::reloadRefusesData()
 {
     start();
@@ -336,6 +361,7 @@ void StationUsageTest::eventsKeepTheirDistance()
 {
     static constexpr qint64 interval = 200;
     start([](UsageSettings &usage) { usage.tellInterval = std::chrono::milliseconds(interval); });
+    QTRY_COMPARE(lines(), u"Doors 0 -1 1024000 614400"_s);
     QList<qint64> times;
     QElapsedTimer clock;
     clock.start();
@@ -352,7 +378,7 @@ void StationUsageTest::eventsKeepTheirDistance()
     });
     recorder.start(15);
     QTRY_COMPARE(lines(), u"Doors 1 4000 1024000 614400"_s); // the latest comes
-    QVERIFY(times.size() >= 2);
+    QVERIFY(!times.isEmpty());
     for (qsizetype i = 1; i < times.size(); ++i)
         QVERIFY2(times.at(i) - times.at(i - 1) >= interval - 5, qPrintable(QString::number(times.at(i))));
 }
@@ -470,26 +496,34 @@ void StationUsageTest::progressOfALongRun()
     QCOMPARE(m_progress.size(), 0); // a short run has none
     m_station.reset();
 
-    start([](UsageSettings &usage) { usage.progressInterval = std::chrono::milliseconds(1); });
+    // After each folder, however fast folders are read.
+    start([](UsageSettings &usage) {
+        usage.sliceTime = std::chrono::milliseconds(0);
+        usage.progressInterval = std::chrono::milliseconds(0);
+    });
     QTRY_VERIFY(!m_progress.isEmpty() && !m_progress.constLast()[u"running"_s].toBool());
     const QVariantMap last{{u"done"_s, qint64(20'000)}, {u"total"_s, qint64(20'000)}, {u"running"_s, false}};
     QCOMPARE(m_progress.constLast(), last);
-    const QVariantMap first = m_progress.constFirst();
-    QVERIFY(first[u"running"_s].toBool());
-    QVERIFY(first[u"done"_s].toLongLong() > 0 && first[u"done"_s].toLongLong() < 20'000);
-    QCOMPARE(first[u"total"_s].toLongLong(), 20'000);
+    QVERIFY(m_progress.size() > 200);
+    qint64 before = 0;
+    for (const QVariantMap &progress : std::as_const(m_progress)) {
+        QVERIFY(progress[u"done"_s].toLongLong() >= before);
+        QCOMPARE(progress[u"total"_s].toLongLong(), 20'000);
+        before = progress[u"done"_s].toLongLong();
+    }
+    const QVariantMap middle{{u"done"_s, qint64(10'000)}, {u"total"_s, qint64(20'000)}, {u"running"_s, true}};
+    QVERIFY(m_progress.contains(middle));
 }
 
-void StationUsageTest::theEndInTheMiddleOfARun()
+void StationUsageTest::theEndDuringARun()
 {
     makeManyFiles();
-    start([](UsageSettings &usage) { usage.progressInterval = std::chrono::milliseconds(1); });
+    start([](UsageSettings &usage) {
+        usage.sliceTime = std::chrono::milliseconds(0);
+        usage.progressInterval = std::chrono::milliseconds(0);
+    });
     QTRY_VERIFY(!m_progress.isEmpty());
-    QVERIFY(m_progress.constLast()[u"running"_s].toBool());
-    QElapsedTimer clock;
-    clock.start();
     m_station.reset();
-    QVERIFY2(clock.elapsed() < 1000, qPrintable(QString::number(clock.elapsed())));
     start(); // and goes on where it ended
     QTRY_VERIFY(lines().startsWith(u"Doors 200 "_s));
 }

@@ -63,6 +63,13 @@ UsagePlace nas(const QString &group, const QString &path)
     return place;
 }
 
+UsagePlace onShare(UsagePlace place)
+{
+    place.storage = UsagePlace::Storage::Present;
+    place.volume = {u"//nas:0/rec"_s, u"//nas/rec"_s, 2000 * kilobyte, 800 * kilobyte, false, false};
+    return place;
+}
+
 /// One line for an entry: group, path, size and free KB, bytes of a day, days.
 QStringList lines(const QVariantList &entries)
 {
@@ -160,9 +167,19 @@ void UsageFiguresTest::figures_data()
     QTest::newRow("one path of a group not read: nothing known of the group")
         << Places{with(place(u"a"_s, u"/v/1"_s, u"/v"_s), three), unread(place(u"a"_s, u"/w/1"_s, u"/w"_s))}
         << QStringList{u"a /v/1 1000 600 -1 -1"_s, u"a /w/1 1000 600 -1 -1"_s};
-    QTest::newRow("NAS: nothing known of it, nor of its group")
-        << Places{with(place(u"a"_s, u"/v/1"_s), three), nas(u"a"_s, u"//nas/rec/a"_s)}
-        << QStringList{u"a /v/1 1000 600 -1 -1"_s, u"a //nas/rec/a -1 -1 -1 -1"_s};
+    QTest::newRow("NAS: its files are not known, the days elsewhere are")
+        << Places{nas(u"a"_s, u"//nas/rec/a"_s), with(place(u"a"_s, u"/v/1"_s), three)}
+        << QStringList{u"a //nas/rec/a -1 -1 -1 -1"_s, u"a /v/1 1000 600 -1 3"_s};
+    QTest::newRow("NAS only: neither days nor usage")
+        << Places{onShare(nas(u"a"_s, u"//nas/rec/a"_s))} << QStringList{u"a //nas/rec/a 2000 800 -1 -1"_s};
+    QTest::newRow("groups on one share") << Places{onShare(nas(u"a"_s, u"//nas/rec/a"_s)),
+                                                   reserving(onShare(nas(u"b"_s, u"//nas/rec/b"_s)), 1024),
+                                                   reserving(onShare(nas(u"c"_s, u"//NAS/rec/c"_s)), 3072)}
+                                         << QStringList{u"a //nas/rec/a 2000 0 -1 -1"_s,
+                                                        u"b //nas/rec/b 2000 200 -1 -1"_s,
+                                                        u"c //NAS/rec/c 2000 600 -1 -1"_s};
+    QTest::newRow("NAS that does not answer")
+        << Places{gone(nas(u"a"_s, u"//nas/rec/a"_s))} << QStringList{u"a //nas/rec/a 0 0 -1 -1"_s};
 
     QTest::newRow("shares in proportion to reserves")
         << Places{reserving(place(u"a"_s, u"/v/1"_s), 1024), reserving(place(u"b"_s, u"/v/2"_s), 2048),

@@ -1,0 +1,158 @@
+#include "RecordedSite.h"
+#include "usage/FolderReader.h"
+#include "usage/FolderWatch.h"
+#include "usage/IndexWorker.h"
+#include "usage/RecordingPlaces.h"
+
+#include <QRegularExpression>
+#include <QSignalSpy>
+#include <QTest>
+#include <QThread>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+const QDate day(2026, 3, 19);
+constexpr int manyFiles = 5000;
+
+/// Runs @p work on a thread that was asked to end before.
+void runOnEndingThread(const std::function<void()> &work)
+{
+    const std::unique_ptr<QThread> thread(QThread::create([&work] {
+        QThread::currentThread()->requestInterruption();
+        work();
+    }));
+    thread->start();
+    thread->wait();
+}
+} // namespace
+
+/// The reading of folders into the index, at the moments that only come by chance in a station.
+class IndexWorkerTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void aPlaceOnAnotherFileSystemKeepsItsIndex();
+    void anEndingThreadReadsNoFolderToItsEnd();
+    void anEndingThreadBeginsNoReading();
+    void aFolderThatReplacesAnotherIsWatched();
+
+private:
+    void makeManyFiles() const;
+    void fillIndex();
+    qint64 knownFiles();
+
+    std::unique_ptr<RecordedSite> m_site;
+    std::unique_ptr<Database> m_database;
+    std::unique_ptr<SiteVolumeSource> m_volumes;
+    IndexedPlace m_place;
+};
+
+void IndexWorkerTest::init()
+{
+    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    m_site = std::make_unique<RecordedSite>();
+    const QString path = m_site->makePath(u"rec"_s);
+    m_site->addGroup(u"Doors"_s, {path});
+    RecordedSite::write(RecordedSite::dayFolder(path, u"Doors"_s, u"Gate"_s, day), u"0001.rec"_s, 3000);
+    m_database = std::make_unique<Database>(m_site->dataFolder());
+    m_volumes = std::make_unique<SiteVolumeSource>(m_site->volumes());
+    RecordingPlaces places(*m_database, *m_volumes);
+    places.update(GroupStore(*m_database).groups(), {});
+    const RecordingPlace place = places.places().constFirst();
+    m_place = {place.number, path, place.root(), true, identify(path).device};
+}
+
+void IndexWorkerTest::cleanup()
+{
+    m_database.reset();
+    m_site.reset();
+}
+
+void IndexWorkerTest::makeManyFiles() const
+{
+    const QString folder = RecordedSite::dayFolder(m_place.path, u"Doors"_s, u"Gate"_s, day);
+    for (int number = 0; number < manyFiles; ++number)
+        QVERIFY(QFile(folder + u'/' + QString::number(number)).open(QIODevice::WriteOnly));
+}
+
+void IndexWorkerTest::fillIndex()
+{
+    IndexWorker worker(m_site->dataFolder(), m_site->settings(day).usage);
+    const QSignalSpy reconciled(&worker, &IndexWorker::reconciled);
+    worker.setPlaces({m_place});
+    worker.reconcile(1);
+    QTRY_COMPARE(reconciled.size(), 1);
+}
+
+qint64 IndexWorkerTest::knownFiles()
+{
+    return RecordingIndex(*m_database).fileCount();
+}
+
+void IndexWorkerTest::aPlaceOnAnotherFileSystemKeepsItsIndex()
+{
+    fillIndex();
+    QCOMPARE(knownFiles(), 1);
+    // The folder that a disk was mounted on: empty, and on another file system than the disk.
+    QVERIFY(QDir(m_place.root).removeRecursively());
+    m_place.device += 1;
+    IndexWorker worker(m_site->dataFolder(), m_site->settings(day).usage);
+    const QSignalSpy reconciled(&worker, &IndexWorker::reconciled);
+    const QSignalSpy left(&worker, &IndexWorker::placeLeft);
+    worker.setPlaces({m_place});
+    worker.reconcile(1);
+    QTRY_COMPARE(reconciled.size(), 1);
+    QVERIFY(!left.isEmpty());
+    QCOMPARE(knownFiles(), 1);
+}
+
+void IndexWorkerTest::anEndingThreadReadsNoFolderToItsEnd()
+{
+    makeManyFiles();
+    const QString folder = RecordedSite::dayFolder(m_place.path, u"Doors"_s, u"Gate"_s, day);
+    QCOMPARE(readFiles(folder).sizes.size(), manyFiles + 1);
+    RecordedFiles files;
+    runOnEndingThread([&] { files = readFiles(folder); });
+    QCOMPARE(files.result, ReadResult::Failed);
+    QVERIFY2(files.sizes.size() < manyFiles / 2, qPrintable(QString::number(files.sizes.size())));
+}
+
+void IndexWorkerTest::anEndingThreadBeginsNoReading()
+{
+    qsizetype signalsSeen = 0;
+    runOnEndingThread([&] {
+        IndexWorker worker(m_site->dataFolder(), m_site->settings(day).usage);
+        const QSignalSpy sums(&worker, &IndexWorker::sumsChanged);
+        const QSignalSpy reconciled(&worker, &IndexWorker::reconciled);
+        worker.setPlaces({m_place});
+        worker.reconcile(1);
+        for (int turn = 0; turn < 100; ++turn)
+            QCoreApplication::processEvents();
+        signalsSeen = sums.size() + reconciled.size();
+    });
+    QCOMPARE(signalsSeen, 0);
+    QCOMPARE(knownFiles(), 0);
+    fillIndex();
+    QCOMPARE(knownFiles(), 1);
+}
+
+void IndexWorkerTest::aFolderThatReplacesAnotherIsWatched()
+{
+    FolderWatch watch;
+    const QSignalSpy changed(&watch, &FolderWatch::changed);
+    watch.watch(m_place.root, identify(m_place.root).inode);
+    const QString away = m_site->disk() + u"/away"_s;
+    QVERIFY(QDir().rename(m_place.root, away));
+    QVERIFY(QDir().mkpath(m_place.root));
+    watch.watch(m_place.root, identify(m_place.root).inode);
+    RecordedSite::write(m_place.root, u"new"_s, 1);
+    QTRY_VERIFY(!changed.isEmpty());
+}
+
+QTEST_GUILESS_MAIN(IndexWorkerTest)
+#include "tst_station_index_worker.moc"
