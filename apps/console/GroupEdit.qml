@@ -11,6 +11,8 @@ import QtQuick
 /// A request comes with "sources": for each of its lists the row that every entry comes from, -1 for a row that is gone.
 QtObject {
     readonly property int local: 0
+    readonly property int netHost: 1
+    readonly property int netDomain: 2
     readonly property int keptNas: -1
     readonly property int megabytesPerGigabyte: 1024
 
@@ -28,15 +30,27 @@ QtObject {
         return /^[0-9]{1,9}$/.test(text) ? Number(text) * megabytesPerGigabyte : NaN;
     }
 
+    /// The kind of what became @p path, when it was of @p kind; a path of @p keptNasPaths is left as it is.
+    function kindFor(path: string, kind: int, keptNasPaths: var): int {
+        if (keptNasPaths.includes(path))
+            return keptNas;
+        return !/^(\/\/|\\\\|smb:)/i.test(path) ? local : kind === netDomain ? netDomain : netHost;
+    }
+
+    /// Whether a refusal of a path is about its reserved space.
+    function isAboutReserve(error: var): bool {
+        return error.returnCode.startsWith("ReservedSpace");
+    }
+
     /// 2 GB are what the plug-in reserves where nothing else is said.
     function emptyPathRow(path: string): var {
-        return { path: path, kind: local, reserve: "2", recovery: false, message: "" };
+        return { path: path, kind: local, reserve: "2", recovery: false, message: "", reserveWrong: false };
     }
 
     function pathRows(group: var): var {
         return group.paths.map(path => ({
             path: path.path, kind: path.nas ? keptNas : local, reserve: reserveText(path.reserve),
-            recovery: path.recovery, message: ""
+            recovery: path.recovery, message: "", reserveWrong: false
         }));
     }
 

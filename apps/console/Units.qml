@@ -4,6 +4,12 @@ import QtQuick
 
 /// Sizes and times in words. A station counts in kilobytes and minutes.
 QtObject {
+    readonly property var times: [
+        { minutes: 1440, one: qsTr("1 day"), many: qsTr("%1 days") },
+        { minutes: 60, one: qsTr("1 hour"), many: qsTr("%1 hours") },
+        { minutes: 1, one: qsTr("1 minute"), many: qsTr("%1 minutes") }
+    ]
+
     /// 1536 reads "1.50 MB": steps of 1024, two decimals, TB at most, as the plug-in writes sizes.
     function capacity(kilobytes: real): string {
         const units = [qsTr("%1 KB"), qsTr("%1 MB"), qsTr("%1 GB"), qsTr("%1 TB")];
@@ -28,25 +34,25 @@ QtObject {
 
     /// A number of whole days.
     function days(count: real): string {
-        return count === 1 ? qsTr("1 day") : qsTr("%1 days").arg(count);
+        return counted(count, times[0].one, times[0].many);
+    }
+
+    /// The words for one, or those for any other number with the number in them.
+    function counted(count: real, one: string, many: string): string {
+        return count === 1 ? one : many.arg(count);
     }
 
     /// 2190 reads "1 day 12 hours 30 minutes".
     function duration(minutes: real): string {
-        const units = [
-            { size: 1440, one: qsTr("1 day"), many: qsTr("%1 days") },
-            { size: 60, one: qsTr("1 hour"), many: qsTr("%1 hours") },
-            { size: 1, one: qsTr("1 minute"), many: qsTr("%1 minutes") }
-        ];
         const words = [];
         let rest = minutes;
-        for (const unit of units) {
-            const count = Math.floor(rest / unit.size);
-            rest -= count * unit.size;
+        for (const unit of times) {
+            const count = Math.floor(rest / unit.minutes);
+            rest -= count * unit.minutes;
             if (count > 0)
-                words.push(count === 1 ? unit.one : unit.many.arg(count));
+                words.push(counted(count, unit.one, unit.many));
         }
-        return words.length > 0 ? words.join(" ") : qsTr("%1 minutes").arg(0);
+        return words.length > 0 ? words.join(" ") : counted(0, times[2].one, times[2].many);
     }
 
     /// A moment of today with its time alone, any other with its date as well.

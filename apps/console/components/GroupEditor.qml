@@ -130,9 +130,9 @@ ConsoleDialog {
 
             objectName: "editorContent"
             clip: true
-            implicitHeight: content.implicitHeight
+            implicitHeight: contentHeight
             contentWidth: width
-            contentHeight: content.implicitHeight
+            contentHeight: Math.ceil(content.implicitHeight) + 1 // the frame of the last button
             boundsBehavior: Flickable.StopAtBounds
             Layout.fillWidth: true
             Layout.fillHeight: true

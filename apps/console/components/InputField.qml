@@ -18,6 +18,10 @@ TextField {
     leftPadding: Theme.medium
     rightPadding: Theme.medium
     Accessible.name: placeholderText
+    onActiveFocusChanged: {
+        if (activeFocus && (focusReason === Qt.TabFocusReason || focusReason === Qt.BacktabFocusReason))
+            selectAll();
+    }
 
     background: Rectangle {
         radius: Theme.radius

@@ -12,11 +12,13 @@ Rectangle {
     required property string reserve
     required property bool recovery
     required property string message
+    required property bool reserveWrong ///< the message is about the reserved space, not about the path
 
     required property var volumes
     required property bool keptNas ///< the group has this path already, on NAS storage
     readonly property var kinds: (keptNas ? [{ kind: GroupEdit.keptNas, text: qsTr("NAS") }] : []).concat([
-        { kind: 0, text: qsTr("Local") }, { kind: 1, text: qsTr("NAS host") }, { kind: 2, text: qsTr("NAS domain") }
+        { kind: GroupEdit.local, text: qsTr("Local") }, { kind: GroupEdit.netHost, text: qsTr("NAS host") },
+        { kind: GroupEdit.netDomain, text: qsTr("NAS domain") }
     ])
 
     /// The operator changed one of the row's values.
@@ -24,8 +26,9 @@ Rectangle {
     signal removed
     signal accepted
 
+    /// To the field that the message is about.
     function takeFocus(): void {
-        pathField.forceActiveFocus();
+        (message !== "" && reserveWrong ? reserveField : pathField).forceActiveFocus();
     }
 
     objectName: "pathRow:" + index
@@ -50,7 +53,7 @@ Rectangle {
                 objectName: "path"
                 text: row.path
                 volumes: row.volumes
-                mistaken: row.message !== ""
+                mistaken: row.message !== "" && !row.reserveWrong
                 Accessible.name: qsTr("Path %1").arg(row.index + 1)
                 Accessible.description: row.message
                 Layout.fillWidth: true
@@ -74,7 +77,11 @@ Rectangle {
 
                 FieldLabel { text: qsTr("Reserved") }
                 InputField {
+                    id: reserveField
+
                     objectName: "reserve"
+                    mistaken: row.message !== "" && row.reserveWrong
+                    Accessible.description: mistaken ? row.message : ""
                     width: 84
                     horizontalAlignment: TextInput.AlignRight
                     inputMethodHints: Qt.ImhDigitsOnly

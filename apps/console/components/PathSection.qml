@@ -29,6 +29,7 @@ ColumnLayout {
             const words = row.path === "" ? qsTr("Enter a path.")
                 : isNaN(GroupEdit.reserveFrom(row.reserve, original)) ? qsTr("Enter the reserve in whole gigabytes.") : "";
             rowModel.setProperty(index, "message", words);
+            rowModel.setProperty(index, "reserveWrong", row.path !== "");
             right = right && words === "";
         });
         return right;
@@ -36,8 +37,10 @@ ColumnLayout {
 
     /// @param errors the refusals by row; @p words makes them a text
     function showMessages(errors: var, words: var): void {
-        for (const row in errors)
+        for (const row in errors) {
             rowModel.setProperty(Number(row), "message", words(errors[row]));
+            rowModel.setProperty(Number(row), "reserveWrong", errors[row].every(GroupEdit.isAboutReserve));
+        }
     }
 
     function clearMessages(): void {
@@ -73,6 +76,8 @@ ColumnLayout {
             Layout.fillWidth: true
             onEdited: (key, value) => {
                 rowModel.setProperty(index, key, value);
+                if (key === "path")
+                    rowModel.setProperty(index, "kind", GroupEdit.kindFor(value, kind, section.keptNasPaths));
                 rowModel.setProperty(index, "message", "");
             }
             onRemoved: {

@@ -1,4 +1,5 @@
 import QtQml
+import RecordingConsole
 import com.meridon.pluginrecordingmanagement
 
 /// Reads the plug-in's recording groups: the tree and what is known of each group. A group is read as one map, so that
@@ -8,7 +9,7 @@ QtObject {
 
     required property PluginRecordingManagement recording
     readonly property var tree: recording.getRecordingGroupTreeModel()
-    property var volumes: [] ///< maps "path", "name", "available" (KB), as the station listed them
+    property var volumes: [] ///< as VolumeList gives them
 
     // Numbers of the tree's roles, for match() and data().
     readonly property int nameNumber: 259
@@ -56,18 +57,30 @@ QtObject {
         const nas = recording.getRecordingGroupNasPathList(groupId, relayPath);
         const recovery = recording.getRecordingGroupRecoveryPathList(groupId, relayPath);
         return recording.getRecordingGroupPathList(groupId, relayPath).map((path, row) => {
-            const volume = recording.getVolumeInfo(path, relayPath);
             const onNas = nas.includes(path);
-            const known = !onNas || volume.isNAS; // a share that no volume holds still begins as "/" does
+            const volume = volumeOf(path, onNas);
             return {
                 path: path,
                 reserve: Number(reserves[row] ?? 0),
                 nas: onNas,
                 recovery: recovery.includes(path),
-                volumeName: volumes.find(candidate => path.startsWith(candidate.path))?.name ?? "",
-                size: known ? Number(volume.size) : 0,
-                available: known ? Number(volume.availableSize) : 0
+                volumeName: volume?.name ?? "",
+                size: volume?.size ?? 0,
+                available: volume?.available ?? 0
             };
         });
+    }
+
+    /// The volume that holds a path; null where none does. The root holds no share, although each begins with it.
+    function volumeOf(path: string, onNas: bool): var {
+        const key = onNas ? NasPath.key(path) : path;
+        let holder = null;
+        for (const volume of volumes.filter(candidate => candidate.isNas === onNas)) {
+            const place = onNas ? NasPath.key(volume.path) : volume.path;
+            if ((key === place || key.startsWith(place.endsWith("/") ? place : place + "/"))
+                && (holder === null || place.length > holder.path.length))
+                holder = volume;
+        }
+        return holder;
     }
 }

@@ -6,4 +6,5 @@ QtObject {
     required property string nameRole
     required property real sizeRole
     required property real availableSizeRole
+    required property bool isNASRole
 }

@@ -53,10 +53,14 @@ ConsolePage {
         volumesLoading = false;
         if (words !== "" && failure === "")
             failure = words;
+        showVolumes();
+        finish();
+    }
+
+    function showVolumes(): void {
         groups.volumes = volumeRows.list();
         if (!treeLoading)
             select(selectedId);
-        finish();
     }
 
     function finish(): void {
@@ -156,6 +160,7 @@ ConsolePage {
         id: volumeRows
 
         model: page.recording.getVolumeModel()
+        onChanged: page.showVolumes() // a NAS path comes without a reply to getVolume
     }
 
     ColumnLayout {

@@ -36,13 +36,20 @@ ConsolePage {
     function sumUp(): void {
         let total = 0;
         let free = 0;
-        for (let row = 0; row < rows.count; ++row) {
-            const volume = rows.objectAt(row) as VolumeSize;
-            total += volume?.sizeRole ?? 0;
-            free += volume?.availableSizeRole ?? 0;
+        for (const volume of rows.list()) {
+            total += volume.size;
+            free += volume.available;
         }
         totalSize = total;
         freeSize = free;
+    }
+
+    function summary(): string {
+        if (card.count === 0)
+            return qsTr("Where this station can record");
+        const space = qsTr("%1 free of %2").arg(Units.capacity(freeSize)).arg(Units.capacity(totalSize));
+        return width < 420 ? space
+            : qsTr("%1 · %2").arg(Units.counted(card.count, qsTr("1 volume"), qsTr("%1 volumes"))).arg(space);
     }
 
     Component.onCompleted: refresh()
@@ -69,12 +76,11 @@ ConsolePage {
         enabled: page.visible
         onActivated: page.refresh()
     }
-    Instantiator {
+    VolumeList {
         id: rows
 
         model: page.recording.getVolumeModel()
-        delegate: VolumeSize {}
-        onObjectAdded: page.sumUp() // a NAS path comes without a reply to getVolume
+        onChanged: page.sumUp() // a NAS path comes without a reply to getVolume
     }
 
     ColumnLayout {
@@ -83,11 +89,7 @@ ConsolePage {
 
         PageHeader {
             title: qsTr("Volumes")
-            subtitle: card.count === 0 ? qsTr("Where this station can record")
-                : card.count === 1 ? qsTr("1 volume · %1 free of %2").arg(Units.capacity(page.freeSize))
-                                         .arg(Units.capacity(page.totalSize))
-                : qsTr("%1 volumes · %2 free of %3").arg(card.count).arg(Units.capacity(page.freeSize))
-                      .arg(Units.capacity(page.totalSize))
+            subtitle: page.summary()
             Layout.fillWidth: true
 
             ActionButton {

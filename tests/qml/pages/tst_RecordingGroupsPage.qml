@@ -340,6 +340,8 @@ PageTest {
                 "The station cannot write into this folder. This volume cannot be written to.");
         compare(field(field(editor, "pathRow:0"), "rowMessage").text,
                 "All reserves on this volume together would be more than it holds.");
+        const first = field(editor, "pathRow:0");
+        verify(field(first, "reserve").mistaken && !field(first, "path").mistaken, "the reserve is what was refused");
         compare(field(field(editor, "pathRow:1"), "rowMessage").text, "");
         compare(field(field(editor, "memberRow:1"), "rowMessage").text, "This camera has no such stream.");
         compare(field(editor, "editorStrip").text,
@@ -389,6 +391,7 @@ PageTest {
         compare(field(editor, "nameMessage").text, "Enter a name.");
         verify(field(editor, "timeMessage").visible);
         compare(field(field(editor, "pathRow:0"), "rowMessage").text, "Enter the reserve in whole gigabytes.");
+        verify(field(field(editor, "pathRow:0"), "reserve").mistaken);
         press(field(field(editor, "pathRow:0"), "removeRow"));
         tryVerify(() => findChild(editor.contentItem, "pathRow:0") === null);
         press(findChild(editor.footer, "accept"));
@@ -399,6 +402,53 @@ PageTest {
         press(findChild(editor.footer, "accept"));
         compare(field(field(editor, "pathRow:0"), "rowMessage").text, "Enter a path.");
         compare(server.takeRequests(), []);
+    }
+
+    function test_nasVolumeIsOfferedAndKnown(): void {
+        openFilled({ width: 1000 });
+        const nas = part("path://nas/video");
+        compare(text(nas, "volume"), "Volume unknown");
+        server.recording.addNASPathToVolume("//nas/video", "Host", "me", "token");
+        server.reply("GetNasCapacity", { total: 100 * gigabyte, used: 40 * gigabyte }, "0");
+        tryVerify(() => text(part("path://nas/video"), "volume").endsWith("60.00 GB free of 100.00 GB"));
+        mouseClick(part("newGroup"));
+        const editor = opened("groupEditor");
+        compare(editor.volumes.map(volume => volume.path), ["/srv/video", "/", "//nas/video"]);
+    }
+
+    function test_volumeOfAPathIsTheClosest(): void {
+        openFilled({ width: 1000 });
+        const near = Object.assign({}, ramp, { recordingGroupPathList: ["/srv/video2/ramp"] });
+        page.refresh();
+        answer([near]);
+        tryVerify(() => findChild(page, "path:/srv/video2/ramp") !== null);
+        compare(text(part("path:/srv/video2/ramp"), "volume"), "System: 40.00 GB free of 100.00 GB",
+                "another folder's name begins as that of the volume");
+    }
+
+    function test_kindFollowsThePath(): void {
+        openFilled({});
+        mouseClick(part("edit"));
+        const editor = opened("groupEditor");
+        const row = field(editor, "pathRow:1");
+        const kind = field(row, "kind");
+        compare(kind.displayText, "NAS", "it stays as it is");
+        enter(field(row, "path"), "//nas/othe");
+        compare(kind.displayText, "NAS host");
+        choose(kind, 2);
+        field(row, "path").forceActiveFocus();
+        keyClick(Qt.Key_End);
+        keyClick("r");
+        compare(kind.displayText, "NAS domain");
+        enter(field(row, "reserve"), "1");
+        press(findChild(editor.footer, "accept"));
+        compare(request().data.updateAddPathList,
+                [{ path: "//nas/other", pathType: 2, reserveSpace: 1024, isRecoveryMode: true }]);
+        server.reply("updateRecordingGroup", [], "LinkDown");
+        enter(field(row, "path"), "/srv/video/o");
+        compare(kind.displayText, "Local");
+        enter(field(row, "path"), "//nas/video");
+        compare(kind.displayText, "NAS", "and back again");
     }
 
     function test_pathFromTheVolumes(): void {
