@@ -6,7 +6,7 @@
 #include <QQuickWindow>
 
 namespace {
-constexpr int framesUntilComplete = 2; // drawings that are painted on their own appear one frame after their items
+constexpr int framesUntilComplete = 4; // rows of a list are made a frame late, and the drawings in them one more
 } // namespace
 
 Screenshot::Screenshot(QQuickWindow &window, const QString &file, QObject *parent)

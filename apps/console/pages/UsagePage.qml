@@ -9,6 +9,7 @@ ConsolePage {
 
     property bool loading: false ///< figures were asked for and are still to come
     property string wantedGroup: startPlace ///< becomes the current one when it is listed
+    property int patience: 3000 ///< ms that figures may be unknown until the page counts as settled
     property var collapsed: ({}) ///< ids of the groups whose volumes are hidden
 
     function refresh(): void {
@@ -65,12 +66,23 @@ ConsolePage {
     }
 
     GroupUsageModel { id: groups }
+    Timer {
+        id: moreToCome // the station tells what it knows at once, and the rest when it has counted
+
+        interval: page.patience
+        onTriggered: page.settled = true
+    }
     Connections {
         target: page.recording
 
         function onVolumeInfoChanged(): void {
             page.showFigures();
-            page.fail("");
+            page.loading = false;
+            page.failure = "";
+            if (groups.unknownCount === 0)
+                page.settled = true;
+            else
+                moreToCome.restart();
         }
     }
     Connections {

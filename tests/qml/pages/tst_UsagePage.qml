@@ -28,7 +28,7 @@ PageTest {
     ]
 
     function openFilled(properties): void {
-        open("UsagePage", properties);
+        open("UsagePage", Object.assign({ patience: 0 }, properties));
         server.raise("VolumeChanged", site);
         tryVerify(() => page.settled && findChild(page, "group:d") !== null);
         waitUntilLaidOut();
@@ -67,7 +67,10 @@ PageTest {
         verify(!page.settled);
         verify(part("placeholder").busy);
         server.raise("VolumeChanged", site);
+        verify(!page.settled, "one group is still counted");
+        server.raise("VolumeChanged", [site[0], site[4]]);
         verify(page.settled);
+        server.raise("VolumeChanged", site);
         tryVerify(() => findChild(page, "group:backupID") !== null);
         verify(!part("placeholder").visible);
         const group = part("group:b");
