@@ -76,7 +76,7 @@ Rectangle {
             objectName: "openAlarms"
             quiet: true
             text: strip.count === 1 ? qsTr("Show") : qsTr("Show all")
-            hint: strip.count === 1 ? qsTr("Go to what the alarm is about") : qsTr("Open the list of the alarms")
+            hint: list.visible ? text : strip.count === 1 ? qsTr("Go to what the alarm is about") : qsTr("Open the list of the alarms")
             onClicked: {
                 if (strip.count === 1)
                     strip.chosen(strip.worst.groupId);
