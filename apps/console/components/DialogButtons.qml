@@ -9,8 +9,10 @@ RowLayout {
 
     property bool busy: false
     property bool acceptable: true
+    property bool cancellable: !busy
     property string text ///< of the button that accepts
     property string busyText ///< and while what was accepted is under way
+    property alias cancelText: cancel.text
     property alias cancelButton: cancel
 
     signal accepted
@@ -34,7 +36,7 @@ RowLayout {
 
         objectName: "cancel"
         text: qsTr("Cancel")
-        enabled: !buttons.busy
+        enabled: buttons.cancellable
         Layout.bottomMargin: Theme.large
         onClicked: buttons.rejected()
     }

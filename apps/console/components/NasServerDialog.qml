@@ -171,54 +171,29 @@ ConsoleDialog {
                 text: dialog.messageOf("general")
                 Layout.fillWidth: true
             }
-            RowLayout {
+            Text {
                 objectName: "testing"
                 visible: dialog.busy
-                spacing: Theme.small
+                text: qsTr("The station tests the log-on…")
+                color: Theme.secondaryText
+                font.pixelSize: Theme.bodySize
+                textFormat: Text.PlainText
+                wrapMode: Text.Wrap
                 Accessible.role: Accessible.AlertMessage
-                Accessible.name: testingText.text
-
-                BusyIndicator {
-                    running: dialog.busy
-                    palette.dark: Theme.accent
-                    padding: 0
-                    Layout.preferredWidth: 20
-                    Layout.preferredHeight: 20
-                    Accessible.ignored: true
-                }
-                Text {
-                    id: testingText
-
-                    text: qsTr("The station tests the log-on…")
-                    color: Theme.secondaryText
-                    font.pixelSize: Theme.bodySize
-                    textFormat: Text.PlainText
-                    wrapMode: Text.Wrap
-                    Accessible.ignored: true
-                    Layout.fillWidth: true
-                }
+                Accessible.name: text
+                Layout.fillWidth: true
             }
         }
     }
 
-    footer: RowLayout {
-        spacing: Theme.small
-
-        Item { Layout.fillWidth: true }
-        ActionButton {
-            objectName: "cancel"
-            text: dialog.busy && dialog.changes ? qsTr("Close") : qsTr("Cancel")
-            Layout.bottomMargin: Theme.large
-            onClicked: dialog.close()
-        }
-        ActionButton {
-            objectName: "submit"
-            primary: true
-            text: dialog.busy ? qsTr("Testing…") : dialog.changes ? qsTr("Test and keep") : qsTr("Test and add")
-            enabled: !dialog.busy && dialog.mistake === ""
-            Layout.bottomMargin: Theme.large
-            Layout.rightMargin: Theme.huge
-            onClicked: dialog.submit()
-        }
+    footer: DialogButtons {
+        busy: dialog.busy
+        acceptable: dialog.mistake === ""
+        cancellable: true
+        cancelText: dialog.busy && dialog.changes ? qsTr("Close") : qsTr("Cancel")
+        text: dialog.changes ? qsTr("Test and keep") : qsTr("Test and add")
+        busyText: qsTr("Testing…")
+        onAccepted: dialog.submit()
+        onRejected: dialog.close()
     }
 }

@@ -317,7 +317,7 @@ ConsolePage {
     NasRemoveDialog {
         id: removal
 
-        onConfirmed: {
+        onSubmitted: {
             if (!page.recording.removeNASServer(serverId))
                 refuse(qsTr("The request could not be sent."));
         }

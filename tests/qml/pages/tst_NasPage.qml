@@ -81,8 +81,8 @@ NasTest {
         keyClick(Qt.Key_Delete);
         const dialog = findChild(page, "nasRemoveDialog");
         tryVerify(() => dialog.opened);
-        compare(dialog.title, "Remove nas2?");
-        verify(text(dialog.contentItem, "consequence").includes("One of its folders is used as a volume"));
+        verify(text(dialog.contentItem, "question").startsWith("Remove “nas2”?"));
+        verify(text(dialog.contentItem, "question").includes("One of its folders is used as a volume"));
         keyClick(Qt.Key_Escape);
         tryVerify(() => !dialog.visible);
         compare(server.takeSent(), []);
@@ -96,7 +96,7 @@ NasTest {
         verify(dialog.visible, "the station is at it");
         server.reply("RemoveNASServer", undefined, "DatabaseFailed");
         verify(dialog.visible);
-        compare(findChild(dialog.contentItem, "refusal").text,
+        compare(findChild(dialog.contentItem, "removeStrip").text,
                 "The station could not use its database; its log says why.");
         compare(part("servers").count, 2);
         keyClick(Qt.Key_Tab);

@@ -44,7 +44,7 @@ NasTest {
         compare(sent("AddNasServer"), { host: "nas9", logonDomain: "WORK", userName: "me", password: "secret",
                                         relayPath: "" });
         verify(piece("testing").visible);
-        compare(piece("submit").text, "Testing…");
+        compare(piece("accept").text, "Testing…");
         verify(piece("hostInput").readOnly);
         keyClick(Qt.Key_Return);
         compare(server.takeSent(), [], "one test at a time");
@@ -175,7 +175,7 @@ NasTest {
         submitHost(row.host);
         compare(server.takeSent(), []);
         verify(piece("hostMessage").visible);
-        verify(!piece("submit").enabled);
+        verify(!piece("accept").enabled);
     }
 
     function test_unsentAddIsSaid(): void {
