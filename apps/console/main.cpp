@@ -3,11 +3,8 @@
 #include "ConsoleSession.h"
 #include "ConsoleTypes.h"
 #include "Display.h"
+#include "FollowClient.h"
 #include "Screenshot.h"
-#include "StationProtocol.h"
-#include "companions/StatusMonitorPlugin.h"
-#include "framework/HostFramework.h"
-#include "link/StationCalls.h"
 
 #include <QDir>
 #include <QGuiApplication>
@@ -46,23 +43,6 @@ void renderWithoutGraphicsCard()
         QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
 }
 
-void follow(const ClientSession &client, ConsoleSession &session)
-{
-    session.setConnected(client.isConnected());
-    session.setAlarms(client.statusMonitor());
-    QObject::connect(&client, &ClientSession::connectedChanged, &session, &ConsoleSession::setConnected);
-    QObject::connect(client.framework(), &HostFramework::commandAnswered, &session, &ConsoleSession::noteAnswer);
-    QObject::connect(client.framework(), &HostFramework::eventDelivered, &session, &ConsoleSession::noteEvent);
-    const auto askForCameras = [&client, &session] {
-        client.stationCalls()->send(StationOwnCommandName::listCameras, {}, &session,
-                                    [&session](const StationReply &reply) {
-                                        if (reply.returnCode == StationReturnCode::Success)
-                                            session.setCameras(reply.data.toList());
-                                    });
-    };
-    QObject::connect(&session, &ConsoleSession::camerasWanted, &session, askForCameras);
-}
-
 int run(const ConsoleOptions &options)
 {
     renderWithoutGraphicsCard();
@@ -76,7 +56,7 @@ int run(const ConsoleOptions &options)
         return Failed;
     }
     ConsoleSession session;
-    follow(client, session);
+    followClient(client, session);
 
     QQmlApplicationEngine engine;
     prepareConsoleEngine(engine);
