@@ -92,7 +92,7 @@ void printUsage(const CommandRun &run, const QAbstractItemModel &usage)
     for (int row = 0; row < usage.rowCount(); ++row) {
         if (const QAbstractItemModel *volumes = volumesOf(run, at(usage, row, "idRole").toString())) {
             printLine(QStringLiteral("\n%1").arg(printable(at(usage, row, "nameRole").toString())));
-            printText(volumeTable(*volumes).toString());
+            printText(groupVolumeTable(*volumes).toString());
         }
     }
 }

@@ -192,6 +192,11 @@ void TestCtlTables::volumesForAnOperator()
              "System  /     1.00 GB  256.00 MB     75 %  yes     no\n"
              "Empty   /mnt  0.00 KB    0.00 KB        -  no      yes\n"
              "Slow    /nas  1.00 MB    unknown  unknown  no      yes\n");
+    QCOMPARE(groupVolumeTable(model).toString(),
+             "Name    Path     Size  Free for the group  System  NAS\n"
+             "System  /     1.00 GB           256.00 MB  yes     no\n"
+             "Empty   /mnt  0.00 KB             0.00 KB  no      yes\n"
+             "Slow    /nas  1.00 MB             unknown  no      yes\n");
 }
 
 void TestCtlTables::sizes_data()
