@@ -208,20 +208,22 @@ bool GroupEdit::lookAt(const Place &place, const QString &path, int kind)
     PathFacts facts{checkPathText(path, static_cast<PathKind>(kind)), {}, {}, 0, {}};
     if (facts.returnCode == StationReturnCode::Success)
         facts = m_site.paths.look(static_cast<PathKind>(kind), path);
-    if (facts.returnCode == StationReturnCode::Success && hasFolder(facts.folder, path))
+    if (facts.returnCode == StationReturnCode::Success
+        && hasFolder(facts.folder, m_site.paths.sharedSpace(static_cast<PathKind>(kind), path), path))
         facts = {StationReturnCode::PathInGroup, {}, {}, 0, {}};
     if (facts.returnCode != StationReturnCode::Success)
         refuse(place, facts);
     return facts.returnCode == StationReturnCode::Success;
 }
 
-/// Whether another path than @p exceptPath leads to @p folder.
-bool GroupEdit::hasFolder(const QString &folder, const QString &exceptPath)
+/// Whether another path than @p exceptPath leads to @p folder, which shares @p space.
+bool GroupEdit::hasFolder(const QString &folder, const QString &space, const QString &exceptPath)
 {
     return !folder.isEmpty()
         && std::any_of(m_group.paths.cbegin(), m_group.paths.cend(),
-                       [this, &folder, &exceptPath](const GroupPath &path) {
-                           return path.path != exceptPath && volumeOf(path).folder == folder;
+                       [this, &folder, &exceptPath, &space](const GroupPath &path) {
+                           return path.path != exceptPath && m_site.paths.sharedSpace(path.kind, path.path) == space
+                               && volumeOf(path).folder == folder;
                        });
 }
 
@@ -241,12 +243,27 @@ const PathFacts &GroupEdit::volumeOf(const GroupPath &path)
     return *facts;
 }
 
-/// What all groups reserve on each volume. A path whose volume is gone does not count.
+/// Where more is reserved than before.
+QSet<QString> GroupEdit::claimedSpaces()
+{
+    QSet<QString> spaces;
+    for (const Claim &claim : std::as_const(m_claims)) {
+        if (const GroupPath *path = findPath(claim.path))
+            spaces.insert(m_site.paths.sharedSpace(path->kind, path->path));
+    }
+    return spaces;
+}
+
+/// What all groups reserve on each volume where more is reserved than before; a server that this is not about is not
+/// asked, it may be silent. A path whose volume is gone does not count.
 QHash<QString, qint64> GroupEdit::reservedMegabytes()
 {
+    const QSet<QString> spaces = claimedSpaces();
     QHash<QString, qint64> sums;
-    const auto count = [this, &sums](const RecordingGroup &group) {
+    const auto count = [this, &spaces, &sums](const RecordingGroup &group) {
         for (const GroupPath &path : group.paths) {
+            if (!spaces.contains(m_site.paths.sharedSpace(path.kind, path.path)))
+                continue;
             const PathFacts &facts = volumeOf(path);
             if (facts.returnCode == StationReturnCode::Success)
                 sums[facts.volume] = saturatedSum(sums.value(facts.volume), path.reservedMegabytes);

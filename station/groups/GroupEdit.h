@@ -4,6 +4,7 @@
 #include "RecordingGroup.h"
 
 #include <QHash>
+#include <QSet>
 
 #include <optional>
 
@@ -103,9 +104,10 @@ private:
     void refuse(const Place &place, const PathFacts &facts);
     bool checkReserve(const Place &place, qint64 megabytes);
     bool lookAt(const Place &place, const QString &path, int kind);
-    bool hasFolder(const QString &folder, const QString &exceptPath);
+    bool hasFolder(const QString &folder, const QString &space, const QString &exceptPath);
     GroupPath *findPath(const QString &path);
     const PathFacts &volumeOf(const GroupPath &path);
+    QSet<QString> claimedSpaces();
     QHash<QString, qint64> reservedMegabytes();
     void checkVolumes();
 

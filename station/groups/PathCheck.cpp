@@ -2,6 +2,11 @@
 
 #include "StationProtocol.h"
 
+QString PathCheck::sharedSpace(const QString &) const
+{
+    return {};
+}
+
 qint64 PathCheck::bytesBelow(const QString &) const
 {
     return 0;
@@ -17,6 +22,12 @@ PathFacts PathChecks::volumeOf(PathKind kind, const QString &path) const
 {
     const PathCheck *check = of(kind);
     return check ? check->volumeOf(path) : PathFacts{StationReturnCode::NasServerNotFound, {}, {}, 0, {}};
+}
+
+QString PathChecks::sharedSpace(PathKind kind, const QString &path) const
+{
+    const PathCheck *check = of(kind);
+    return check ? check->sharedSpace(path) : QString();
 }
 
 qint64 PathChecks::bytesBelow(PathKind kind, const QString &folder) const

@@ -23,6 +23,8 @@ public:
     virtual PathFacts look(const QString &path) const = 0;
     /// Only the volume of @p path and its size, without touching it; returnCode "0" where they are known.
     virtual PathFacts volumeOf(const QString &path) const = 0;
+    /// The same for all paths that may share their space; told at once, nobody is asked. Different ones never share it.
+    virtual QString sharedSpace(const QString &path) const;
     /// The bytes of the files below @p folder, links not followed; 0 where it is missing or they cannot be counted.
     virtual qint64 bytesBelow(const QString &folder) const;
 };
@@ -36,6 +38,7 @@ struct PathChecks
 
     PathFacts look(PathKind kind, const QString &path) const;
     PathFacts volumeOf(PathKind kind, const QString &path) const;
+    QString sharedSpace(PathKind kind, const QString &path) const;
     qint64 bytesBelow(PathKind kind, const QString &folder) const;
 
 private:

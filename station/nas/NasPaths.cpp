@@ -13,15 +13,19 @@ PathFacts refused(const QString &returnCode, const QString &reason = {})
     return facts;
 }
 
+/// The same for every path of a share: names on these servers are the same in capitals and small letters.
+QString shareOf(SmbPath place)
+{
+    place.folders.clear();
+    return place.text().toCaseFolded();
+}
+
 PathFacts spaceAt(SmbClient &client, const SmbPath &place)
 {
     const SmbSpace space = client.space(place);
     if (space.returnCode == StationReturnCode::GetNasCapacityFailed)
         return refused(StationReturnCode::DirectoryNotFound);
-    SmbPath share = place;
-    share.folders.clear();
-    // Names on these servers are the same in capitals and small letters.
-    return {space.returnCode, {}, share.text().toCaseFolded(), space.bytesTotal, place.text().toCaseFolded()};
+    return {space.returnCode, {}, shareOf(place), space.bytesTotal, place.text().toCaseFolded()};
 }
 
 PathFacts writableSpaceAt(SmbClient &client, const SmbPath &place)
@@ -51,6 +55,12 @@ PathFacts NasPaths::look(const QString &path) const
 PathFacts NasPaths::volumeOf(const QString &path) const
 {
     return asked(path, spaceAt);
+}
+
+QString NasPaths::sharedSpace(const QString &path) const
+{
+    const std::optional<SmbPath> place = SmbPath::parse(path);
+    return place ? shareOf(*place) : path;
 }
 
 PathFacts NasPaths::asked(const QString &path, const Ask &ask) const

@@ -26,6 +26,7 @@ public:
 
     PathFacts look(const QString &path) const override;
     PathFacts volumeOf(const QString &path) const override;
+    QString sharedSpace(const QString &path) const override;
 
 private:
     using Ask = std::function<PathFacts(SmbClient &client, const SmbPath &place)>;

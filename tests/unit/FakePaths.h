@@ -4,6 +4,7 @@
 #include "groups/PathCheck.h"
 
 #include <QHash>
+#include <QSet>
 
 /// Places as a test wants them; those it does not name do not exist.
 class FakePaths : public PathCheck
@@ -29,10 +30,21 @@ public:
         m_looked.append(path);
         return m_looks.value(path, missing());
     }
-    PathFacts volumeOf(const QString &path) const override { return m_volumes.value(path, missing()); }
+    PathFacts volumeOf(const QString &path) const override
+    {
+        m_volumesAsked.insert(path);
+        return m_volumes.value(path, missing());
+    }
+    /// That of a path on the network is its share.
+    QString sharedSpace(const QString &path) const override
+    {
+        return path.startsWith(QStringLiteral("//")) ? path.section(u'/', 0, 3) : QString();
+    }
 
     /// The paths that were looked at, in order.
     const QStringList &looked() const { return m_looked; }
+    /// The paths whose volume was asked for.
+    const QSet<QString> &volumesAsked() const { return m_volumesAsked; }
 
 private:
     static PathFacts missing() { return {StationReturnCode::DirectoryNotFound, {}, {}, 0, {}}; }
@@ -40,4 +52,5 @@ private:
     QHash<QString, PathFacts> m_looks;
     QHash<QString, PathFacts> m_volumes;
     mutable QStringList m_looked;
+    mutable QSet<QString> m_volumesAsked;
 };

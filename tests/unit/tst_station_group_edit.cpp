@@ -128,6 +128,7 @@ private slots:
     void anOvercommittedVolumeStopsOnlyWhatReservesMore();
     void hugeReservesDoNotOverflow();
     void reservesOnTheNetworkAreAddedUp();
+    void whatAnEditIsNotAboutIsNotAsked();
     void aPathIsChanged();
     void aPathThatChangesItsKindIsLookedAt();
     void membersAreChecked_data();
@@ -432,6 +433,21 @@ void StationGroupEditTest::hugeReservesDoNotOverflow()
     m_site.groups = {group("1"), group("2", {localPath("/a", most)}), group("3", {localPath("/a", most)})};
     QCOMPARE(errors(group("1"), [&](GroupEdit &edit) { edit.addPaths(add, {newPath("/a/b", 1024)}); }),
              QStringList{QStringLiteral("added|0|/a/b|ReservedSpaceExceedsVolume")});
+}
+
+/// A NAS server may be silent, and would hold up the edit of a group that has nothing to do with it.
+void StationGroupEditTest::whatAnEditIsNotAboutIsNotAsked()
+{
+    m_site.groups = {group("1", {{QStringLiteral("//nas/rec"), PathKind::NetHost, 1024, false}}),
+                     group("2", {localPath("/a", 1024)}),
+                     group("3", {{QStringLiteral("//silent/rec"), PathKind::NetDomain, 1024, false}})};
+    const RecordingGroup nas = m_site.groups.at(0);
+    QCOMPARE(errors(nas, [&](GroupEdit &edit) { edit.addPaths(add, {newPath("/a/b", 1024)}); }), QStringList());
+    QCOMPARE(m_local.volumesAsked(), (QSet<QString>{QStringLiteral("/a"), QStringLiteral("/a/b")}));
+    QCOMPARE(m_nas.volumesAsked(), QSet<QString>());
+    QCOMPARE(errors(nas, [&](GroupEdit &edit) { edit.addPaths(add, {newPath("//nas/rec/b", 1024, host)}); }),
+             QStringList());
+    QCOMPARE(m_nas.volumesAsked(), (QSet<QString>{QStringLiteral("//nas/rec"), QStringLiteral("//nas/rec/b")}));
 }
 
 void StationGroupEditTest::reservesOnTheNetworkAreAddedUp()
