@@ -11,7 +11,6 @@ FocusScope {
     required property ConsoleSession session
     required property NasVolumes volumes
     property bool alone: false ///< the list of the servers is not beside it
-    property bool serversThere: false
     property string host
     property string entryToSelect
     property real keptPosition: -1
@@ -175,12 +174,12 @@ FocusScope {
                 visible: card.count === 0 || !listing.inView
                 busy: listing.loading
                 iconName: browser.open ? "folder" : "network"
-                title: !browser.open ? (browser.serversThere ? qsTr("Choose a NAS server") : qsTr("Nothing to look into yet"))
+                title: !browser.open ? qsTr("Choose a NAS server")
                     : busy ? (browser.atRoot ? qsTr("Asking %1 for its shares…").arg(browser.host)
                                              : qsTr("Asking %1 for its folders…").arg(browser.host))
                     : !listing.inView ? qsTr("Nothing could be listed")
                     : browser.atRoot ? qsTr("No shares to show") : qsTr("No folders in here")
-                text: !browser.open ? (browser.serversThere ? qsTr("Its shares and their folders appear here.") : "")
+                text: !browser.open ? qsTr("Its shares and their folders appear here.")
                     : busy ? qsTr("A server that is far away or off may take half a minute.")
                     : listing.inView && browser.atRoot ? qsTr("This user may see no share of the server.") : ""
             }

@@ -14,6 +14,7 @@ ConsolePage {
     property string changing ///< id of the server whose change goes on after its dialog was closed
     property string chosen ///< id of the server whose shares are in view
     readonly property bool wide: width >= 640
+    readonly property bool split: wide && serverCard.count > 0 ///< servers and browser stand side by side
     readonly property bool serversShown: wide || chosen === "" || !browsing
     property bool browsing: false ///< narrow, the browser stands in place of the servers
 
@@ -270,7 +271,7 @@ ConsolePage {
                     onEditWanted: page.edit(row)
                     onRemoveWanted: page.askToRemove(row)
                 }
-                width: page.wide ? Math.max(264, Math.min(360, Math.round(place.width * 0.36))) : place.width
+                width: page.split ? Math.max(264, Math.min(360, Math.round(place.width * 0.36))) : place.width
                 height: place.height
 
                 Placeholder {
@@ -291,17 +292,16 @@ ConsolePage {
                 id: browser
 
                 objectName: "browser"
-                visible: page.wide || !page.serversShown
+                visible: page.split || !page.serversShown
                 recording: page.recording
                 session: page.session
                 volumes: page.nasVolumes
                 alone: !page.wide
-                serversThere: serverCard.count > 0
                 onBackWanted: {
                     page.browsing = false;
                     serverCard.list.forceActiveFocus();
                 }
-                x: page.wide ? serverCard.width + Theme.large : 0
+                x: page.split ? serverCard.width + Theme.large : 0
                 width: place.width - x
                 height: place.height
             }

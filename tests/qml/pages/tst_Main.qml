@@ -168,6 +168,7 @@ TestCase {
         compare(part("alarmCount").text, "and 2 more alarms");
         compare(part("alarms").Accessible.name, "A volume of the station cannot be reached, and 2 more alarms");
         verify(String(part("alarms").color) !== ground);
+        compare(part("alarms").foreground, Theme.danger);
         server.removeAlarm(2);
         tryCompare(part("alarmCount"), "text", "and 1 more alarm");
     }

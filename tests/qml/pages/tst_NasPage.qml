@@ -25,6 +25,9 @@ NasTest {
         openWith([], {});
         compare(part("placeholder").title, "No NAS servers yet");
         verify(!part("errorStrip").visible);
+        verify(!part("browser").visible, "there is nothing to look into");
+        answerServers(servers);
+        verify(part("browser").visible);
     }
 
     function test_refusedListKeepsTheRows(): void {
