@@ -8,6 +8,7 @@
 #include "link/StationCalls.h"
 
 #include <QDir>
+#include <QJSValue>
 #include <QQmlContext>
 #include <QQmlEngine>
 #include <QTemporaryDir>
@@ -56,14 +57,17 @@ public:
             qFatal("%s", qPrintable(m_client->error()));
         m_session = std::make_unique<ConsoleSession>();
         followClient(*m_client, *m_session);
+        if (!QTest::qWaitFor([this] { return m_session->isConnected(); }))
+            qFatal("There is no connection to the station");
         emit renewed();
     }
 
     /// Sends the station a command by itself, past the plug-in, and waits for the answer.
-    Q_INVOKABLE QVariant ask(const QString &command, const QVariant &data = {})
+    Q_INVOKABLE QVariant ask(const QString &command, const QJSValue &data = {})
     {
         std::optional<StationReply> answer;
-        m_client->stationCalls()->send(command, data, this, [&answer](const StationReply &part) { answer = part; });
+        m_client->stationCalls()->send(command, data.toVariant(), this,
+                                       [&answer](const StationReply &part) { answer = part; });
         if (!QTest::qWaitFor([&answer] { return answer.has_value(); }, 10000))
             return {};
         return answer->returnCode == QStringLiteral("0") ? answer->data : QVariant(answer->returnCode);
@@ -107,11 +111,13 @@ class Setup : public QObject
 public slots:
     void qmlEngineAvailable(QQmlEngine *engine)
     {
+        m_server.reset(); // of the file of tests before: the plug-in is there once
         m_server = std::make_unique<StationServer>();
         prepareConsoleEngine(*engine);
         engine->addImportPath(QStringLiteral(QML_TYPES_FOLDER));
         engine->rootContext()->setContextProperty(QStringLiteral("server"), m_server.get());
     }
+    void cleanupTestCase() { m_server.reset(); } // while there is an application
 
 private:
     std::unique_ptr<StationServer> m_server;

@@ -134,8 +134,8 @@ PageTest {
         compare(changed.reserveSpace, [2048]);
         compare(changed.recordingGroupReservedTime, 0);
         compare(changed.recordingGroupMemberList,
-                [{ camName: "Gate", streamIndex: 0, enableTimeShift: false, enableSeamless: false },
-                 { camName: "Yard", streamIndex: 0, enableTimeShift: false, enableSeamless: true }]);
+                [{ camName: "Yard", streamIndex: 0, enableTimeShift: false, enableSeamless: true },
+                 { camName: "Gate", streamIndex: 0, enableTimeShift: false, enableSeamless: false }]);
         tryVerify(() => findChild(page, "group:Doors")?.current ?? false);
         tryCompare(part("reservedTime"), "text", "Does not apply");
     }

@@ -6,6 +6,10 @@ import "../pages"
 PageTest {
     id: test
 
+    // Numbers of the volume roles, for data().
+    readonly property int rootPathNumber: 258
+    readonly property int isNasNumber: 263
+
     property NasVolumes volumes: null
     property var dialog: null
 
@@ -62,7 +66,7 @@ PageTest {
     }
 
     function servers() {
-        return server.ask("GetNasServers", { relayPath: "" });
+        return server.ask("GetNasServers", "");
     }
 
     function clickOn(name): void {
@@ -78,13 +82,16 @@ PageTest {
         compare(server.recording.getNASServerModel().rowCount(), 1);
         clickOn("folder:video");
         clickOn("folder:north");
-        tryVerify(() => text(part("capacity"), "figures").includes(" free of "), 20000);
+        const path = "//" + server.nasHost + "/video/north";
+        const capacity = part("capacity");
+        tryVerify(() => capacity.path === path && !capacity.asking, 20000);
+        verify(text(capacity, "figures").includes(" free of "));
         clickOn("useAsVolume");
         tryVerify(() => part("volumeMark").visible, 20000);
         const rows = server.recording.getVolumeModel();
         const last = rows.index(rows.rowCount() - 1, 0);
-        compare(rows.data(last, 258), "//" + server.nasHost + "/video/north");
-        compare(rows.data(last, 263), true, "a NAS");
+        compare(rows.data(last, rootPathNumber), path);
+        compare(rows.data(last, isNasNumber), true);
     }
 
     function test_aWrongPasswordStandsAtItsField(): void {
