@@ -172,7 +172,7 @@ PageTest {
         open("UsagePage", { height: 900 });
         server.raise("VolumeChanged", [
             entry("g", "Group", 30, 20, 25),
-            entry("g", "Group", 30, -1, 5, { recordingPath: "//nas/video", volumeName: "", volumeIsNAS: true }),
+            entry("g", "Group", 30, -1, 0, { recordingPath: "//nas/video", volumeName: "", volumeIsNAS: true }),
             entry("g", "Group", 30, -1, 0, { recordingPath: "/gone", volumeName: "Gone", volumeSize: 0 })
         ]);
         tryVerify(() => findChild(page, "volume:/gone") !== null);
@@ -181,14 +181,16 @@ PageTest {
         const disk = part("volume:/srv/g");
         compare(text(disk, "name"), "Disk of Group");
         compare(text(disk, "path"), "/srv/g");
-        compare(text(disk, "used"), "75.00 GB taken");
-        compare(text(disk, "free"), "25.00 GB left of 100.00 GB");
+        compare(text(disk, "used"), "75.00 GB used or kept for others");
+        compare(text(disk, "free"), "25.00 GB of 100.00 GB free for this group");
         verify(!findChild(disk, "nasMark").visible);
         verify(!findChild(disk, "goneMark").visible);
+        verify(!findChild(disk, "lowMark").visible, "a share of a volume may be small");
         const nas = part("volume://nas/video");
         compare(text(nas, "name"), "//nas/video");
         verify(findChild(nas, "nasMark").visible);
         verify(findChild(nas, "lowMark").visible);
+        compare(text(nas, "lowMark"), "Full");
         const gone = part("volume:/gone");
         verify(findChild(gone, "goneMark").visible);
         compare(text(gone, "used"), "The station cannot reach it");
