@@ -11,7 +11,6 @@
 #include <QUuid>
 
 #include <memory>
-#include <thread>
 #include <utility>
 
 namespace {
@@ -700,9 +699,10 @@ void StationGroupsTest::twoStationsAtOnceReserveNoMoreThanThereIs()
     };
     QStringList codes;
     QStringList otherCodes;
-    std::thread other([&] { fill(QStringLiteral("other "), otherCodes); });
+    const std::unique_ptr<QThread> other(QThread::create([&] { fill(QStringLiteral("other "), otherCodes); }));
+    other->start();
     fill(QStringLiteral("one "), codes);
-    other.join();
+    QVERIFY(other->wait());
     codes += otherCodes;
     QCOMPARE(codes.count(QStringLiteral("0")), 10);
     QCOMPARE(codes.count(QStringLiteral("ReservedSpaceExceedsVolume")), 14);
