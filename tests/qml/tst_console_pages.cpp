@@ -186,8 +186,10 @@ private:
     /// What was sent along comes back with each reply, as a client's framework sees to when it closes.
     void answerAll()
     {
-        while (!m_outstanding.isEmpty())
-            reply(m_outstanding.constFirst().command, {}, QStringLiteral("Closing"));
+        while (!m_outstanding.isEmpty()) {
+            const QString command = m_outstanding.constFirst().command; // the request goes with its reply
+            reply(command, {}, QStringLiteral("Closing"));
+        }
     }
 
     FakeFramework m_framework;
