@@ -21,11 +21,11 @@ GridLayout {
     readonly property real usedSize: Math.max(0, size - availableSize)
     readonly property real usedShare: known ? Math.min(1, usedSize / size) : 0
     readonly property bool low: known && (forGroup ? availableSize <= 0 : availableSize < size / 10)
-    readonly property string usedText: known ? (forGroup ? qsTr("%1 used or kept for others") : qsTr("%1 used"))
+    readonly property string usedText: known ? (forGroup ? qsTr("%1 taken") : qsTr("%1 used"))
                                                    .arg(Units.capacity(usedSize))
         : gone ? qsTr("The station cannot reach it") : qsTr("Size unknown")
     readonly property string freeText: !known ? ""
-        : (forGroup ? qsTr("%1 of %2 free for this group") : qsTr("%1 free of %2")).arg(Units.capacity(availableSize))
+        : (forGroup ? qsTr("%1 of %2 for this group") : qsTr("%1 free of %2")).arg(Units.capacity(availableSize))
               .arg(Units.capacity(size))
     readonly property bool marksBeside: width >= 420
     readonly property bool named: name !== "" && name !== path

@@ -181,8 +181,8 @@ PageTest {
         const disk = part("volume:/srv/g");
         compare(text(disk, "name"), "Disk of Group");
         compare(text(disk, "path"), "/srv/g");
-        compare(text(disk, "used"), "75.00 GB used or kept for others");
-        compare(text(disk, "free"), "25.00 GB of 100.00 GB free for this group");
+        compare(text(disk, "used"), "75.00 GB taken");
+        compare(text(disk, "free"), "25.00 GB of 100.00 GB for this group");
         verify(!findChild(disk, "nasMark").visible);
         verify(!findChild(disk, "goneMark").visible);
         verify(!findChild(disk, "lowMark").visible, "a share of a volume may be small");
