@@ -1,5 +1,6 @@
 #include "PluginRecordingManagement.h"
 
+#include "GroupMap.h"
 #include "ItemRoles.h"
 #include "RecordingGroupTreeModel.h"
 #include "ReplyFields.h"
@@ -15,9 +16,9 @@
 
 #include <algorithm>
 #include <iterator>
-#include <map>
 #include <memory>
 #include <new>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -216,15 +217,17 @@ void PluginRecordingManagement::appendRecordingGroupToTreeModel(const QVariant &
     }
 
     RowMaker maker(treeGroupRow());
+    const std::size_t relayPathPosition = maker.record().add(FieldKey::relayPath);
     const QVariantList groups = data.toList();
     for (const QVariant &group : groups) {
-        RowItem item = maker.row(group);
+        maker.record().read(group);
+        RowItem item = maker.row();
         if (!item) {
             TRACE_ERROR("%s, new RecordingGroupTreeModelItem failed",
                         "PluginRecordingManagement::appendRecordingGroupToTreeModel");
             continue;
         }
-        const QVariant relayPath = item->data(TreeRole::RelayPath);
+        const QVariant &relayPath = maker.record()[relayPathPosition];
         const auto station = std::find_if(stations.begin(), stations.end(), [&relayPath](const Station &candidate) {
             return candidate.relayPath == relayPath;
         });
@@ -252,17 +255,14 @@ QMap<QString, QVariant> PluginRecordingManagement::calculateGroupUsage(QVariant 
     RecordReader entry({&FieldKey::recordingGroupID, &FieldKey::recordingGroupName,
                         &FieldKey::recordingGroupReservedTime, &FieldKey::volumeAvailableSize,
                         &FieldKey::volumeRecordedDays, &FieldKey::volumeOneDayUsage});
-    std::map<QString, GroupUsage> sums;
-    auto group = sums.end(); // entries of one group mostly follow each other
+    GroupMap<GroupUsage> sums;
     QString convertedId;
     QString convertedName;
     const QVariantList entries = data.toList();
     for (const QVariant &element : entries) {
         entry.read(element);
         const QString &id = textIn(entry[Id], convertedId);
-        if (group == sums.end() || group->first != id)
-            group = sums.try_emplace(id).first;
-        GroupUsage &sum = group->second;
+        GroupUsage &sum = sums[id];
         sum.reserveTime = entry[ReserveTime].toInt();
         sum.name = textIn(entry[Name], convertedName);
         sum.availableSize = wrappingSum(sum.availableSize, entry[AvailableSize].toLongLong());
@@ -270,8 +270,7 @@ QMap<QString, QVariant> PluginRecordingManagement::calculateGroupUsage(QVariant 
         GroupUsage::addKnown(sum.oneDayUsage, entry[OneDayUsage].toLongLong());
     }
     QMap<QString, QVariant> usage;
-    for (const auto &[id, sum] : sums)
-        usage.insert(usage.cend(), id, sum.toMap());
+    sums.forEach([&usage](const QString &id, const GroupUsage &sum) { usage.insert(usage.cend(), id, sum.toMap()); });
     return usage;
 }
 
@@ -281,30 +280,30 @@ void PluginRecordingManagement::updateRecordingGroupVolumeModel(const QString &s
     struct GroupRows
     {
         QSharedPointer<QStandardItemModel> model; // held until it is filled
-        RowBatch rows;
+        std::optional<RowBatch> rows; // of the model
     };
-    std::map<QString, GroupRows> groups;
-    auto group = groups.end(); // entries of one group mostly follow each other
+    GroupMap<GroupRows> groups;
     RowMaker maker(groupVolumeRow());
-    RecordReader groupId({&FieldKey::recordingGroupID});
+    const std::size_t groupId = maker.record().add(FieldKey::recordingGroupID);
     QString convertedId;
     const QVariantList entries = data.toList();
     for (const QVariant &entry : entries) {
-        groupId.read(entry);
-        const QString &id = textIn(groupId[0], convertedId);
-        if (group == groups.end() || group->first != id)
-            group = groups.find(id);
-        if (group == groups.end()) {
-            const QSharedPointer<QStandardItemModel> model(newListModel(volumeRoleNames(), this));
-            if (!model)
+        maker.record().read(entry);
+        const QString &id = textIn(maker.record()[groupId], convertedId);
+        GroupRows &group = groups[id];
+        if (!group.model) {
+            group.model.reset(newListModel(volumeRoleNames(), this));
+            if (!group.model)
                 continue;
-            m_groupVolumeModels[source].insert(id, model);
-            group = groups.emplace(id, GroupRows{model, RowBatch(model.data())}).first;
+            m_groupVolumeModels[source].insert(id, group.model);
+            group.rows.emplace(group.model.data());
         }
-        group->second.rows.add(maker.row(entry));
+        group.rows->add(maker.row());
     }
-    for (auto &[id, filled] : groups)
-        filled.rows.append();
+    groups.forEach([](const QString &, GroupRows &group) {
+        if (group.rows)
+            group.rows->append();
+    });
 }
 
 void PluginRecordingManagement::updateRecordingGroupUsageModel(const QString &source, QMap<QString, QVariant> &usage)

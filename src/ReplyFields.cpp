@@ -10,14 +10,13 @@ const Type *held(const QVariant &value)
     return value.metaType() == QMetaType::fromType<Type>() ? static_cast<const Type *>(value.constData()) : nullptr;
 }
 
-// Telling whether texts are the same is cheaper than comparing them, which sorts.
-bool same(const QString &left, const QString &right)
+} // namespace
+
+bool sameText(const QString &left, const QString &right)
 {
     return left.size() == right.size()
         && std::memcmp(left.constData(), right.constData(), static_cast<std::size_t>(left.size()) * sizeof(QChar)) == 0;
 }
-
-} // namespace
 
 const QVariantMap &mapIn(const QVariant &value, QVariantMap &converted)
 {
@@ -48,14 +47,19 @@ RecordReader::RecordReader(std::initializer_list<const QString *> keys)
         add(*key);
 }
 
-void RecordReader::add(const QString &key)
+std::size_t RecordReader::add(const QString &key)
 {
+    for (std::size_t i = 0; i < m_count; ++i) {
+        if (*m_fields[i].key == key)
+            return m_fields[i].position;
+    }
     Q_ASSERT(m_count < mostKeys);
     std::size_t place = m_count;
     for (; place > 0 && key < *m_fields[place - 1].key; --place)
         m_fields[place] = m_fields[place - 1];
     m_fields[place] = {&key, m_count};
-    m_values[m_count++] = &m_missing;
+    m_values[m_count] = &m_missing;
+    return m_count++;
 }
 
 void RecordReader::read(const QVariant &record)
@@ -65,7 +69,7 @@ void RecordReader::read(const QVariant &record)
     for (std::size_t i = 0; i < m_count; ++i) {
         const Field &field = m_fields[i];
         auto found = entry;
-        while (found != map.cend() && !same(found.key(), *field.key))
+        while (found != map.cend() && !sameText(found.key(), *field.key))
             ++found;
         if (found == map.cend()) {
             m_values[field.position] = &m_missing;

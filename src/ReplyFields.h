@@ -9,6 +9,9 @@
 /// Replies and events are lists of records, records are maps. These read them where they stand: nothing is copied that
 /// has the expected type, everything else is converted as QVariant converts it.
 
+/// left == right, without QString's comparison, which can sort and costs more.
+bool sameText(const QString &left, const QString &right);
+
 /// The map in @p value; @p converted keeps what a conversion made.
 const QVariantMap &mapIn(const QVariant &value, QVariantMap &converted);
 
@@ -29,8 +32,8 @@ public:
     /// @param keys not owned; at most mostKeys, in any order
     RecordReader(std::initializer_list<const QString *> keys);
 
-    /// Reads @p key, too; not owned.
-    void add(const QString &key);
+    /// Reads @p key, too; not owned. Returns its position; a key that is read already keeps the one it has.
+    std::size_t add(const QString &key);
 
     /// Takes @p record, a map, as the next one; it must live as long as its values are asked for.
     void read(const QVariant &record);

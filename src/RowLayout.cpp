@@ -106,21 +106,30 @@ RowMaker::RowMaker(const RowLayout &layout)
 {
     for (const RowField &field : layout) {
         if (field.key)
-            m_record.add(*field.key);
+            m_keys.push_back(m_record.add(*field.key));
     }
 }
 
 RowItem RowMaker::row(const QVariant &record) noexcept
 {
     try {
+        m_record.read(record);
+    } catch (const std::exception &) {
+        return nullptr;
+    }
+    return row();
+}
+
+RowItem RowMaker::row() noexcept
+{
+    try {
         const QStandardItem *const first = pattern();
         if (!first)
             return nullptr;
-        m_record.read(record);
         RowItem item(first->clone());
-        std::size_t key = 0;
+        auto key = m_keys.cbegin();
         for (const RowField &field : m_layout)
-            fill(*item, field, field.key ? m_record[key++] : QVariant());
+            fill(*item, field, field.key ? m_record[*key++] : QVariant());
         return item;
     } catch (const std::exception &) {
         return nullptr;

@@ -49,12 +49,18 @@ public:
     /// A row out of @p record, a map; null when memory ran out.
     RowItem row(const QVariant &record) noexcept;
 
+    /// What reads the records, for who needs more of a record than its row: read one with it, then make the row.
+    RecordReader &record() { return m_record; }
+    /// A row out of the record that was read last; null when memory ran out.
+    RowItem row() noexcept;
+
 private:
     const QStandardItem *pattern();
     void fill(QStandardItem &item, const RowField &field, const QVariant &value);
 
     const RowLayout &m_layout; // not owned
     RecordReader m_record;
+    std::vector<std::size_t> m_keys; // positions in m_record of the fields with a key
     RowItem m_pattern;
     RowIds m_ids;
 };

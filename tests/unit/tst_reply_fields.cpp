@@ -12,6 +12,7 @@ private slots:
     void everythingElseIsConverted();
     void missingFieldIsInvalid();
     void readerFindsFieldsInAnyOrder();
+    void readerKeepsTheKeysItHas();
     void readerForgetsTheRecordBefore();
     void readerTakesWhatIsNoMapAsEmpty();
 };
@@ -60,6 +61,22 @@ void ReplyFieldsTest::readerFindsFieldsInAnyOrder()
     QCOMPARE(reader[0], QVariant(4));
     for (const std::size_t missing : {1U, 2U, 3U})
         QVERIFY(!reader[missing].isValid());
+}
+
+void ReplyFieldsTest::readerKeepsTheKeysItHas()
+{
+    const QString first = "first";
+    const QString second = "second";
+    const QString secondAgain = "second";
+    RecordReader reader({&second, &first});
+    QCOMPARE(reader.add(secondAgain), std::size_t(0));
+    QCOMPARE(reader.add(first), std::size_t(1));
+    const QString third = "third";
+    QCOMPARE(reader.add(third), std::size_t(2));
+    reader.read(QVariantMap{{"first", 1}, {"second", 2}, {"third", 3}});
+    QCOMPARE(reader[0].toInt(), 2);
+    QCOMPARE(reader[1].toInt(), 1);
+    QCOMPARE(reader[2].toInt(), 3);
 }
 
 void ReplyFieldsTest::readerForgetsTheRecordBefore()
