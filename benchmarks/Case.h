@@ -47,6 +47,6 @@ void registerSignalCounts();
 void registerHeapCounts();
 void registerManyModels(const std::vector<int> &sizes);
 
-/// Under callgrind (--instr-atstart=no --toggle-collect off): runs every case that has growth sizes once, in both, and
+/// Under callgrind (--instr-atstart=no): runs every case that has growth sizes ten times, in both, and
 /// dumps the instructions of "ours" alone under the name "<title>/<size>". Returns an exit status.
 int countInstructions(const std::vector<Case> &cases);

@@ -9,6 +9,12 @@
 #include <cstdio>
 #include <string>
 
+namespace {
+
+constexpr int runs = 10; // one alone shows the lists of freed blocks that the work before left behind
+
+} // namespace
+
 int countInstructions(const std::vector<Case> &cases)
 {
     if (!RUNNING_ON_VALGRIND) {
@@ -25,14 +31,14 @@ int countInstructions(const std::vector<Case> &cases)
                 if (ours->prepare)
                     ours->prepare();
             };
-            prepare();
-            ours->run(); // the heap comes to rest
-            prepare();
-            CALLGRIND_START_INSTRUMENTATION;
-            CALLGRIND_ZERO_STATS;
-            ours->run();
+            for (int run = 0; run < runs; ++run) {
+                prepare();
+                CALLGRIND_START_INSTRUMENTATION;
+                ours->run();
+                CALLGRIND_STOP_INSTRUMENTATION;
+            }
             CALLGRIND_DUMP_STATS_AT(name.c_str());
-            CALLGRIND_STOP_INSTRUMENTATION;
+            CALLGRIND_ZERO_STATS;
         }
     }
     return 0;
