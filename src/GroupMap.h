@@ -9,8 +9,8 @@
 
 /// Values by recording-group id, in the order of the ids.
 ///
-/// The entries of an event come group by group, or round after round in the same order. So before an id is searched for,
-/// the group that was asked for last is tried, and the one that first came after it.
+/// The entries of an event come group by group, or round after round in the same order. So before an id is searched
+/// for, the group that was asked for last is tried, and the one that first came after it.
 template<typename Value>
 class GroupMap
 {
