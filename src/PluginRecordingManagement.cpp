@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <memory>
 #include <new>
 #include <utility>
 
@@ -220,7 +221,9 @@ QObject *PluginRecordingManagement::getServerDirModel()
 
 QObject *PluginRecordingManagement::getStorageUsageModel(const QString &relayPath)
 {
-    return storageUsageModel(relayPath).data();
+    QObject *model = nullptr;
+    withoutException([&] { model = storageUsageModel(relayPath).data(); });
+    return model;
 }
 
 QObject *PluginRecordingManagement::getGroupVolumeModel(const QString &relayPath, const QString &groupId)
@@ -236,22 +239,26 @@ QObject *PluginRecordingManagement::getRecordingGroupTreeModel() const
 
 QSharedPointer<QStandardItemModel> PluginRecordingManagement::storageUsageModel(const QString &source)
 {
-    QSharedPointer<QStandardItemModel> &model = m_storageUsageModels[source];
-    if (!model)
-        model.reset(newListModel(recordingGroupRoleNames(), this));
+    if (const auto known = m_storageUsageModels.value(source))
+        return known;
+    std::unique_ptr<QStandardItemModel> made(newListModel(recordingGroupRoleNames(), this));
+    const QSharedPointer<QStandardItemModel> model(made.get()); // throws without deleting what it is given
+    made.release();
+    if (model)
+        m_storageUsageModels.insert(source, model);
     return model;
 }
 
-void PluginRecordingManagement::CreateStationTreeModel(const QVariantMap &station)
+bool PluginRecordingManagement::CreateStationTreeModel(const QVariantMap &station)
 {
     if (!m_treeModel)
-        return;
+        return true;
     clearRows(m_treeModel.data());
     RowBatch rows(m_treeModel.data());
-    rows.add(TreeStationItem(
-        station.value(QStringLiteral("name")).toString(), station.value(QStringLiteral("ip")).toString(),
-        station.value(FieldKey::relayPath).toString(), station.value(QStringLiteral("type")).toString()));
-    rows.append();
+    return rows.add(TreeStationItem(
+               station.value(QStringLiteral("name")).toString(), station.value(QStringLiteral("ip")).toString(),
+               station.value(FieldKey::relayPath).toString(), station.value(QStringLiteral("type")).toString()))
+        && rows.append();
 }
 
 QString PluginRecordingManagement::convertVolumeCapacity(qint64 capacity) const

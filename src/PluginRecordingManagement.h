@@ -23,7 +23,8 @@ struct AddNASServerContext;
 /// later as a signal. Queries answer at once. The object owns every model that it hands out: they have it as parent, so
 /// QML never takes them over. A relay path names the station that a request is for; the empty one is the directly
 /// connected station. Everything runs on the thread of the object, the UI thread. Failures are written to the trace log
-/// and never thrown. Before InitialPluginBase() no command can be sent and the models are null.
+/// and never thrown; what memory does not suffice for is refused, or answered with nothing. Before InitialPluginBase()
+/// no command can be sent and the models are null.
 class PluginRecordingManagement : public PluginBase
 {
     Q_OBJECT
@@ -97,7 +98,7 @@ public:
     /// The folders of the station's directory listed last (roles: DirectoryRole). Null before Init().
     Q_INVOKABLE QObject *getServerDirModel();
     /// The usage of each recording group of one station (roles: RecordingGroupRole); made when first asked for. A new
-    /// connection forgets it: ask again then.
+    /// connection forgets it: ask again then. Null when memory ran out.
     Q_INVOKABLE QObject *getStorageUsageModel(const QString &relayPath);
     /// The storage paths of one recording group with their sizes (roles: VolumeRole, the root path being the recording
     /// path). Null until an event brought figures; each event makes a new model: ask again after volumeInfoChanged().
@@ -150,9 +151,9 @@ public:
 
     /// The station and its recording groups (a RecordingGroupTreeModel; roles: TreeRole). Null before Init().
     Q_INVOKABLE QObject *getRecordingGroupTreeModel() const;
-    /// Refreshes the tree and empties the cache. False only when the station plug-in could not name the station; true
-    /// also when the command could not be sent. Answered by retrieveRecordingGroupTreeModelFinish(), or, when the
-    /// station refuses, by nothing.
+    /// Refreshes the tree and empties the cache. False only when the station plug-in could not name the station, or
+    /// memory ran out, which keeps the cache; true also when the command could not be sent. Answered by
+    /// retrieveRecordingGroupTreeModelFinish(), or, when the station refuses, by nothing.
     Q_INVOKABLE bool retrieveRecordingGroupTreeModel();
     /// Empties the cache.
     Q_INVOKABLE void clearRecordingGroupDataList();
@@ -172,8 +173,9 @@ public:
     /// Members: maps with "camName" (string), "streamIndex" (int), "enableTimeShift" (bool), "enableSeamless" (bool).
     Q_INVOKABLE QVariantList getRecordingGroupMemberList(const QString &recordingGroupID, const QString &relayPath);
     /// The volume whose path begins @p path: "size" and "availableSize" (qlonglong, KB), "isNAS" and "isSystem" (bool);
-    /// zeros when there is none. The first volume of the model that matches counts, a plain prefix suffices, backslash
-    /// and slash are the same. @p relayPath is ignored: there is one volume model.
+    /// zeros when there is none, no entry at all when memory ran out. The first volume of the model that matches
+    /// counts, a plain prefix suffices, backslash and slash are the same. @p relayPath is ignored: there is one volume
+    /// model.
     Q_INVOKABLE QVariantMap getVolumeInfo(const QString &path, const QString &relayPath);
     /// The stream index under which another group records the camera with time shift or seamless recording; -1 when
     /// none does. @p cameraId is compared with the member's name alone, without a relay path.
@@ -195,8 +197,8 @@ public:
     Q_INVOKABLE bool getNASServers(const QString &relayPath = "");
     /// Adds a NAS server; the host must not be empty. Answered by addNASServerResponded(), unless a newer add or
     /// ignoreAddNASServerResponse() came in between.
-    Q_INVOKABLE bool addNASServer(const QString &host, const QString &logonDomain = "Host",
-                                  const QString &userName = "Guest", const QString &password = "",
+    Q_INVOKABLE bool addNASServer(const QString &host, const QString &logonDomain = QStringLiteral("Host"),
+                                  const QString &userName = QStringLiteral("Guest"), const QString &password = "",
                                   const QString &relayPath = "");
     /// Changes a NAS server. Answered by updateNASServerResponsed().
     Q_INVOKABLE bool updateNASServer(const QString &id, const QString &host, const QString &domain, const QString &user,
@@ -206,16 +208,16 @@ public:
     /// Abandons the adds that are under way: their replies change nothing and bring no signal.
     Q_INVOKABLE void ignoreAddNASServerResponse();
     /// Lists the folders under a NAS path, which must not be empty. Answered by getNASServerDirResponded().
-    Q_INVOKABLE bool getNASServerDir(const QString &basePath, const QString &logonDomain = "Host",
-                                     const QString &userName = "Guest", const QString &password = "",
+    Q_INVOKABLE bool getNASServerDir(const QString &basePath, const QString &logonDomain = QStringLiteral("Host"),
+                                     const QString &userName = QStringLiteral("Guest"), const QString &password = "",
                                      const QString &relayPath = "", NASDirFilter filter = NoDotAndDotDot);
     /// Asks how large a NAS path is, which must not be empty. Answered by getNASServerCapacityResponded().
-    Q_INVOKABLE bool getNASServerCapacity(const QString &basePath, const QString &logonDomain = "Host",
-                                          const QString &userName = "Guest", const QString &password = "",
-                                          const QString &relayPath = "");
+    Q_INVOKABLE bool getNASServerCapacity(const QString &basePath, const QString &logonDomain = QStringLiteral("Host"),
+                                          const QString &userName = QStringLiteral("Guest"),
+                                          const QString &password = "", const QString &relayPath = "");
     /// Asks how large a NAS path is and adds it to the volume model; the path must not be empty. The user name is
     /// empty by default, unlike above. Answered by getNASServerCapacityResponded(); the row follows that signal.
-    Q_INVOKABLE bool addNASPathToVolume(const QString &basePath, const QString &logonDomain = "Host",
+    Q_INVOKABLE bool addNASPathToVolume(const QString &basePath, const QString &logonDomain = QStringLiteral("Host"),
                                         const QString &userName = "", const QString &password = "",
                                         const QString &relayPath = "");
 
@@ -299,7 +301,7 @@ private:
     void monitorGroupStatus(const QString &source);
     QSharedPointer<QStandardItemModel> storageUsageModel(const QString &source);
 
-    void CreateStationTreeModel(const QVariantMap &station);
+    bool CreateStationTreeModel(const QVariantMap &station); // false when memory ran out
     void appendRecordingGroupToTreeModel(const QVariant &data);
     void saveRecordingGroupData(const QVariant &data);
     // @p list is the cache.
@@ -312,6 +314,8 @@ private:
                       const QString &relayPath) const;
     bool sendGroupPath(const char *function, const QString &command, const QString &groupKey, const QString &group,
                        const QString &path, RecPathType recPathType, qlonglong reserveSpace);
+    std::optional<QVariantMap> completeGroup(const QVariantMap &groupInfo, const QVariantList &paths,
+                                             const QVariantList &deviceInfos) const; // none when something is missing
     void setRecordingGroupRetrieved(bool retrieved);
 
     NASServerErrorCode TransferNASServerErrorCode(const QString &result) const;

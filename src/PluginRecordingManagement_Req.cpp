@@ -24,6 +24,29 @@ namespace {
 
 constexpr int sendFailedLine = 55; // under which the trace library's filters know a failed send
 
+// What @p query answers; @p nothing when memory ran out. Sending stays outside: what the framework throws is its own.
+template<typename Answer, typename Query>
+Answer answerOr(const Answer &nothing, Query query)
+{
+    try {
+        return query();
+    } catch (const std::bad_alloc &) {
+        return nothing;
+    }
+}
+
+// The data of a command; none when memory ran out.
+std::optional<QVariantMap> requestOf(std::initializer_list<std::pair<QString, QVariant>> fields)
+{
+    return answerOr(std::optional<QVariantMap>(), [&] { return std::optional(QVariantMap(fields)); });
+}
+
+// Empty when memory ran out.
+QString newRequestId()
+{
+    return answerOr(QString(), [] { return QUuid::createUuid().toString(); });
+}
+
 // A copy of @p value that crosses the framework as a context; null when memory ran out.
 template<typename Context>
 std::unique_ptr<Context> newContext(const Context &value) noexcept
@@ -35,37 +58,41 @@ std::unique_ptr<Context> newContext(const Context &value) noexcept
     }
 }
 
-QVariantMap nasPathRequest(const QString &basePath, const QString &logonDomain, const QString &userName,
-                           const QString &password, const QString &relayPath)
+std::optional<QVariantMap> nasPathRequest(const QString &basePath, const QString &logonDomain, const QString &userName,
+                                          const QString &password, const QString &relayPath)
 {
-    return {
-        {FieldKey::basePath, basePath}, {FieldKey::logonDomain, logonDomain}, {FieldKey::userName, userName},
-        {FieldKey::password, password}, {FieldKey::relayPath, relayPath},
-    };
+    return requestOf({
+        {FieldKey::basePath, basePath},
+        {FieldKey::logonDomain, logonDomain},
+        {FieldKey::userName, userName},
+        {FieldKey::password, password},
+        {FieldKey::relayPath, relayPath},
+    });
 }
 
-// What the station plug-in tells of its station; empty when the object or its method is missing.
+// What the station plug-in tells of its station; empty when the object or its method is missing, or memory ran out.
 QVariantMap stationTree(QObject *stationPlugin)
 {
     if (!stationPlugin)
         return {};
-    const QMetaObject *const meta = stationPlugin->metaObject();
-    const QMetaMethod method = meta->method(meta->indexOfMethod("getStationTree()"));
-    QVariant station;
-    if (method.isValid() && method.returnMetaType() == QMetaType::fromType<QVariant>())
-        method.invoke(stationPlugin, Qt::DirectConnection, Q_RETURN_ARG(QVariant, station));
-    return station.toMap();
+    return answerOr(QVariantMap(), [stationPlugin] {
+        const QMetaObject *const meta = stationPlugin->metaObject();
+        const QMetaMethod method = meta->method(meta->indexOfMethod("getStationTree()"));
+        QVariant station;
+        if (method.isValid() && method.returnMetaType() == QMetaType::fromType<QVariant>())
+            method.invoke(stationPlugin, Qt::DirectConnection, Q_RETURN_ARG(QVariant, station));
+        return station.toMap();
+    });
 }
 
-// What a query answers; @p nothing when memory ran out.
-template<typename Answer, typename Query>
-Answer answerOr(const Answer &nothing, Query query)
+// Leaves the station alone in @p tree; false when memory ran out.
+bool removeGroups(const QStandardItemModel &tree)
 {
-    try {
-        return query();
-    } catch (const std::bad_alloc &) {
-        return nothing;
-    }
+    return answerOr(false, [&tree] {
+        if (QStandardItem *const station = tree.item(0, 0))
+            station->removeRows(0, station->rowCount());
+        return true;
+    });
 }
 
 // Where the next name that @p cameraId may end with begins, after the one at @p name; -1 when there is none.
@@ -106,23 +133,25 @@ bool PluginRecordingManagement::getVolume(const QString &relayPath)
 
 QVariantMap PluginRecordingManagement::getVolumeInfo(const QString &path, const QString &)
 {
-    const QString slashPath = toSlashPath(path);
-    QModelIndex volume;
-    for (int row = 0; m_volumeModel && row < m_volumeModel->rowCount(); ++row) {
-        const QModelIndex index = m_volumeModel->index(row, 0);
-        const QString volumePath = toSlashPath(index.data(VolumeRole::RootPath).toString());
-        // D:/Rec lies under D:/Re too: a plain prefix, and the first one counts.
-        if (volumePath.isEmpty() || slashPath.startsWith(volumePath)) {
-            volume = index;
-            break;
+    return answerOr(QVariantMap(), [&] {
+        const QString slashPath = toSlashPath(path);
+        QModelIndex volume;
+        for (int row = 0; m_volumeModel && row < m_volumeModel->rowCount(); ++row) {
+            const QModelIndex index = m_volumeModel->index(row, 0);
+            const QString volumePath = toSlashPath(index.data(VolumeRole::RootPath).toString());
+            // D:/Rec lies under D:/Re too: a plain prefix, and the first one counts.
+            if (volumePath.isEmpty() || slashPath.startsWith(volumePath)) {
+                volume = index;
+                break;
+            }
         }
-    }
-    return {
-        {QStringLiteral("size"), volume.data(VolumeRole::Size).toLongLong()},
-        {QStringLiteral("availableSize"), volume.data(VolumeRole::AvailableSize).toLongLong()},
-        {QStringLiteral("isNAS"), volume.data(VolumeRole::IsNas).toBool()},
-        {QStringLiteral("isSystem"), volume.data(VolumeRole::IsSystem).toBool()},
-    };
+        return QVariantMap{
+            {QStringLiteral("size"), volume.data(VolumeRole::Size).toLongLong()},
+            {QStringLiteral("availableSize"), volume.data(VolumeRole::AvailableSize).toLongLong()},
+            {QStringLiteral("isNAS"), volume.data(VolumeRole::IsNas).toBool()},
+            {QStringLiteral("isSystem"), volume.data(VolumeRole::IsSystem).toBool()},
+        };
+    });
 }
 
 bool PluginRecordingManagement::getServerDir(const QString &basePath, const QString &relayPath)
@@ -144,9 +173,9 @@ bool PluginRecordingManagement::reloadStorageUsageInfo(const QString &relayPath)
 
 QString PluginRecordingManagement::getRecordingGroup()
 {
-    const QString requestId = QUuid::createUuid().toString();
+    const QString requestId = newRequestId();
     auto context = newContext<RequestIdContext>(requestId);
-    if (!context)
+    if (requestId.isEmpty() || !context)
         return {};
     setRecordingGroupRetrieved(false);
     if (!sendRequestToServer(ServerCommand::getRecordingGroup, {}, context.get(), ""))
@@ -178,13 +207,13 @@ bool PluginRecordingManagement::sendGroupPath(const char *function, const QStrin
         TRACE_ERROR("%s, Call function with empty parameter", function);
         return false;
     }
-    const QVariantMap request{
+    const auto request = requestOf({
         {groupKey, group},
         {FieldKey::path, path},
         {FieldKey::pathType, static_cast<int>(recPathType)},
         {FieldKey::reserveSpace, reserveSpace},
-    };
-    return sendRequestToServer(command, request, nullptr, "");
+    });
+    return request && sendRequestToServer(command, *request, nullptr, "");
 }
 
 bool PluginRecordingManagement::addRecordingGroup(const QString &groupName, const QString &path,
@@ -208,8 +237,8 @@ bool PluginRecordingManagement::removeRecordingGroup(const QStringList &groupIDL
         TRACE_ERROR("%s, Call function with empty parameter", function);
         return false;
     }
-    const QVariantMap request{{FieldKey::recordingGroupIDList, groupIDList}};
-    return sendRequestToServer(ServerCommand::removeRecordingGroup, request, nullptr, "");
+    const auto request = requestOf({{FieldKey::recordingGroupIDList, groupIDList}});
+    return request && sendRequestToServer(ServerCommand::removeRecordingGroup, *request, nullptr, "");
 }
 
 bool PluginRecordingManagement::removePathFromRecordingGroup(const QStringList &groupIDList,
@@ -224,11 +253,11 @@ bool PluginRecordingManagement::removePathFromRecordingGroup(const QStringList &
         TRACE_ERROR("%s, List length mismatch", function);
         return false;
     }
-    const QVariantMap request{
+    const auto request = requestOf({
         {FieldKey::recordingGroupIDList, groupIDList},
         {FieldKey::recordingGroupPathList, pathList},
-    };
-    return sendRequestToServer(ServerCommand::removePathFromRecordingGroup, request, nullptr, "");
+    });
+    return request && sendRequestToServer(ServerCommand::removePathFromRecordingGroup, *request, nullptr, "");
 }
 
 bool PluginRecordingManagement::updateRecordingGroup(const QString &groupID, const QVariantList &addCameraList,
@@ -237,7 +266,7 @@ bool PluginRecordingManagement::updateRecordingGroup(const QString &groupID, con
                                                      const QVariantList &removePathList,
                                                      const QVariantList &updatePathList, const QVariantMap &setGrpInfo)
 {
-    const QVariantMap request{
+    const auto request = requestOf({
         {FieldKey::recordingGroupID, groupID},
         {FieldKey::updateAddCameraList, addCameraList},
         {FieldKey::updateRmCameraList, removeCameraList},
@@ -245,13 +274,13 @@ bool PluginRecordingManagement::updateRecordingGroup(const QString &groupID, con
         {FieldKey::updateRmPathList, removePathList},
         {FieldKey::updateSetPathList, updatePathList},
         {FieldKey::updateSetRecordingGroup, setGrpInfo},
-    };
-    return sendRequestToServer(ServerCommand::updateRecordingGroup, request, nullptr, "");
+    });
+    return request && sendRequestToServer(ServerCommand::updateRecordingGroup, *request, nullptr, "");
 }
 
-bool PluginRecordingManagement::addRecordingGroupWithCompleteInfo(const QVariantMap &groupInfo,
-                                                                  const QVariantList &paths,
-                                                                  const QVariantList &deviceInfos)
+std::optional<QVariantMap> PluginRecordingManagement::completeGroup(const QVariantMap &groupInfo,
+                                                                    const QVariantList &paths,
+                                                                    const QVariantList &deviceInfos) const
 {
     constexpr auto function = "PluginRecordingManagement::addRecordingGroupWithCompleteInfo";
     const auto lacks = [](const QVariantMap &map, std::initializer_list<QString> keys) {
@@ -262,42 +291,50 @@ bool PluginRecordingManagement::addRecordingGroupWithCompleteInfo(const QVariant
               {FieldKey::recordingGroupName, FieldKey::recordingGroupReservedTimeEnabled,
                FieldKey::recordingGroupReservedTime})) {
         TRACE_ERROR("%s, Group info is not completed.", function);
-        return false;
+        return {};
     }
     const QString name = groupInfo.value(FieldKey::recordingGroupName).toString();
     if (name.isEmpty()) {
         TRACE_ERROR("%s, Group name is empty.", function);
-        return false;
+        return {};
     }
     const bool timeEnabled = groupInfo.value(FieldKey::recordingGroupReservedTimeEnabled).toBool();
     const int reservedTime = groupInfo.value(FieldKey::recordingGroupReservedTime).toInt();
     if (timeEnabled && reservedTime < 1) {
         TRACE_ERROR("%s, Reserved time's config is error.", function);
-        return false;
+        return {};
     }
     if (paths.isEmpty()) {
         TRACE_ERROR("%s, No any path is given.", function);
-        return false;
+        return {};
     }
     for (const QVariant &element : paths) {
         const QVariantMap pathInfo = element.toMap();
         if (lacks(pathInfo, {FieldKey::path, FieldKey::pathType, FieldKey::reserveSpace, FieldKey::isRecoveryMode})) {
             TRACE_ERROR("%s, Pathinfo's structure (passed from Qml) is error.", function);
-            return false;
+            return {};
         }
         if (!IsValidReservedSpace(pathInfo.value(FieldKey::reserveSpace).toLongLong())) {
             TRACE_ERROR("%s, Reserve space must be multiple of 1024", function);
-            return false;
+            return {};
         }
     }
-    const QVariantMap request{
+    return requestOf({
         {FieldKey::recordingGroupName, name},
         {FieldKey::recordingGroupReservedTimeEnabled, timeEnabled},
         {FieldKey::recordingGroupReservedTime, reservedTime},
         {FieldKey::pathInfoList, paths},
         {FieldKey::deviceInfos, deviceInfos},
-    };
-    return sendRequestToServer(ServerCommand::addRecordingGroupWithCompleteInfo, request, nullptr, "");
+    });
+}
+
+bool PluginRecordingManagement::addRecordingGroupWithCompleteInfo(const QVariantMap &groupInfo,
+                                                                  const QVariantList &paths,
+                                                                  const QVariantList &deviceInfos)
+{
+    const auto request =
+        answerOr(std::optional<QVariantMap>(), [&] { return completeGroup(groupInfo, paths, deviceInfos); });
+    return request && sendRequestToServer(ServerCommand::addRecordingGroupWithCompleteInfo, *request, nullptr, "");
 }
 
 // Station tree. -----------------------------------------------------------------------------------------------------
@@ -312,15 +349,18 @@ bool PluginRecordingManagement::retrieveRecordingGroupTreeModel()
             TRACE_ERROR("%s, GetStationTree failed", "PluginRecordingManagement::retrieveRecordingGroupTreeModel");
             return false;
         }
-        CreateStationTreeModel(station);
-    } else if (QStandardItem *station = m_treeModel->item(0, 0)) {
-        station->removeRows(0, station->rowCount());
+        if (!answerOr(false, [&] { return CreateStationTreeModel(station); }))
+            return false;
+    } else if (!removeGroups(*m_treeModel)) {
+        return false;
     }
 
-    const QVariantMap request{
+    const auto request = requestOf({
         {FieldKey::relayPath, m_treeModel ? m_treeModel->index(0, 0).data(TreeRole::RelayPath) : QVariant()},
-    };
-    sendRequestToServer(ServerCommand::retrieveRecordingGroupTreeModel, request, nullptr, "");
+    });
+    if (!request)
+        return false;
+    sendRequestToServer(ServerCommand::retrieveRecordingGroupTreeModel, *request, nullptr, "");
     clearRecordingGroupDataList();
     return true;
 }
@@ -416,37 +456,41 @@ int PluginRecordingManagement::streamIndexHasBeenSetTmShiftSeamlessInOtherRecGro
 
 QVariantList PluginRecordingManagement::getRecordingGroupInfoList()
 {
-    const QString station; // the directly connected one
-    const auto entry = m_storageUsageModels.constFind(station);
-    if (entry == m_storageUsageModels.constEnd())
-        return {QVariantMap{}};
+    return answerOr(QVariantList(), [&] {
+        const QString station; // the directly connected one
+        const auto entry = m_storageUsageModels.constFind(station);
+        QVariantList groups;
+        if (entry == m_storageUsageModels.constEnd()) {
+            groups.append(QVariantMap());
+            return groups;
+        }
 
-    const QSharedPointer<QStandardItemModel> usage = *entry;
-    QVariantList groups;
-    for (int row = 0; usage && row < usage->rowCount(); ++row) {
-        const QModelIndex group = usage->index(row, 0);
-        const QString id = group.data(RecordingGroupRole::Id).toString();
-        const QSharedPointer<QStandardItemModel> paths = m_groupVolumeModels.value(station).value(id);
-        QVariantList volumes;
-        for (int pathRow = 0; paths && pathRow < paths->rowCount(); ++pathRow) {
-            const QModelIndex path = paths->index(pathRow, 0);
-            volumes.append(QVariantMap{
-                {FieldKey::recordingPath, path.data(VolumeRole::RootPath).toString()},
-                {QStringLiteral("totalSpace"), convertVolumeCapacity(path.data(VolumeRole::Size).toLongLong())},
-                {QStringLiteral("remainingSpace"),
-                 convertVolumeCapacity(path.data(VolumeRole::AvailableSize).toLongLong())},
-                {QStringLiteral("isNAS"), path.data(VolumeRole::IsNas).toBool()},
+        const QSharedPointer<QStandardItemModel> usage = *entry;
+        for (int row = 0; usage && row < usage->rowCount(); ++row) {
+            const QModelIndex group = usage->index(row, 0);
+            const QString id = group.data(RecordingGroupRole::Id).toString();
+            const QSharedPointer<QStandardItemModel> paths = m_groupVolumeModels.value(station).value(id);
+            QVariantList volumes;
+            for (int pathRow = 0; paths && pathRow < paths->rowCount(); ++pathRow) {
+                const QModelIndex path = paths->index(pathRow, 0);
+                volumes.append(QVariantMap{
+                    {FieldKey::recordingPath, path.data(VolumeRole::RootPath).toString()},
+                    {QStringLiteral("totalSpace"), convertVolumeCapacity(path.data(VolumeRole::Size).toLongLong())},
+                    {QStringLiteral("remainingSpace"),
+                     convertVolumeCapacity(path.data(VolumeRole::AvailableSize).toLongLong())},
+                    {QStringLiteral("isNAS"), path.data(VolumeRole::IsNas).toBool()},
+                });
+            }
+            groups.append(QVariantMap{
+                {QStringLiteral("recordingGroup"), id},
+                {QStringLiteral("groupName"), group.data(RecordingGroupRole::Name).toString()},
+                {QStringLiteral("recordedDays"), group.data(RecordingGroupRole::RecordedDays).toInt()},
+                {QStringLiteral("remainingDays"), group.data(RecordingGroupRole::RemainDays).toInt()},
+                {QStringLiteral("volumeList"), volumes},
             });
         }
-        groups.append(QVariantMap{
-            {QStringLiteral("recordingGroup"), id},
-            {QStringLiteral("groupName"), group.data(RecordingGroupRole::Name).toString()},
-            {QStringLiteral("recordedDays"), group.data(RecordingGroupRole::RecordedDays).toInt()},
-            {QStringLiteral("remainingDays"), group.data(RecordingGroupRole::RemainDays).toInt()},
-            {QStringLiteral("volumeList"), volumes},
-        });
-    }
-    return groups;
+        return groups;
+    });
 }
 
 // NAS servers. ------------------------------------------------------------------------------------------------------
@@ -464,19 +508,22 @@ bool PluginRecordingManagement::addNASServer(const QString &host, const QString 
         TRACE_ERROR("%s, host is empty", function);
         return false;
     }
-    const QString requestId = QUuid::createUuid().toString();
-    const QVariantMap request{
-        {FieldKey::host, host},         {FieldKey::logonDomain, logonDomain}, {FieldKey::userName, userName},
-        {FieldKey::password, password}, {FieldKey::relayPath, relayPath},
-    };
+    const QString requestId = newRequestId();
+    const auto request = requestOf({
+        {FieldKey::host, host},
+        {FieldKey::logonDomain, logonDomain},
+        {FieldKey::userName, userName},
+        {FieldKey::password, password},
+        {FieldKey::relayPath, relayPath},
+    });
     auto context = newContext(AddNASServerContext{host, logonDomain, userName, password, requestId});
-    if (!context) {
+    if (requestId.isEmpty() || !request || !context) {
         TRACE_ERROR("%s, new AddNASServerContext failed", function);
         return false;
     }
     // Current before it is sent: the framework may answer from within the call.
     const QString previousRequestId = std::exchange(m_addRequestId, requestId);
-    if (!sendRequestToServer(ServerCommand::AddNasServer, request, context.get(), "")) {
+    if (!sendRequestToServer(ServerCommand::AddNasServer, *request, context.get(), "")) {
         if (m_addRequestId == requestId)
             m_addRequestId = previousRequestId;
         return false;
@@ -488,12 +535,16 @@ bool PluginRecordingManagement::addNASServer(const QString &host, const QString 
 bool PluginRecordingManagement::updateNASServer(const QString &id, const QString &host, const QString &domain,
                                                 const QString &user, const QString &password, const QString &relayPath)
 {
-    const QVariantMap request{
-        {QStringLiteral("id"), id}, {FieldKey::host, host},         {FieldKey::logonDomain, domain},
-        {FieldKey::userName, user}, {FieldKey::password, password}, {FieldKey::relayPath, relayPath},
-    };
-    auto context = newContext<NASServerRequestContext>(request);
-    if (!context || !sendRequestToServer(ServerCommand::UpdateNASServer, request, context.get(), ""))
+    const auto request = requestOf({
+        {QStringLiteral("id"), id},
+        {FieldKey::host, host},
+        {FieldKey::logonDomain, domain},
+        {FieldKey::userName, user},
+        {FieldKey::password, password},
+        {FieldKey::relayPath, relayPath},
+    });
+    auto context = request ? newContext<NASServerRequestContext>(*request) : nullptr;
+    if (!context || !sendRequestToServer(ServerCommand::UpdateNASServer, *request, context.get(), ""))
         return false;
     context.release(); // handleUpdateNASServer destroys it
     return true;
@@ -501,12 +552,12 @@ bool PluginRecordingManagement::updateNASServer(const QString &id, const QString
 
 bool PluginRecordingManagement::removeNASServer(const QString &id, const QString &relayPath)
 {
-    const QVariantMap request{{QStringLiteral("id"), id}, {FieldKey::relayPath, relayPath}};
-    auto context = newContext<NASServerRequestContext>(request);
+    const auto request = requestOf({{QStringLiteral("id"), id}, {FieldKey::relayPath, relayPath}});
+    auto context = request ? newContext<NASServerRequestContext>(*request) : nullptr;
     if (!context)
         return false;
     // Given away whether or not the send succeeds: a copy that could not be sent stays allocated, as clients know it.
-    return sendRequestToServer(ServerCommand::RemoveNASServer, request, context.release(), "");
+    return sendRequestToServer(ServerCommand::RemoveNASServer, *request, context.release(), "");
 }
 
 void PluginRecordingManagement::ignoreAddNASServerResponse()
@@ -524,8 +575,8 @@ bool PluginRecordingManagement::getNASServerDir(const QString &basePath, const Q
     }
     // The filter itself is the context: nothing is allocated.
     auto *const context = reinterpret_cast<void *>(static_cast<qintptr>(filter));
-    return sendRequestToServer(ServerCommand::GetNasDir,
-                               nasPathRequest(basePath, logonDomain, userName, password, relayPath), context, "");
+    const auto request = nasPathRequest(basePath, logonDomain, userName, password, relayPath);
+    return request && sendRequestToServer(ServerCommand::GetNasDir, *request, context, "");
 }
 
 bool PluginRecordingManagement::getNASServerCapacity(const QString &basePath, const QString &logonDomain,
@@ -536,8 +587,8 @@ bool PluginRecordingManagement::getNASServerCapacity(const QString &basePath, co
         TRACE_ERROR("%s, basePath is empty", "PluginRecordingManagement::getNASServerCapacity");
         return false;
     }
-    return sendRequestToServer(ServerCommand::GetNasCapacity,
-                               nasPathRequest(basePath, logonDomain, userName, password, relayPath), nullptr, "");
+    const auto request = nasPathRequest(basePath, logonDomain, userName, password, relayPath);
+    return request && sendRequestToServer(ServerCommand::GetNasCapacity, *request, nullptr, "");
 }
 
 bool PluginRecordingManagement::addNASPathToVolume(const QString &basePath, const QString &logonDomain,
@@ -548,11 +599,9 @@ bool PluginRecordingManagement::addNASPathToVolume(const QString &basePath, cons
         TRACE_ERROR("%s, basePath is empty", "PluginRecordingManagement::addNASPathToVolume");
         return false;
     }
+    const auto request = nasPathRequest(basePath, logonDomain, userName, password, relayPath);
     auto context = newContext<NASPathContext>(basePath);
-    if (!context
-        || !sendRequestToServer(ServerCommand::GetNasCapacity,
-                                nasPathRequest(basePath, logonDomain, userName, password, relayPath), context.get(),
-                                ""))
+    if (!request || !context || !sendRequestToServer(ServerCommand::GetNasCapacity, *request, context.get(), ""))
         return false;
     context.release(); // handleGetNASServerCapacity destroys it
     return true;
@@ -564,6 +613,6 @@ bool PluginRecordingManagement::addNASPathsToVolume(const QStringList &pathList)
         emit addNASPathsToVolumeResp(true); // nothing to do counts as done, though nothing was sent
         return false;
     }
-    const QVariantMap request{{FieldKey::pathList, pathList}};
-    return sendRequestToServer(ServerCommand::addNASPathsToVolume, request, nullptr, "");
+    const auto request = requestOf({{FieldKey::pathList, pathList}});
+    return request && sendRequestToServer(ServerCommand::addNASPathsToVolume, *request, nullptr, "");
 }

@@ -1,4 +1,5 @@
 #include "FakeFramework.h"
+#include "FakeStationPlugin.h"
 #include "HeapWatch.h"
 #include "ModelText.h"
 #include "PluginRecordingManagement.h"
@@ -17,23 +18,8 @@
 
 namespace {
 
-const QString stationPluginId = QStringLiteral("1AA33B3D0AA047C9A202F1181284D2CD");
+const QString &stationPluginId = FakeStationPlugin::pluginId;
 const QList<int> describingRoles{259, 260, 261, 262, 263};
-
-class StationPlugin : public QObject
-{
-    Q_OBJECT
-
-public:
-    Q_INVOKABLE QVariant getStationTree()
-    {
-        ++asked;
-        return station;
-    }
-
-    QVariant station = QVariantMap{{"name", "North"}, {"ip", "10.0.0.7"}, {"relayPath", "st1"}, {"type", "NVR"}};
-    int asked = 0;
-};
 
 // Has a method of that name that answers in another way.
 class OtherPlugin : public QObject
@@ -94,7 +80,7 @@ private:
     QStringList tree() const { return modelText(*m_model, describingRoles); }
     QStringList groupIds(int station = 0) const { return modelText(*m_model, {263}, m_model->index(station, 0)); }
 
-    StationPlugin m_station;
+    FakeStationPlugin m_station;
     OtherPlugin m_other;
     FakeFramework m_framework;
     std::unique_ptr<PluginRecordingManagement> m_plugin;
@@ -106,7 +92,7 @@ private:
 void StationTreeTest::init()
 {
     QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
-    m_station.station = StationPlugin().station;
+    m_station.station = FakeStationPlugin().station;
     m_station.asked = 0;
     m_framework = {};
     m_framework.pluginObjects.insert(stationPluginId, &m_station);
