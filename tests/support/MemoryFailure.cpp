@@ -5,7 +5,7 @@
 #include <cstdlib>
 
 // The allocator behind the replaced functions.
-#ifdef __SANITIZE_ADDRESS__
+#ifdef SANITIZERS_ALLOCATE
 #define BEHIND(function) __interceptor_##function
 #else
 #define BEHIND(function) __libc_##function

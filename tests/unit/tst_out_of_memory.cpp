@@ -15,6 +15,7 @@
 #include <functional>
 #include <iterator>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -45,7 +46,7 @@ struct Outcome
     bool thrown = false;
     bool failed = false; // memory was refused
     QVariant answer;
-    qsizetype sent = 0;
+    QVariantList sent = {}; // the data
     qsizetype models = 0; // more than before
 
     bool operator==(const Outcome &other) const
@@ -91,7 +92,8 @@ Outcome outcomeOf(PluginSite &site, int number, QVariantList arguments, int nth 
         break;
     }
     outcome.answer = comparable(answer);
-    outcome.sent = site.framework.sent.size();
+    for (const FakeFramework::Sent &request : std::as_const(site.framework.sent))
+        outcome.sent.append(request.data);
     outcome.models = site.plugin.children().size() - before;
     return outcome;
 }
