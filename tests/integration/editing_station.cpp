@@ -1,4 +1,6 @@
 #include "EditSequence.h"
+#include "FakeVolumes.h"
+#include "GroupRequests.h"
 #include "Station.h"
 
 #include <QCoreApplication>
@@ -11,17 +13,6 @@
 
 namespace {
 
-/// Everything lies on one large disk.
-class OneVolume : public VolumeSource
-{
-public:
-    QList<Volume> volumes() const override { return {m_disk}; }
-    std::optional<Volume> volumeHolding(const QString &) const override { return m_disk; }
-
-private:
-    Volume m_disk{QStringLiteral("/"), QStringLiteral("Disk"), Q_INT64_C(1) << 50, Q_INT64_C(1) << 50, true, false};
-};
-
 StationReply ask(Station &station, const QString &command, const QVariant &data)
 {
     StationReply reply;
@@ -29,31 +20,22 @@ StationReply ask(Station &station, const QString &command, const QVariant &data)
     return reply;
 }
 
-QVariantMap pathMap(const GroupPath &path)
+QVariantMap mapOf(const GroupPath &path)
 {
-    return {{QStringLiteral("path"), path.path},
-            {QStringLiteral("pathType"), static_cast<int>(path.kind)},
-            {QStringLiteral("reserveSpace"), path.reservedMegabytes},
-            {QStringLiteral("isRecoveryMode"), path.isRecovery}};
+    return pathMap(path.path, path.reservedMegabytes, path.isRecovery, static_cast<int>(path.kind));
 }
 
-QVariantList pathMaps(const QList<GroupPath> &paths)
+QVariantMap mapOf(const GroupMember &member)
 {
-    QVariantList list;
-    for (const GroupPath &path : paths)
-        list.append(pathMap(path));
-    return list;
+    return memberMap(member.camera, member.stream, member.timeShift, member.seamless);
 }
 
-QVariantList memberMaps(const QList<GroupMember> &members)
+template<typename Part>
+QVariantList mapsOf(const QList<Part> &parts)
 {
     QVariantList list;
-    for (const GroupMember &member : members) {
-        list.append(QVariantMap{{QStringLiteral("camName"), member.camera},
-                                {QStringLiteral("streamIndex"), member.stream},
-                                {QStringLiteral("enableTimeShift"), member.timeShift},
-                                {QStringLiteral("enableSeamless"), member.seamless}});
-    }
+    for (const Part &part : parts)
+        list.append(mapOf(part));
     return list;
 }
 
@@ -68,8 +50,8 @@ QVariantMap settingsMap(const RecordingGroup &group)
 StationReply add(Station &station, const RecordingGroup &group)
 {
     QVariantMap request = settingsMap(group);
-    request.insert(QStringLiteral("pathInfoList"), pathMaps(group.paths));
-    request.insert(QStringLiteral("deviceInfos"), memberMaps(group.members));
+    request.insert(QStringLiteral("pathInfoList"), mapsOf(group.paths));
+    request.insert(QStringLiteral("deviceInfos"), mapsOf(group.members));
     return ask(station, QStringLiteral("addRecordingGroupWithCompleteInfo"), request);
 }
 
@@ -85,9 +67,9 @@ StationReply update(Station &station, const QString &id, const RecordingGroup &b
     return ask(station, QStringLiteral("updateRecordingGroup"),
                QVariantMap{{QStringLiteral("recordingGroupID"), id},
                            {QStringLiteral("updateRmCameraList"), lost},
-                           {QStringLiteral("updateAddCameraList"), memberMaps(after.members)},
+                           {QStringLiteral("updateAddCameraList"), mapsOf(after.members)},
                            {QStringLiteral("updateRmPathList"), lostPaths},
-                           {QStringLiteral("updateAddPathList"), pathMaps(after.paths)},
+                           {QStringLiteral("updateAddPathList"), mapsOf(after.paths)},
                            {QStringLiteral("updateSetRecordingGroup"), settingsMap(after)}});
 }
 
@@ -102,7 +84,7 @@ StationReply carryOut(Station &station, int edit, const QString &volume, const Q
     case Kind::Update:
         return update(station, id, groupAfter(edit - 1, volume), after);
     case Kind::AddPath:
-        request.insert(pathMap(after.paths.back()));
+        request.insert(mapOf(after.paths.back()));
         return ask(station, QStringLiteral("addPathToRecordingGroup"), request);
     case Kind::RemoveOrRename:
         break;
@@ -131,7 +113,10 @@ int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    Station station(StationSettings{arguments.value(1), {}, std::make_unique<OneVolume>()});
+    // Everything lies on one large disk.
+    constexpr qint64 size = Q_INT64_C(1) << 50;
+    const Volume disk{arguments.value(2), QStringLiteral("Disk"), size, size, true, false};
+    Station station(StationSettings{arguments.value(1), {}, std::make_unique<FakeVolumes>(QList{disk})});
     for (int number = 0; number < EditSequence::cameras; ++number) {
         ask(station, QStringLiteral("station.addCamera"),
             QVariantMap{{QStringLiteral("camName"), EditSequence::camera(number)},

@@ -1,4 +1,5 @@
 #include "EditSequence.h"
+#include "GroupText.h"
 #include "groups/GroupStore.h"
 #include "store/Database.h"
 
@@ -18,21 +19,8 @@ constexpr int patience = 60000; // milliseconds
 QStringList texts(const QList<RecordingGroup> &groups)
 {
     QStringList lines;
-    for (const RecordingGroup &group : groups) {
-        QStringList parts{group.name, group.folder, QString::number(group.reservedMinutes),
-                          QString::number(group.isReservedTimeEnabled), group.nodeIds.join(u',')};
-        for (const GroupPath &path : group.paths) {
-            parts.append(QStringLiteral("%1 %2 %3").arg(path.path).arg(path.reservedMegabytes).arg(path.isRecovery));
-        }
-        for (const GroupMember &member : group.members) {
-            parts.append(QStringLiteral("%1 %2 %3 %4")
-                             .arg(member.camera)
-                             .arg(member.stream)
-                             .arg(member.timeShift)
-                             .arg(member.seamless));
-        }
-        lines.append(parts.join(u'|'));
-    }
+    for (const RecordingGroup &group : groups)
+        lines.append(text(group));
     return lines;
 }
 } // namespace
