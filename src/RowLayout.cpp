@@ -106,7 +106,7 @@ RowMaker::RowMaker(const RowLayout &layout)
 {
     for (const RowField &field : layout) {
         if (field.key)
-            m_keys.push_back(m_record.add(*field.key));
+            m_record.add(*field.key);
     }
 }
 
@@ -127,9 +127,9 @@ RowItem RowMaker::row() noexcept
         if (!first)
             return nullptr;
         RowItem item(first->clone());
-        auto key = m_keys.cbegin();
+        std::size_t key = 0;
         for (const RowField &field : m_layout)
-            fill(*item, field, field.key ? m_record[*key++] : QVariant());
+            fill(*item, field, field.key ? m_record[key++] : QVariant());
         return item;
     } catch (const std::exception &) {
         return nullptr;

@@ -29,7 +29,8 @@ struct RowField
     QVariant constant = {};
 };
 
-/// The roles of a row, in the order in which they are stored; at most RecordReader::mostKeys of them have a key.
+/// The roles of a row, in the order in which they are stored; at most RecordReader::mostKeys of them have a key, each
+/// another one.
 using RowLayout = std::vector<RowField>;
 
 const RowLayout &volumeRow(); ///< of a "getVolume" reply
@@ -59,8 +60,7 @@ private:
     void fill(QStandardItem &item, const RowField &field, const QVariant &value);
 
     const RowLayout &m_layout; // not owned
-    RecordReader m_record;
-    std::vector<std::size_t> m_keys; // positions in m_record of the fields with a key
+    RecordReader m_record; // the keys of the layout first, in its order
     RowItem m_pattern;
     RowIds m_ids;
 };
