@@ -5,7 +5,6 @@
 #include "StationProtocol.h"
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 
 namespace {
@@ -15,12 +14,6 @@ constexpr qint64 reserveUnit = 1024; // megabytes
 bool isKind(int kind)
 {
     return kind >= static_cast<int>(PathKind::Local) && kind <= static_cast<int>(PathKind::NetDomain);
-}
-
-qint64 saturatedSum(qint64 left, qint64 right)
-{
-    constexpr qint64 most = std::numeric_limits<qint64>::max();
-    return left > most - right ? most : left + right;
 }
 
 /// "0" when the station has the camera and that stream of it.
@@ -38,6 +31,7 @@ QString checkStream(const QList<Camera> &cameras, const GroupMember &member)
 GroupEdit::GroupEdit(RecordingGroup group, const GroupSite &site)
     : m_group(std::move(group))
     , m_site(site)
+    , m_reserves(site.paths)
 {
 }
 
@@ -223,7 +217,7 @@ bool GroupEdit::hasFolder(const QString &folder, const QString &space, const QSt
         && std::any_of(m_group.paths.cbegin(), m_group.paths.cend(),
                        [this, &folder, &exceptPath, &space](const GroupPath &path) {
                            return path.path != exceptPath && m_site.paths.sharedSpace(path.kind, path.path) == space
-                               && volumeOf(path).folder == folder;
+                               && m_reserves.volumeOf(path).folder == folder;
                        });
 }
 
@@ -234,59 +228,25 @@ GroupPath *GroupEdit::findPath(const QString &path)
     return found == m_group.paths.end() ? nullptr : &*found;
 }
 
-const PathFacts &GroupEdit::volumeOf(const GroupPath &path)
+/// Where more is reserved than before, all groups together may not reserve more than there is.
+void GroupEdit::checkVolumes()
 {
-    const QString key = QString::number(static_cast<int>(path.kind)) + path.path;
-    auto facts = m_volumes.find(key);
-    if (facts == m_volumes.end())
-        facts = m_volumes.insert(key, m_site.paths.volumeOf(path.kind, path.path));
-    return *facts;
-}
-
-/// Where more is reserved than before.
-QSet<QString> GroupEdit::claimedSpaces()
-{
+    if (m_claims.isEmpty())
+        return;
     QSet<QString> spaces;
     for (const Claim &claim : std::as_const(m_claims)) {
         if (const GroupPath *path = findPath(claim.path))
             spaces.insert(m_site.paths.sharedSpace(path->kind, path->path));
     }
-    return spaces;
-}
-
-/// What all groups reserve on each volume where more is reserved than before; a server that this is not about is not
-/// asked, it may be silent. A path whose volume is gone does not count.
-QHash<QString, qint64> GroupEdit::reservedMegabytes()
-{
-    const QSet<QString> spaces = claimedSpaces();
-    QHash<QString, qint64> sums;
-    const auto count = [this, &spaces, &sums](const RecordingGroup &group) {
-        for (const GroupPath &path : group.paths) {
-            if (!spaces.contains(m_site.paths.sharedSpace(path.kind, path.path)))
-                continue;
-            const PathFacts &facts = volumeOf(path);
-            if (facts.returnCode == StationReturnCode::Success)
-                sums[facts.volume] = saturatedSum(sums.value(facts.volume), path.reservedMegabytes);
-        }
-    };
-    count(m_group);
-    for (const RecordingGroup &group : m_site.groups) {
-        if (group.id != m_group.id)
-            count(group);
-    }
-    return sums;
-}
-
-void GroupEdit::checkVolumes()
-{
-    if (m_claims.isEmpty())
-        return;
-    const QHash<QString, qint64> sums = reservedMegabytes();
+    QList<RecordingGroup> groups = m_site.groups;
+    groups.removeIf([this](const RecordingGroup &group) { return group.id == m_group.id; });
+    groups.append(m_group);
+    const QHash<QString, qint64> sums = m_reserves.sums(groups, spaces);
     for (const Claim &claim : std::as_const(m_claims)) {
         const GroupPath *path = findPath(claim.path);
         if (!path)
             continue; // a later step removed it
-        const PathFacts &facts = volumeOf(*path);
+        const PathFacts &facts = m_reserves.volumeOf(*path);
         if (facts.returnCode != StationReturnCode::Success)
             refuse(claim.place, facts);
         else if (sums.value(facts.volume) > facts.bytesTotal / bytesPerMegabyte)

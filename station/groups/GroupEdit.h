@@ -2,9 +2,7 @@
 
 #include "PathCheck.h"
 #include "RecordingGroup.h"
-
-#include <QHash>
-#include <QSet>
+#include "VolumeReserves.h"
 
 #include <optional>
 
@@ -106,9 +104,6 @@ private:
     bool lookAt(const Place &place, const QString &path, int kind);
     bool hasFolder(const QString &folder, const QString &space, const QString &exceptPath);
     GroupPath *findPath(const QString &path);
-    const PathFacts &volumeOf(const GroupPath &path);
-    QSet<QString> claimedSpaces();
-    QHash<QString, qint64> reservedMegabytes();
     void checkVolumes();
 
     RecordingGroup m_group;
@@ -118,5 +113,5 @@ private:
     QList<Claim> m_claims;
     std::optional<Place> m_removedPath; ///< the last one
     QString m_pathsElement; ///< where a path would be added
-    QHash<QString, PathFacts> m_volumes; ///< of paths, by kind and path: many groups may share one
+    VolumeReserves m_reserves;
 };
