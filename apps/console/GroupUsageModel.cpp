@@ -1,11 +1,17 @@
 #include "GroupUsageModel.h"
 
+#include "ModelColumn.h"
+#include "RowOrder.h"
+
+#include <QCollator>
 #include <QMetaObject>
 
 #include <algorithm>
 #include <array>
 #include <iterator>
 #include <tuple>
+#include <utility>
+#include <vector>
 
 namespace {
 constexpr int minutesPerDay = 24 * 60;
@@ -26,28 +32,11 @@ QAbstractItemModel *askedModel(QObject &recording, const char *getter, const Key
     return qobject_cast<QAbstractItemModel *>(model);
 }
 
-/// The values of one role, by its name.
-class Column
-{
-public:
-    Column(const QAbstractItemModel &model, const char *role)
-        : m_model(model)
-        , m_role(model.roleNames().key(role, -1))
-    {
-    }
-
-    QVariant operator[](int row) const { return m_model.index(row, 0).data(m_role); }
-
-private:
-    const QAbstractItemModel &m_model;
-    int m_role;
-};
-
 QVariantList volumeList(const QAbstractItemModel *model)
 {
     if (!model)
         return {};
-    const std::array<std::pair<QString, Column>, 6> columns{{
+    const std::array<std::pair<QString, ModelColumn>, 6> columns{{
         {QStringLiteral("name"), {*model, "nameRole"}},
         {QStringLiteral("path"), {*model, "rootPathRole"}},
         {QStringLiteral("size"), {*model, "sizeRole"}},
@@ -78,24 +67,39 @@ void GroupUsageModel::judge(Group &group)
     group.state = group.missingDays > 0 ? Short : Sufficient;
 }
 
-bool GroupUsageModel::isWorse(const Group &left, const Group &right)
+void GroupUsageModel::sortWorstFirst(QList<Group> &groups)
 {
-    if (std::tie(left.state, right.missingDays) != std::tie(right.state, left.missingDays))
-        return std::tie(left.state, right.missingDays) < std::tie(right.state, left.missingDays);
-    const int names = QString::localeAwareCompare(left.name.toCaseFolded(), right.name.toCaseFolded());
-    return names != 0 ? names < 0 : left.id < right.id;
+    struct Entry
+    {
+        Group group;
+        QCollatorSortKey name; // made once: comparing by a locale costs more than all else here
+    };
+    const QCollator collator;
+    std::vector<Entry> entries;
+    entries.reserve(groups.size());
+    for (const Group &group : std::as_const(groups))
+        entries.push_back({group, collator.sortKey(group.name.toCaseFolded())});
+    std::sort(entries.begin(), entries.end(), [](const Entry &left, const Entry &right) {
+        const Group &a = left.group;
+        const Group &b = right.group;
+        if (std::tie(a.state, b.missingDays) != std::tie(b.state, a.missingDays))
+            return std::tie(a.state, b.missingDays) < std::tie(b.state, a.missingDays);
+        const int names = left.name.compare(right.name);
+        return names != 0 ? names < 0 : a.id < b.id;
+    });
+    std::transform(entries.begin(), entries.end(), groups.begin(), [](const Entry &entry) { return entry.group; });
 }
 
 QList<GroupUsageModel::Group> GroupUsageModel::groupsOf(QObject &recording, const QString &relayPath)
 {
     QList<Group> groups;
     if (const QAbstractItemModel *usage = askedModel(recording, "getStorageUsageModel", relayPath)) {
-        const Column id(*usage, "idRole");
-        const Column name(*usage, "nameRole");
-        const Column recordedDays(*usage, "recordedDaysRole");
-        const Column remainingDays(*usage, "remainDaysRole");
-        const Column oneDayUsage(*usage, "oneDayUsageRole");
-        const Column reservedTime(*usage, "reserveTimeRole");
+        const ModelColumn id(*usage, "idRole");
+        const ModelColumn name(*usage, "nameRole");
+        const ModelColumn recordedDays(*usage, "recordedDaysRole");
+        const ModelColumn remainingDays(*usage, "remainDaysRole");
+        const ModelColumn oneDayUsage(*usage, "oneDayUsageRole");
+        const ModelColumn reservedTime(*usage, "reserveTimeRole");
         for (int row = 0; row < usage->rowCount(); ++row) {
             Group group;
             group.id = id[row].toString();
@@ -108,53 +112,98 @@ QList<GroupUsageModel::Group> GroupUsageModel::groupsOf(QObject &recording, cons
             groups.append(group);
         }
     }
-    for (Group &group : groups)
-        group.volumes = volumeList(askedModel(recording, "getGroupVolumeModel", relayPath, group.id));
     // What belongs to no group has volumes alone.
-    Group unassigned;
-    unassigned.state = Unassigned;
-    unassigned.volumes = volumeList(askedModel(recording, "getGroupVolumeModel", relayPath, unassigned.id));
-    if (!unassigned.volumes.isEmpty())
-        groups.append(unassigned);
-    std::sort(groups.begin(), groups.end(), &GroupUsageModel::isWorse);
+    const QAbstractItemModel *unassigned = askedModel(recording, "getGroupVolumeModel", relayPath, QString());
+    if (unassigned && unassigned->rowCount() > 0) {
+        Group group;
+        group.state = Unassigned;
+        groups.append(group);
+    }
+    sortWorstFirst(groups);
     return groups;
 }
 
 void GroupUsageModel::update(QObject *recording, const QString &relayPath)
 {
+    m_recording = recording;
+    m_relayPath = relayPath;
     show(recording ? groupsOf(*recording, relayPath) : QList<Group>());
 }
 
 void GroupUsageModel::show(const QList<Group> &groups)
 {
-    for (int row = int(m_groups.size()) - 1; row >= 0; --row) {
-        const auto isThisRow = [this, row](const Group &group) { return group.id == m_groups[row].id; };
-        if (std::any_of(groups.begin(), groups.end(), isThisRow))
-            continue;
-        beginRemoveRows({}, row, row);
-        m_groups.removeAt(row);
-        endRemoveRows();
-    }
-    for (int row = 0; row < groups.size(); ++row) {
-        const Group &group = groups[row];
-        const int oldRow = rowOf(group.id);
-        if (oldRow < 0) {
-            beginInsertRows({}, row, row);
-            m_groups.insert(row, group);
-            endInsertRows();
-            continue;
-        }
-        if (oldRow != row) {
-            beginMoveRows({}, oldRow, oldRow, {}, row);
-            m_groups.move(oldRow, row);
-            endMoveRows();
-        }
-        if (m_groups[row] != group) {
-            m_groups[row] = group;
-            emit dataChanged(index(row), index(row));
-        }
-    }
+    QHash<QString, int> places;
+    places.reserve(groups.size());
+    for (int row = 0; row < groups.size(); ++row)
+        places.insert(groups[row].id, row);
+    removeAllBut(places);
+    arrange(groups, places);
+    m_groups = groups;
+    if (!m_groups.isEmpty())
+        emit dataChanged(index(0), index(int(m_groups.size()) - 1));
     emit changed();
+}
+
+void GroupUsageModel::removeAllBut(const QHash<QString, int> &places)
+{
+    const auto stays = [this, &places](int row) { return places.contains(m_groups[row].id); };
+    for (int last = int(m_groups.size()) - 1; last >= 0; --last) {
+        if (stays(last))
+            continue;
+        int first = last;
+        while (first > 0 && !stays(first - 1))
+            --first;
+        beginRemoveRows({}, first, last);
+        m_groups.remove(first, last - first + 1);
+        endRemoveRows();
+        last = first;
+    }
+}
+
+void GroupUsageModel::arrange(const QList<Group> &groups, const QHash<QString, int> &places)
+{
+    std::vector<int> wanted;
+    std::vector<bool> present(groups.size(), false);
+    for (const Group &group : std::as_const(m_groups)) {
+        wanted.push_back(places.value(group.id));
+        present[wanted.back()] = true;
+    }
+    const std::vector<bool> stays = placesInOrder(wanted, groups.size());
+    int row = 0; // behind what is in its place already; rows that move on later may stand before it
+    for (int place = 0; place < groups.size();) {
+        if (!present[place]) {
+            const auto end = std::find(present.begin() + place, present.end(), true);
+            const int count = int(end - present.begin()) - place;
+            beginInsertRows({}, row, row + count - 1);
+            m_groups.insert(row, count, Group());
+            std::copy_n(groups.begin() + place, count, m_groups.begin() + row);
+            endInsertRows();
+            row += count;
+            place += count;
+            continue;
+        }
+        if (stays[place]) {
+            while (m_groups[row].id != groups[place].id)
+                ++row;
+        } else {
+            const int oldRow = rowOf(groups[place].id);
+            const int newRow = oldRow < row ? row - 1 : row;
+            if (oldRow != newRow) {
+                beginMoveRows({}, oldRow, oldRow, {}, row);
+                m_groups.move(oldRow, newRow);
+                endMoveRows();
+            }
+            row = newRow;
+        }
+        ++row;
+        ++place;
+    }
+}
+
+QVariantList GroupUsageModel::volumesOf(const QString &groupId) const
+{
+    return m_recording ? volumeList(askedModel(*m_recording, "getGroupVolumeModel", m_relayPath, groupId))
+                       : QVariantList();
 }
 
 int GroupUsageModel::rowOf(const QString &groupId) const
@@ -215,7 +264,7 @@ QVariant GroupUsageModel::data(const QModelIndex &index, int role) const
     case ReservedTime:
         return group.reservedTime;
     case Volumes:
-        return group.volumes;
+        return volumesOf(group.id);
     default:
         return {};
     }

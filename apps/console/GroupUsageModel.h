@@ -1,13 +1,15 @@
 #pragma once
 
 #include <QAbstractListModel>
+#include <QHash>
 #include <QList>
+#include <QPointer>
 #include <QVariantList>
 #include <QtQml/qqmlregistration.h>
 
-/// The recording groups of one station with their storage, the worst first. A copy of the plug-in's usage models: those
-/// are replaced with every change, while the rows here stay, so that a view keeps its selection and its place. Lives on
-/// the UI thread.
+/// The recording groups of one station with their storage, the worst first. The plug-in's usage models are replaced
+/// with every change, while the rows here stay, so that a view keeps its selection and its place. The groups' figures
+/// are a copy; their volumes are read from the plug-in when a view wants them. Lives on the UI thread.
 class GroupUsageModel : public QAbstractListModel
 {
     Q_OBJECT
@@ -44,8 +46,8 @@ public:
 
     using QAbstractListModel::QAbstractListModel;
 
-    /// Takes the figures over that @p recording, the plug-in's object, has of the station behind @p relayPath. Nothing
-    /// of the plug-in's is kept. Rows that stay are changed and moved, not replaced.
+    /// Takes the figures over that @p recording, the plug-in's object, has of the station behind @p relayPath. Rows
+    /// that stay are changed, and as few as possible of them moved, not replaced. Neither is owned.
     Q_INVOKABLE void update(QObject *recording, const QString &relayPath);
     /// The row of a group, -1 without one.
     Q_INVOKABLE int rowOf(const QString &groupId) const;
@@ -72,16 +74,18 @@ private:
         qlonglong missingDays = 0;
         qlonglong oneDayUsage = -1;
         int reservedTime = 0;
-        QVariantList volumes;
-
-        bool operator==(const Group &other) const = default;
     };
 
     static void judge(Group &group);
-    static bool isWorse(const Group &left, const Group &right);
+    static void sortWorstFirst(QList<Group> &groups);
     static QList<Group> groupsOf(QObject &recording, const QString &relayPath);
     void show(const QList<Group> &groups);
+    void removeAllBut(const QHash<QString, int> &places);
+    void arrange(const QList<Group> &groups, const QHash<QString, int> &places);
+    QVariantList volumesOf(const QString &groupId) const;
     int countOf(State state) const;
 
+    QPointer<QObject> m_recording;
+    QString m_relayPath;
     QList<Group> m_groups;
 };

@@ -6,12 +6,13 @@ import RecordingConsole
 Popup {
     id: popup
 
-    required property var alarms ///< Alarms.sorted
+    required property Alarms alarms
+    readonly property int alarmCount: alarms.sorted.length
 
     signal chosen(groupId: string)
 
     function choose(index: int): void {
-        const alarm = alarms[index];
+        const alarm = alarms.sorted[index];
         close();
         if (alarm)
             chosen(alarm.groupId);
@@ -27,8 +28,8 @@ Popup {
         list.currentIndex = 0;
         list.forceActiveFocus(Qt.PopupFocusReason);
     }
-    onAlarmsChanged: {
-        if (alarms.length === 0)
+    onAlarmCountChanged: {
+        if (alarmCount === 0)
             close();
     }
 
@@ -42,7 +43,7 @@ Popup {
 
         clip: true
         focus: true
-        model: popup.alarms
+        model: popup.alarms.sorted
         boundsBehavior: Flickable.StopAtBounds
         highlightMoveDuration: 0
         Accessible.role: Accessible.List
@@ -52,6 +53,8 @@ Popup {
         Keys.onSpacePressed: popup.choose(currentIndex)
         delegate: AlarmRow {
             width: ListView.view?.width ?? 0
+            words: popup.alarms.words(modelData)
+            since: popup.alarms.since(modelData)
             onChosen: popup.choose(index)
         }
 

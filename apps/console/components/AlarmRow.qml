@@ -9,6 +9,8 @@ ItemDelegate {
 
     required property int index
     required property var modelData ///< of Alarms
+    required property string words
+    required property string since
 
     signal chosen
 
@@ -16,7 +18,7 @@ ItemDelegate {
     padding: Theme.medium
     highlighted: ListView.isCurrentItem && ListView.view.activeFocus
     Accessible.role: Accessible.ListItem
-    Accessible.name: modelData.words + ", " + modelData.since
+    Accessible.name: words + ", " + since
     onClicked: chosen()
 
     contentItem: RowLayout {
@@ -31,7 +33,7 @@ ItemDelegate {
             spacing: 2
 
             Text {
-                text: row.modelData.words
+                text: row.words
                 color: Theme.text
                 font.pixelSize: Theme.bodySize
                 textFormat: Text.PlainText
@@ -39,7 +41,7 @@ ItemDelegate {
                 Layout.fillWidth: true
             }
             Text {
-                text: row.modelData.since
+                text: row.since
                 color: Theme.secondaryText
                 font.pixelSize: Theme.captionSize
                 textFormat: Text.PlainText

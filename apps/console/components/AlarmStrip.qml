@@ -11,7 +11,7 @@ Rectangle {
     readonly property int count: alarms.sorted.length
     readonly property bool severe: worst !== null && worst.kind === alarms.volumeError
     readonly property color foreground: severe ? Theme.danger : Theme.warning
-    readonly property string text: worst === null ? "" : worst.words
+    readonly property string text: worst === null ? "" : alarms.words(worst)
     readonly property string moreText: count < 2 ? "" : count === 2 ? qsTr("and 1 more alarm")
                                                                     : qsTr("and %1 more alarms").arg(count - 1)
 
@@ -88,7 +88,7 @@ Rectangle {
     AlarmList {
         id: list
 
-        alarms: alarms.sorted
+        alarms: alarms
         x: parent.width - width - Theme.small
         y: parent.height + Theme.tiny
         width: Math.min(480, parent.width - 2 * Theme.small)

@@ -10,7 +10,7 @@ Row {
     spacing: 5
 
     Repeater {
-        model: Math.max(0, Math.ceil(hatching.width / 7))
+        model: hatching.visible ? Math.max(0, Math.ceil(hatching.width / 7)) : 0
 
         Rectangle {
             width: 2

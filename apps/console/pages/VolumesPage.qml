@@ -34,14 +34,8 @@ ConsolePage {
     }
 
     function sumUp(): void {
-        let total = 0;
-        let free = 0;
-        for (const volume of rows.list()) {
-            total += volume.size;
-            free += volume.available;
-        }
-        totalSize = total;
-        freeSize = free;
+        totalSize = rows.size();
+        freeSize = rows.available();
     }
 
     function summary(): string {
