@@ -55,18 +55,20 @@ void StatusMonitorPlugin::monitorVolumeStatus(const QString &source)
 
 void StatusMonitorPlugin::monitorSufficientRecordingGroup(const QString &source, const QString &groupId)
 {
-    const qsizetype row = find(source, InsufficientRecordingDays, groupId);
-    if (row >= 0)
-        withdraw(row);
+    if (m_shortGroups.remove({source, groupId}) > 0)
+        withdraw(find(source, InsufficientRecordingDays, groupId));
 }
 
 void StatusMonitorPlugin::monitorInsufficientRecordingDays(const QString &source, const QString &groupName,
                                                            const QString &groupId)
 {
-    const qsizetype row = find(source, InsufficientRecordingDays, groupId);
-    if (row < 0) {
+    const auto known = m_shortGroups.find({source, groupId});
+    if (known == m_shortGroups.end()) {
+        m_shortGroups.insert({source, groupId}, groupName);
         raise({source, InsufficientRecordingDays, groupId, groupName, QDateTime::currentDateTime()});
-    } else if (m_alarms.at(row).groupName != groupName) {
+    } else if (*known != groupName) {
+        *known = groupName;
+        const qsizetype row = find(source, InsufficientRecordingDays, groupId);
         m_alarms[row].groupName = groupName;
         const QModelIndex changed = index(static_cast<int>(row));
         emit dataChanged(changed, changed, {GroupNameRole});

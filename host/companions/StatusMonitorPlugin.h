@@ -2,9 +2,12 @@
 
 #include <QAbstractListModel>
 #include <QDateTime>
+#include <QHash>
 #include <QList>
 #include <QSet>
 #include <QString>
+
+#include <utility>
 
 /// Stands in for the status monitor of a client: keeps the alarms about storage that plug-ins raise and withdraw, as a
 /// list model, the oldest first. Lives on the UI thread.
@@ -74,5 +77,6 @@ private:
     void settleVolumeErrors();
 
     QList<Alarm> m_alarms;
+    QHash<std::pair<QString, QString>, QString> m_shortGroups; // names, by source and id: those that have an alarm
     QSet<QString> m_unconfirmed; // sources whose volume error was removed and not reported again
 };
