@@ -70,17 +70,14 @@ QString capacityText(qint64 capacity)
 
 } // namespace
 
-PlainPlugin::PlainPlugin()
+PlainRules::PlainRules(const PlainModels &models)
+    : m_models(models)
 {
-    auto *const station = new QStandardItem;
-    station->setData(Replies::relayPath(), TreeRole::RelayPath);
-    station->setData(QStringLiteral("Station"), TreeRole::Type);
-    tree.appendRow(station);
 }
 
-void PlainPlugin::handleRetrieveVolume(const QVariant &data)
+void PlainRules::handleRetrieveVolume(const QVariant &data)
 {
-    volumes.clear();
+    m_models.volumes.clear();
     for (const QVariant &element : data.toList()) {
         QVariantMap map = element.toMap();
         const QString id = QUuid::createUuid().toString();
@@ -89,13 +86,13 @@ void PlainPlugin::handleRetrieveVolume(const QVariant &data)
         const qlonglong size = map[FieldKey::volumeSize].toLongLong();
         const qlonglong available = map[FieldKey::volumeAvailableSize].toLongLong();
         const bool isSystem = map[FieldKey::volumeIsSystem].toBool();
-        volumes.appendRow(volumeItem(id, path, name, size, available, isSystem, false));
+        m_models.volumes.appendRow(volumeItem(id, path, name, size, available, isSystem, false));
     }
 }
 
-void PlainPlugin::handleGetNASServers(const QVariant &data)
+void PlainRules::handleGetNASServers(const QVariant &data)
 {
-    nasServers.clear();
+    m_models.nasServers.clear();
     for (const QVariant &element : data.toList()) {
         QVariantMap map = element.toMap();
         const QString id = map[QStringLiteral("id")].toString();
@@ -111,13 +108,13 @@ void PlainPlugin::handleGetNASServers(const QVariant &data)
         item->setData(logonDomain, NasServerRole::LogonDomain);
         item->setData(userName, NasServerRole::UserName);
         item->setData(password, NasServerRole::Password);
-        nasServers.appendRow(item);
+        m_models.nasServers.appendRow(item);
     }
 }
 
-void PlainPlugin::handleGetRecordingGroup(const QVariant &data)
+void PlainRules::handleGetRecordingGroup(const QVariant &data)
 {
-    recordingGroups.clear();
+    m_models.recordingGroups.clear();
     for (const QVariant &element : data.toList()) {
         QVariantMap map = element.toMap();
         const QStringList nasPaths = map[FieldKey::recordingGroupNASPathList].toStringList();
@@ -125,11 +122,11 @@ void PlainPlugin::handleGetRecordingGroup(const QVariant &data)
         const QStringList paths = map[FieldKey::recordingGroupPathList].toStringList();
         const QString name = map[FieldKey::recordingGroupName].toString();
         const QString id = map[FieldKey::recordingGroupID].toString();
-        recordingGroups.appendRow(recordingGroupItem(id, name, paths, nodeIds, nasPaths, 0, 0, 0, 0));
+        m_models.recordingGroups.appendRow(recordingGroupItem(id, name, paths, nodeIds, nasPaths, 0, 0, 0, 0));
     }
 }
 
-void PlainPlugin::appendRecordingGroupToTreeModel(const QVariant &data)
+void PlainRules::appendRecordingGroupToTreeModel(const QVariant &data)
 {
     for (const QVariant &element : data.toList()) {
         QVariantMap map = element.toMap();
@@ -139,11 +136,12 @@ void PlainPlugin::appendRecordingGroupToTreeModel(const QVariant &data)
         item->setData(map[FieldKey::relayPath], TreeRole::RelayPath);
         item->setData(QStringLiteral("RecordingGroup"), TreeRole::Type);
         item->setData(map[FieldKey::recordingGroupID], TreeRole::RecordingGroupId);
-        const QModelIndexList parents = tree.match(tree.index(0, 0), TreeRole::RelayPath, map[FieldKey::relayPath], -1,
-                                                   Qt::MatchExactly | Qt::MatchRecursive);
+        const QModelIndexList parents =
+            m_models.tree.match(m_models.tree.index(0, 0), TreeRole::RelayPath, map[FieldKey::relayPath], -1,
+                                Qt::MatchExactly | Qt::MatchRecursive);
         for (const QModelIndex &parent : parents) {
             if (item && parent.data(TreeRole::Type).toString() != QLatin1String("RecordingGroup")) {
-                tree.itemFromIndex(parent)->appendRow(item);
+                m_models.tree.itemFromIndex(parent)->appendRow(item);
                 item = nullptr;
             }
         }
@@ -151,7 +149,7 @@ void PlainPlugin::appendRecordingGroupToTreeModel(const QVariant &data)
     }
 }
 
-void PlainPlugin::saveRecordingGroupData(const QVariant &data)
+void PlainRules::saveRecordingGroupData(const QVariant &data)
 {
     for (const QVariant &element : data.toList()) {
         QVariantMap map = element.toMap();
@@ -159,12 +157,17 @@ void PlainPlugin::saveRecordingGroupData(const QVariant &data)
         group.recordingGroupID = map[FieldKey::recordingGroupID].toString();
         group.relayPath = map[FieldKey::relayPath].toString();
         group.recordingGroupPathList = map[FieldKey::recordingGroupPathList].toList();
+        group.reserveSpace = map[FieldKey::reserveSpace].toList();
+        group.recordingGroupNASPathList = map[FieldKey::recordingGroupNASPathList].toList();
+        group.recordingGroupNodeIdList = map[FieldKey::recordingGroupNodeIdList].toList();
+        group.recordingGroupRecoveryPathList = map[FieldKey::recordingGroupRecoveryPathList].toList();
+        group.recordingGroupReservedTime = map[FieldKey::recordingGroupReservedTime].toInt();
         group.recordingGroupMemberList = map[FieldKey::recordingGroupMemberList].toList();
-        m_cache.push_back(group);
+        m_models.cache.push_back(group);
     }
 }
 
-QMap<QString, QVariant> PlainPlugin::calculateGroupUsage(const QVariant &data) const
+QMap<QString, QVariant> PlainRules::calculateGroupUsage(const QVariant &data) const
 {
     QMap<QString, QVariant> result;
     for (const QVariant &element : data.toList()) {
@@ -188,9 +191,9 @@ QMap<QString, QVariant> PlainPlugin::calculateGroupUsage(const QVariant &data) c
     return result;
 }
 
-void PlainPlugin::updateRecordingGroupVolumeModel(const QString &source, const QVariant &data)
+void PlainRules::updateRecordingGroupVolumeModel(const QString &source, const QVariant &data)
 {
-    groupVolumeModels[source].clear();
+    m_models.groupVolumeModels[source].clear();
     for (const QVariant &element : data.toList()) {
         QVariantMap map = element.toMap();
         const QString id = QUuid::createUuid().toString();
@@ -201,23 +204,24 @@ void PlainPlugin::updateRecordingGroupVolumeModel(const QString &source, const Q
         const qlonglong available = map[FieldKey::volumeAvailableSize].toLongLong();
         const bool isSystem = map[FieldKey::volumeIsSystem].toBool();
         const bool isNas = map[FieldKey::volumeIsNAS].toBool();
-        if (!groupVolumeModels[source].contains(groupId)) {
-            QSharedPointer<QStandardItemModel> model(new QStandardItemModel(this));
+        if (!m_models.groupVolumeModels[source].contains(groupId)) {
+            QSharedPointer<QStandardItemModel> model(new QStandardItemModel(&m_models.parent));
             model->setItemRoleNames(volumeRoles());
-            groupVolumeModels[source][groupId] = model;
+            m_models.groupVolumeModels[source][groupId] = model;
         }
-        groupVolumeModels[source][groupId]->appendRow(volumeItem(id, path, name, size, available, isSystem, isNas));
+        m_models.groupVolumeModels[source][groupId]->appendRow(
+            volumeItem(id, path, name, size, available, isSystem, isNas));
     }
 }
 
-void PlainPlugin::updateRecordingGroupUsageModel(const QString &source, const QMap<QString, QVariant> &usage)
+void PlainRules::updateRecordingGroupUsageModel(const QString &source, const QMap<QString, QVariant> &usage)
 {
-    if (!usageModels.contains(source)) {
-        QSharedPointer<QStandardItemModel> created(new QStandardItemModel(this));
+    if (!m_models.usageModels.contains(source)) {
+        QSharedPointer<QStandardItemModel> created(new QStandardItemModel(&m_models.parent));
         created->setItemRoleNames(groupRoles());
-        usageModels[source] = created;
+        m_models.usageModels[source] = created;
     }
-    QStandardItemModel *const model = usageModels[source].data();
+    QStandardItemModel *const model = m_models.usageModels[source].data();
     model->clear();
     for (const QString &id : usage.keys()) {
         QVariantMap g = usage[id].toMap();
@@ -236,7 +240,7 @@ void PlainPlugin::updateRecordingGroupUsageModel(const QString &source, const QM
     }
 }
 
-void PlainPlugin::handleVolumeChanged(const QString &source, const QVariant &data, QObject *statusMonitor)
+void PlainRules::handleVolumeChanged(const QString &source, const QVariant &data, QObject *statusMonitor)
 {
     const QMap<QString, QVariant> usage = calculateGroupUsage(data);
     updateRecordingGroupVolumeModel(source, data);
@@ -250,7 +254,7 @@ void PlainPlugin::handleVolumeChanged(const QString &source, const QVariant &dat
             break;
         }
     }
-    const QStandardItemModel &model = *usageModels[source];
+    const QStandardItemModel &model = *m_models.usageModels[source];
     for (int row = 0; row < model.rowCount(); ++row) {
         const QModelIndex index = model.index(row, 0);
         const QString id = index.data(RecordingGroupRole::Id).toString();
@@ -269,10 +273,10 @@ void PlainPlugin::handleVolumeChanged(const QString &source, const QVariant &dat
     }
 }
 
-QVariantList PlainPlugin::getRecordingGroupIDList(const QString &cameraId) const
+QVariantList PlainRules::getRecordingGroupIDList(const QString &cameraId) const
 {
     QVariantList ids;
-    for (const RecordingGroupData &group : m_cache) {
+    for (const RecordingGroupData &group : m_models.cache) {
         for (const QVariant &element : group.recordingGroupMemberList) {
             QVariantMap member = element.toMap();
             QString name = member[FieldKey::camName].toString();
@@ -287,19 +291,19 @@ QVariantList PlainPlugin::getRecordingGroupIDList(const QString &cameraId) const
     return ids;
 }
 
-QVariantList PlainPlugin::getRecordingGroupPathList(const QString &id, const QString &relayPath) const
+QVariantList PlainRules::getRecordingGroupPathList(const QString &id, const QString &relayPath) const
 {
-    for (const RecordingGroupData &group : m_cache) {
+    for (const RecordingGroupData &group : m_models.cache) {
         if (group.recordingGroupID == id && group.relayPath == relayPath)
             return group.recordingGroupPathList;
     }
     return {};
 }
 
-QVariantList PlainPlugin::getRecordingGroupInfoList() const
+QVariantList PlainRules::getRecordingGroupInfoList() const
 {
     QVariantList result;
-    const QStandardItemModel &usage = *usageModels[QString()];
+    const QStandardItemModel &usage = *m_models.usageModels[QString()];
     for (int row = 0; row < usage.rowCount(); ++row) {
         const QModelIndex group = usage.index(row, 0);
         const QString id = group.data(RecordingGroupRole::Id).toString();
@@ -307,7 +311,7 @@ QVariantList PlainPlugin::getRecordingGroupInfoList() const
         const int remaining = group.data(RecordingGroupRole::RemainDays).toInt();
         const int recorded = group.data(RecordingGroupRole::RecordedDays).toInt();
         QVariantList volumeList;
-        const QSharedPointer<QStandardItemModel> paths = groupVolumeModels[QString()][id];
+        const QSharedPointer<QStandardItemModel> paths = m_models.groupVolumeModels[QString()][id];
         for (int pathRow = 0; pathRow < paths->rowCount(); ++pathRow) {
             const QModelIndex path = paths->index(pathRow, 0);
             QVariantMap volume;
@@ -326,4 +330,13 @@ QVariantList PlainPlugin::getRecordingGroupInfoList() const
         result.append(map);
     }
     return result;
+}
+
+PlainPlugin::PlainPlugin()
+    : PlainRules({volumes, nasServers, recordingGroups, tree, usageModels, groupVolumeModels, m_cache, *this})
+{
+    auto *const station = new QStandardItem;
+    station->setData(Replies::relayPath(), TreeRole::RelayPath);
+    station->setData(QStringLiteral("Station"), TreeRole::Type);
+    tree.appendRow(station);
 }

@@ -27,11 +27,26 @@ struct Cache
 {
     friend constexpr auto member(Cache);
 };
+struct Groups
+{
+    friend constexpr auto member(Groups);
+};
+struct UsageModels
+{
+    friend constexpr auto member(UsageModels);
+};
+struct GroupVolumeModels
+{
+    friend constexpr auto member(GroupVolumeModels);
+};
 
 template struct Reveal<Usage, &PluginRecordingManagement::calculateGroupUsage>;
 template struct Reveal<GroupVolumes, &PluginRecordingManagement::updateRecordingGroupVolumeModel>;
 template struct Reveal<Tree, &PluginRecordingManagement::appendRecordingGroupToTreeModel>;
 template struct Reveal<Cache, &PluginRecordingManagement::saveRecordingGroupData>;
+template struct Reveal<Groups, &PluginRecordingManagement::m_recordingGroups>;
+template struct Reveal<UsageModels, &PluginRecordingManagement::m_storageUsageModels>;
+template struct Reveal<GroupVolumeModels, &PluginRecordingManagement::m_groupVolumeModels>;
 
 } // namespace
 
@@ -54,4 +69,20 @@ void PrivateMembers::appendRecordingGroupToTreeModel(PluginRecordingManagement &
 void PrivateMembers::saveRecordingGroupData(PluginRecordingManagement &plugin, const QVariant &data)
 {
     (plugin.*member(Cache()))(data);
+}
+
+std::vector<RecordingGroupData> &PrivateMembers::recordingGroups(PluginRecordingManagement &plugin)
+{
+    return plugin.*member(Groups());
+}
+
+QMap<QString, QSharedPointer<QStandardItemModel>> &PrivateMembers::storageUsageModels(PluginRecordingManagement &plugin)
+{
+    return plugin.*member(UsageModels());
+}
+
+QMap<QString, QMap<QString, QSharedPointer<QStandardItemModel>>> &
+PrivateMembers::groupVolumeModels(PluginRecordingManagement &plugin)
+{
+    return plugin.*member(GroupVolumeModels());
 }

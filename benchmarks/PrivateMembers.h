@@ -1,10 +1,15 @@
 #pragma once
 
 #include <QMap>
+#include <QSharedPointer>
 #include <QString>
 #include <QVariant>
 
+#include <vector>
+
 class PluginRecordingManagement;
+class QStandardItemModel;
+struct RecordingGroupData;
 
 /// The steps of the handlers that are measured alone, by the plug-in's own names. They are private there, and stay so.
 namespace PrivateMembers {
@@ -13,5 +18,10 @@ QMap<QString, QVariant> calculateGroupUsage(PluginRecordingManagement &plugin, Q
 void updateRecordingGroupVolumeModel(PluginRecordingManagement &plugin, const QString &source, QVariant &data);
 void appendRecordingGroupToTreeModel(PluginRecordingManagement &plugin, const QVariant &data);
 void saveRecordingGroupData(PluginRecordingManagement &plugin, const QVariant &data);
+
+// What the handlers fill and no getter gives whole.
+std::vector<RecordingGroupData> &recordingGroups(PluginRecordingManagement &plugin);
+QMap<QString, QSharedPointer<QStandardItemModel>> &storageUsageModels(PluginRecordingManagement &plugin);
+QMap<QString, QMap<QString, QSharedPointer<QStandardItemModel>>> &groupVolumeModels(PluginRecordingManagement &plugin);
 
 } // namespace PrivateMembers
