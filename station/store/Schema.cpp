@@ -77,6 +77,8 @@ constexpr Step steps[] = {
             name TEXT NOT NULL,
             bytes INTEGER NOT NULL,
             PRIMARY KEY (day_number, name)) WITHOUT ROWID)"},
+    {"sums of recorded files", R"(
+        CREATE INDEX recorded_day_sums ON recorded_day (place, day, files, bytes))"},
 };
 
 int version(Database &database)

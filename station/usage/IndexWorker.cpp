@@ -70,7 +70,7 @@ void IndexWorker::setPlaces(const QList<IndexedPlace> &places)
         if (place.isPresent && before.value(place.number) != place)
             enqueuePlace(place);
     }
-    m_areSumsOld = true;
+    m_areAllSumsOld = true;
     m_turn.start();
 }
 
@@ -82,7 +82,7 @@ void IndexWorker::reconcile(quint64 ticket)
         if (place.isPresent)
             enqueuePlace(place);
     }
-    m_areSumsOld = true;
+    m_areAllSumsOld = true;
     m_turn.start();
 }
 
@@ -113,7 +113,7 @@ void IndexWorker::work()
     } catch (const DatabaseError &error) {
         qCWarning(stationLog, "The index of recorded files: %s", error.what());
         m_tasks.clear();
-        m_areSumsOld = false;
+        m_areAllSumsOld = true;
         finishRun();
     }
 }
@@ -124,10 +124,9 @@ void IndexWorker::workSlice()
     if (!m_run.isValid()) {
         m_run.start();
         m_readBefore = m_reader->filesRead();
-        const qint64 known = m_index->fileCount();
+        tellSums();
+        const qint64 known = fileCount(m_sums);
         m_expected = known > 0 ? known : -1;
-        if (m_areSumsOld)
-            tellSums();
     }
     QElapsedTimer slice;
     slice.start();
@@ -141,13 +140,12 @@ void IndexWorker::workSlice()
     if (isEnding())
         return m_turn.stop();
     m_reader->write();
-    m_areSumsOld |= m_reader->takeHasChanged();
     if (m_reader->takeHasLeft())
         emit placeLeft();
     const bool isDone = m_tasks.empty();
     const bool isTimeToTell =
         m_run.elapsed() >= m_progressInterval.count() && m_told.elapsed() >= m_progressInterval.count();
-    if (m_areSumsOld && (isDone || isTimeToTell))
+    if (isDone || isTimeToTell)
         tellSums();
     if (isDone)
         return finishRun();
@@ -162,11 +160,11 @@ void IndexWorker::runTask(const Task &task)
     const auto place = m_places.constFind(task.read.place);
     if (place == m_places.cend() || !place->isPresent)
         return;
+    m_oldSums.insert(place->number);
     if (task.isEndOfPlace) {
         m_reader->write();
         if (m_reader->isComplete(place->number))
             m_index->markRead(place->number);
-        m_areSumsOld = true;
         return;
     }
     const QList<ReadTask> below = m_reader->read(task.read, *place);
@@ -186,8 +184,15 @@ void IndexWorker::finishRun()
 
 void IndexWorker::tellSums()
 {
-    m_areSumsOld = false;
-    emit sumsChanged(m_index->sums());
+    if (!m_areAllSumsOld && m_oldSums.isEmpty())
+        return;
+    if (std::exchange(m_areAllSumsOld, false))
+        m_sums = m_index->sums();
+    else
+        for (const qint64 place : std::as_const(m_oldSums))
+            m_index->updateSum(m_sums, place);
+    m_oldSums.clear();
+    emit sumsChanged(m_sums);
 }
 
 void IndexWorker::tellProgress(bool isRunning)

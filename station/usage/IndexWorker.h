@@ -77,7 +77,9 @@ private:
 
     QElapsedTimer m_run; // valid while there are tasks
     QElapsedTimer m_told; // since sums and progress were told
-    bool m_areSumsOld = false;
+    PlaceSums m_sums; // as they were told last
+    QSet<qint64> m_oldSums; // places read since; another station may have changed the index before this one
+    bool m_areAllSumsOld = false;
     qint64 m_readBefore = 0; // files, by earlier runs
     qint64 m_expected = -1;
     bool m_isProgressTold = false;

@@ -94,10 +94,8 @@ QList<ReadTask> PlaceReader::read(const ReadTask &task, const IndexedPlace &plac
 
 void PlaceReader::write()
 {
-    if (m_changes.isEmpty())
-        return;
-    m_index.apply(std::exchange(m_changes, {}));
-    m_hasChanged = true;
+    if (!m_changes.isEmpty())
+        m_index.apply(std::exchange(m_changes, {}));
 }
 
 /// Asked after the reading: a disk that was unmounted leaves an empty folder, or none, and that is no reason to forget
@@ -133,7 +131,6 @@ QList<ReadTask> PlaceReader::readPlace(const ReadTask &task, const IndexedPlace 
     if (!gone.isEmpty()) {
         write();
         m_index.removeCameras(place.number, gone);
-        m_hasChanged = true;
     }
     for (const QString &camera : gone)
         m_watch.forget(folderOf(place, camera));
@@ -158,7 +155,6 @@ QList<ReadTask> PlaceReader::readCamera(const ReadTask &task, const IndexedPlace
     if (!gone.isEmpty()) {
         write();
         m_index.removeDays(place.number, task.camera, gone);
-        m_hasChanged = true;
     }
     for (const QString &day : gone)
         m_watch.forget(folderOf(place, task.camera, day));
@@ -205,7 +201,6 @@ void PlaceReader::readDay(const ReadTask &task, const IndexedPlace &place)
         write();
         m_index.removeDays(place.number, task.camera, {task.day});
         m_watch.forget(path);
-        m_hasChanged = true;
         return;
     }
     const std::optional<QHash<QString, qint64>> before = m_index.files(folder);
@@ -224,6 +219,5 @@ QList<ReadTask> PlaceReader::readFile(const ReadTask &task, const IndexedPlace &
     if (bytes < 0 || !m_index.resize({place.number, task.camera, task.day}, task.file, bytes))
         return {{ReadTask::Kind::Day, place.number, true, task.camera, task.day}};
     m_watch.watchFile(path, task.file);
-    m_hasChanged = true;
     return {};
 }

@@ -55,7 +55,6 @@ public:
     /// Whether all of a place could be read since it was read deeply.
     bool isComplete(qint64 place) const { return !m_incomplete.contains(place); }
     qint64 filesRead() const { return m_filesRead; } ///< since the start
-    bool takeHasChanged() { return std::exchange(m_hasChanged, false); } ///< the index, since the last call
     /// Whether a place was found not to be on its file system since the last call; nothing is changed for it then.
     bool takeHasLeft() { return std::exchange(m_hasLeft, false); }
 
@@ -73,6 +72,5 @@ private:
     QHash<QString, QString> m_newestDay; // of each camera's folder
     QSet<qint64> m_incomplete; // places of which something could not be read
     qint64 m_filesRead = 0;
-    bool m_hasChanged = false;
     bool m_hasLeft = false;
 };

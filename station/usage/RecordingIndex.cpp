@@ -19,6 +19,16 @@ void executeWith(QSqlQuery &query, const QVariantList &values)
 }
 } // namespace
 
+qint64 fileCount(const PlaceSums &sums)
+{
+    qint64 files = 0;
+    for (const PlaceSum &place : sums) {
+        for (const DaySum &day : place.days)
+            files += day.files;
+    }
+    return files;
+}
+
 RecordingIndex::RecordingIndex(Database &database)
     : m_database(database)
 {
@@ -51,26 +61,33 @@ std::optional<QHash<QString, qint64>> RecordingIndex::files(const DayFolder &fol
     return files;
 }
 
-qint64 RecordingIndex::fileCount() const
-{
-    QSqlQuery query = m_database.run(QStringLiteral("SELECT coalesce(sum(files), 0) FROM recorded_day"));
-    query.next();
-    return query.value(0).toLongLong();
-}
-
 PlaceSums RecordingIndex::sums() const
 {
     PlaceSums sums;
-    QSqlQuery places = m_database.run(QStringLiteral("SELECT number, is_read FROM recording_place"));
+    readSums(sums, QStringLiteral("TRUE"), {});
+    return sums;
+}
+
+void RecordingIndex::updateSum(PlaceSums &sums, qint64 number) const
+{
+    sums.remove(number);
+    readSums(sums, QStringLiteral("place = ?"), {number});
+}
+
+void RecordingIndex::readSums(PlaceSums &sums, const QString &condition, const QVariantList &values) const
+{
+    QSqlQuery places = m_database.run(
+        QStringLiteral("SELECT number AS place, is_read FROM recording_place WHERE %1").arg(condition), values);
     while (places.next())
         sums[places.value(0).toLongLong()].isRead = places.value(1).toBool();
     QSqlQuery days = m_database.run(QStringLiteral("SELECT place, day, sum(files), sum(bytes) FROM recorded_day"
-                                                   " WHERE files > 0 GROUP BY place, day"));
+                                                   " WHERE files > 0 AND %1 GROUP BY place, day")
+                                        .arg(condition),
+                                    values);
     while (days.next()) {
         const QDate day = QDate::fromString(days.value(1).toString(), Qt::ISODate);
         sums[days.value(0).toLongLong()].days.insert(day, {days.value(2).toLongLong(), days.value(3).toLongLong()});
     }
-    return sums;
 }
 
 void RecordingIndex::apply(const QList<DayChange> &changes)

@@ -35,6 +35,9 @@ struct PlaceSum
 using PlaceSums = QHash<qint64, PlaceSum>;
 Q_DECLARE_METATYPE(PlaceSums)
 
+/// Files that @p sums are made of.
+qint64 fileCount(const PlaceSums &sums);
+
 /// The index of recorded files in the station's database: name and size of each file under its place, camera and day.
 /// Throws DatabaseError.
 class RecordingIndex
@@ -47,8 +50,9 @@ public:
     QStringList days(qint64 place, const QString &camera) const;
     /// Bytes of each file by its name; none for a day that the index does not have.
     std::optional<QHash<QString, qint64>> files(const DayFolder &folder) const;
-    qint64 fileCount() const;
     PlaceSums sums() const;
+    /// Brings @p sums up to date for the place @p number, which goes where the index does not have it any more.
+    void updateSum(PlaceSums &sums, qint64 number) const;
 
     /// Together or not at all. Harmless when it is done twice.
     void apply(const QList<DayChange> &changes);
@@ -60,5 +64,7 @@ public:
     void markRead(qint64 place);
 
 private:
+    void readSums(PlaceSums &sums, const QString &condition, const QVariantList &values) const;
+
     Database &m_database;
 };

@@ -91,7 +91,7 @@ void IndexWorkerTest::fillIndex()
 
 qint64 IndexWorkerTest::knownFiles()
 {
-    return RecordingIndex(*m_database).fileCount();
+    return fileCount(RecordingIndex(*m_database).sums());
 }
 
 void IndexWorkerTest::aPlaceOnAnotherFileSystemKeepsItsIndex()

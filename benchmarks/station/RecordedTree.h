@@ -1,0 +1,62 @@
+#pragma once
+
+#include "VolumeSource.h"
+#include "groups/RecordingGroup.h"
+#include "usage/UsageFigures.h"
+
+#include <string>
+
+/// How many of each there are; the files of a tree are their product.
+struct Layout
+{
+    int groups = 10;
+    int cameras = 1; ///< of each group
+    int days = 20; ///< of each camera
+    int files = 50; ///< of each day
+
+    int all() const { return groups * cameras * days * files; }
+};
+
+/// Folders of recordings, laid out as a station has them, with sparse files. Everything may throw std::runtime_error
+/// with a text for people.
+class RecordedTree
+{
+public:
+    /// Makes the files in the new folder @p path. Says how much room is missing where there is too little.
+    RecordedTree(const Layout &layout, const std::string &path);
+
+    const Layout &layout() const { return m_layout; }
+    QString path() const { return QString::fromStdString(m_path); } ///< of all groups
+    Volume volume() const; ///< that the path is on
+    QList<RecordingGroup> groups() const;
+    static QDate newestDay();
+    static QString groupName(int group);
+
+    /// Of each group, as the files are now.
+    const QList<DaySums> &sums() const { return m_sums; }
+    /// All bytes of the files as they are now.
+    qint64 bytes() const;
+
+    struct File
+    {
+        int group = 0;
+        int camera = 0;
+        int day = 0; ///< 0: the newest
+        int file = 0;
+    };
+    /// Gives that file @p bytes more, or less.
+    void grow(const File &file, qint64 bytes);
+    /// A file behind all others of the newest day of the group's first camera comes, complete, and goes.
+    void add(int group);
+    void remove(int group);
+
+private:
+    void makeCamera(int group, int camera) const;
+    std::string cameraPath(int group, int camera) const;
+    std::string filePath(const File &file) const;
+    void count(const File &file, qint64 files, qint64 bytes);
+
+    Layout m_layout;
+    std::string m_path;
+    QList<DaySums> m_sums;
+};

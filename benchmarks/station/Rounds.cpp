@@ -1,0 +1,122 @@
+#include "Rounds.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstring>
+#include <ctime>
+#include <fstream>
+#include <random>
+
+#include <malloc.h>
+
+namespace {
+double processMicroseconds()
+{
+    timespec now = {};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) * 1e6 + static_cast<double>(now.tv_nsec) * 1e-3;
+}
+
+/// In KB; "VmRSS" or "VmHWM", which is the most since forgetPeak().
+double resident(const char *which)
+{
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.rfind(which, 0) == 0)
+            return std::stod(line.substr(std::strlen(which) + 1));
+    }
+    return 0;
+}
+
+void forgetPeak()
+{
+    malloc_trim(0);
+    std::ofstream("/proc/self/clear_refs") << "5";
+}
+
+std::vector<double> column(const std::vector<Cost> &costs, double Cost::*what)
+{
+    std::vector<double> values;
+    for (const Cost &cost : costs)
+        values.push_back(cost.*what);
+    return values;
+}
+} // namespace
+
+double median(std::vector<double> values)
+{
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+Cost costOf(const std::function<void()> &run)
+{
+    forgetPeak();
+    const double memory = resident("VmRSS:");
+    const auto wall = std::chrono::steady_clock::now();
+    const double cpu = processMicroseconds();
+    run();
+    Cost cost;
+    cost.cpu = processMicroseconds() - cpu;
+    cost.wall = std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - wall).count();
+    cost.memory = resident("VmHWM:") - memory;
+    return cost;
+}
+
+Costs runRounds(std::vector<Variant> variants, int rounds)
+{
+    static std::mt19937 random(std::random_device{}());
+    Costs costs;
+    const int warmUps = rounds > 1 ? 1 : 0;
+    for (int round = 0; round < warmUps + rounds; ++round) {
+        std::shuffle(variants.begin(), variants.end(), random);
+        for (const Variant &variant : variants) {
+            if (variant.prepare)
+                variant.prepare();
+            const Cost cost = costOf(variant.run);
+            if (round >= warmUps)
+                costs[variant.name].push_back(cost);
+        }
+    }
+    return costs;
+}
+
+void report(benchmark::State &state, const std::string &name, int size, const Costs &costs)
+{
+    const std::vector<Cost> &ours = costs.at("ours");
+    for (const auto &[variant, all] : costs) {
+        state.counters[variant] = median(column(all, &Cost::cpu));
+        state.counters[variant + " wall"] = median(column(all, &Cost::wall));
+        state.counters[variant + " memory"] = median(column(all, &Cost::memory));
+        if (variant == "ours" || all.size() != ours.size())
+            continue;
+        std::vector<double> ratios;
+        for (std::size_t i = 0; i < all.size(); ++i)
+            ratios.push_back(ours[i].cpu / all[i].cpu);
+        state.counters["ours/" + variant] = median(ratios);
+    }
+    state.counters["rounds"] = static_cast<double>(ours.size());
+    const double cpu = state.counters["ours"];
+    static std::map<std::string, std::pair<int, double>> before;
+    if (const auto last = before.find(name); last != before.end() && last->second.first < size)
+        state.counters["slope"] = std::log(cpu / last->second.second) / std::log(double(size) / last->second.first);
+    before[name] = {size, cpu};
+}
+
+void add(const std::string &name, int size, const std::function<void(benchmark::State &)> &work)
+{
+    benchmark::RegisterBenchmark((name + '/' + std::to_string(size)).c_str(),
+                                 [work](benchmark::State &state) {
+                                     for ([[maybe_unused]] auto iteration : state) {
+                                         try {
+                                             work(state);
+                                         } catch (const std::exception &error) {
+                                             state.SkipWithError(error.what());
+                                         }
+                                     }
+                                 })
+        ->Iterations(1)
+        ->Unit(benchmark::kMillisecond);
+}
