@@ -1,6 +1,7 @@
 #include "IndexedTree.h"
 
 #include "FixedVolume.h"
+#include "TreeStation.h"
 #include "Waiting.h"
 #include "groups/GroupStore.h"
 #include "store/Database.h"
@@ -12,17 +13,9 @@
 
 #include <stdexcept>
 
-namespace {
-std::string inNewFolder(const std::string &path)
-{
-    QDir().mkpath(QString::fromStdString(path));
-    return path + "/recordings";
-}
-} // namespace
-
-IndexedTree::IndexedTree(const Layout &layout, const std::string &path)
-    : m_files(layout, inNewFolder(path))
-    , m_dataFolder(QString::fromStdString(path) + QStringLiteral("/data"))
+IndexedTree::IndexedTree(const Layout &layout, const std::string &path, const std::string &dataFolder)
+    : m_files(layout, path)
+    , m_dataFolder(QString::fromStdString(dataFolder))
 {
     forgetIndex();
 }
@@ -50,6 +43,7 @@ void IndexedTree::forgetIndex()
 
 void IndexedTree::read()
 {
+    m_station.reset();
     if (!m_worker) {
         m_worker = std::make_unique<IndexWorker>(m_dataFolder, UsageSettings());
         QObject::connect(m_worker.get(), &IndexWorker::sumsChanged, m_worker.get(),
@@ -67,8 +61,17 @@ void IndexedTree::read()
     m_isIndexed = true;
 }
 
+TreeStation &IndexedTree::station()
+{
+    m_worker.reset();
+    if (!m_station)
+        m_station = std::make_unique<TreeStation>(m_files, m_dataFolder);
+    return *m_station;
+}
+
 void IndexedTree::close()
 {
+    m_station.reset();
     m_worker.reset();
 }
 

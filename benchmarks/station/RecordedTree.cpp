@@ -81,29 +81,28 @@ void makeFile(int folder, const std::string &name, qint64 bytes)
         fail(name);
 }
 
-/// Files take an inode each, folders a block or two, and the station's index and its journal some bytes a file.
-void requireRoom(const std::string &folder, const Layout &layout)
+} // namespace
+
+std::string missingRoom(const std::string &path, const Layout &layout)
 {
-    constexpr qint64 bytesOfAFile = 512;
+    constexpr qint64 bytesOfAFile = 300; // inodes that are not laid out beforehand
     constexpr qint64 bytesOfAFolder = 8 * kilobyte;
     struct statvfs space = {};
-    if (statvfs(folder.c_str(), &space) != 0)
-        fail(folder);
+    if (statvfs(path.c_str(), &space) != 0)
+        return path + ": " + std::strerror(errno);
     const qint64 folders = layout.all() / layout.files + layout.groups * (layout.cameras + 1);
     const qint64 inodes = layout.all() + folders;
     const qint64 bytes = layout.all() * bytesOfAFile + folders * bytesOfAFolder;
     const auto freeInodes = static_cast<qint64>(space.f_favail);
     const auto freeBytes = static_cast<qint64>(space.f_bavail * space.f_frsize);
-    if (space.f_files != 0 && freeInodes < inodes) {
-        throw std::runtime_error(folder + " has inodes for " + std::to_string(freeInodes) + " more files, "
-                                 + std::to_string(inodes) + " are needed; see --help");
-    }
+    if (space.f_files != 0 && freeInodes < inodes) // some file systems have no limit and tell 0
+        return path + " takes " + std::to_string(freeInodes) + " more files, " + std::to_string(inodes) + " are needed";
     if (freeBytes < bytes) {
-        throw std::runtime_error(folder + " has " + std::to_string(freeBytes / kilobyte) + " KB free, "
-                                 + std::to_string(bytes / kilobyte) + " KB are needed; see --help");
+        return path + " has " + std::to_string(freeBytes / kilobyte) + " KB free, " + std::to_string(bytes / kilobyte)
+            + " KB are needed";
     }
+    return {};
 }
-} // namespace
 
 RecordedTree::RecordedTree(const Layout &layout, const std::string &path)
     : m_layout(layout)
@@ -111,7 +110,8 @@ RecordedTree::RecordedTree(const Layout &layout, const std::string &path)
     , m_sums(layout.groups)
 {
     makeFolder(path);
-    requireRoom(path, layout);
+    if (const std::string missing = missingRoom(path, layout); !missing.empty())
+        throw std::runtime_error(missing + "; see --help");
     for (int group = 0; group < layout.groups; ++group) {
         makeFolder(m_path + '/' + groupName(group).toStdString());
         for (int camera = 0; camera < layout.cameras; ++camera) {

@@ -17,6 +17,9 @@ struct Layout
     int all() const { return groups * cameras * days * files; }
 };
 
+/// What the folder @p path lacks for the files of @p layout, in words; empty where there is room.
+std::string missingRoom(const std::string &path, const Layout &layout);
+
 /// Folders of recordings, laid out as a station has them, with sparse files. Everything may throw std::runtime_error
 /// with a text for people.
 class RecordedTree

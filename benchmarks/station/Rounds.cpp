@@ -35,6 +35,8 @@ void forgetPeak()
     std::ofstream("/proc/self/clear_refs") << "5";
 }
 
+std::map<std::string, std::map<int, double>> measured; // CPU time of ours by name and size
+
 std::vector<double> column(const std::vector<Cost> &costs, double Cost::*what)
 {
     std::vector<double> values;
@@ -51,21 +53,25 @@ double median(std::vector<double> values)
     return *middle;
 }
 
-Cost costOf(const std::function<void()> &run)
+Cost costOf(const std::function<void()> &run, Memory memory)
 {
-    forgetPeak();
-    const double memory = resident("VmRSS:");
+    double before = 0;
+    if (memory == Memory::Measured) {
+        forgetPeak();
+        before = resident("VmRSS:");
+    }
     const auto wall = std::chrono::steady_clock::now();
     const double cpu = processMicroseconds();
     run();
     Cost cost;
     cost.cpu = processMicroseconds() - cpu;
     cost.wall = std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - wall).count();
-    cost.memory = resident("VmHWM:") - memory;
+    if (memory == Memory::Measured)
+        cost.memory = resident("VmHWM:") - before;
     return cost;
 }
 
-Costs runRounds(std::vector<Variant> variants, int rounds)
+Costs runRounds(std::vector<Variant> variants, int rounds, Memory memory)
 {
     static std::mt19937 random(std::random_device{}());
     Costs costs;
@@ -75,7 +81,7 @@ Costs runRounds(std::vector<Variant> variants, int rounds)
         for (const Variant &variant : variants) {
             if (variant.prepare)
                 variant.prepare();
-            const Cost cost = costOf(variant.run);
+            const Cost cost = costOf(variant.run, memory);
             if (round >= warmUps)
                 costs[variant.name].push_back(cost);
         }
@@ -89,7 +95,8 @@ void report(benchmark::State &state, const std::string &name, int size, const Co
     for (const auto &[variant, all] : costs) {
         state.counters[variant] = median(column(all, &Cost::cpu));
         state.counters[variant + " wall"] = median(column(all, &Cost::wall));
-        state.counters[variant + " memory"] = median(column(all, &Cost::memory));
+        if (const double memory = median(column(all, &Cost::memory)); memory > 0)
+            state.counters[variant + " memory"] = memory;
         if (variant == "ours" || all.size() != ours.size())
             continue;
         std::vector<double> ratios;
@@ -99,10 +106,18 @@ void report(benchmark::State &state, const std::string &name, int size, const Co
     }
     state.counters["rounds"] = static_cast<double>(ours.size());
     const double cpu = state.counters["ours"];
-    static std::map<std::string, std::pair<int, double>> before;
-    if (const auto last = before.find(name); last != before.end() && last->second.first < size)
-        state.counters["slope"] = std::log(cpu / last->second.second) / std::log(double(size) / last->second.first);
-    before[name] = {size, cpu};
+    const auto other = measured[name].lower_bound(size);
+    if (other != measured[name].begin() && std::prev(other)->first > 0) {
+        const auto &[smaller, before] = *std::prev(other);
+        state.counters["slope"] = std::log(cpu / before) / std::log(double(size) / smaller);
+    }
+    measured[name][size] = cpu;
+}
+
+std::optional<double> reported(const std::string &name, int size)
+{
+    const auto found = measured[name].find(size);
+    return found == measured[name].end() ? std::nullopt : std::optional(found->second);
 }
 
 void add(const std::string &name, int size, const std::function<void(benchmark::State &)> &work)

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,21 +21,27 @@ struct Cost
 {
     double cpu = 0; ///< microseconds of all threads together
     double wall = 0; ///< microseconds
-    double memory = 0; ///< KB by which the resident memory was larger than before, at most
+    double memory = 0; ///< where it was measured: KB by which the resident memory was larger than before, at most
 };
 
-Cost costOf(const std::function<void()> &run);
+/// Measuring the memory gives the free heap back to the system before, which slows the run a little.
+enum class Memory { Ignored, Measured };
+
+Cost costOf(const std::function<void()> &run, Memory memory = Memory::Ignored);
 
 /// By the variant's name, in the order of the rounds.
 using Costs = std::map<std::string, std::vector<Cost>>;
 
 /// In a round each variant runs once, in random order. With more than one round a further one goes before.
-Costs runRounds(std::vector<Variant> variants, int rounds);
+Costs runRounds(std::vector<Variant> variants, int rounds, Memory memory = Memory::Ignored);
 
-/// Medians as counters: "<variant>" and "<variant> wall" in microseconds, "<variant> memory" in KB, "ours/<variant>"
-/// taken within the rounds, in CPU time; "rounds"; and "slope" of ours against the size before under that @p name, on
-/// double logarithmic axes.
+/// Medians as counters: "<variant>" and "<variant> wall" in microseconds, "<variant> memory" in KB where it was
+/// measured; "ours/<variant>" taken within the rounds, in CPU time; "rounds"; and "slope" of ours against the size
+/// before under that @p name, on double logarithmic axes.
 void report(benchmark::State &state, const std::string &name, int size, const Costs &costs);
+
+/// CPU time of ours in microseconds that was reported under @p name for @p size; none where that did not run yet.
+std::optional<double> reported(const std::string &name, int size);
 
 double median(std::vector<double> values);
 

@@ -63,9 +63,12 @@ void TreeStation::waitForFigures()
     m_waiting.waitFor([this] { return areFiguresTold(); }, "the figures of the files");
 }
 
-void TreeStation::readThrough()
+void TreeStation::requireReading()
 {
+    if (m_hasRead)
+        return;
     const int before = m_events;
     m_station.handle({StationCommandName::reloadStorageUsageInfo, {}}, {});
     m_waiting.waitFor([this, before] { return m_events > before; }, "the event after reading all folders");
+    m_hasRead = true;
 }

@@ -14,8 +14,8 @@ public:
 
     /// Until an event has told the figures that the files come to.
     void waitForFigures();
-    /// Has all folders read once more, to the end.
-    void readThrough();
+    /// Has all folders read to the end, unless that was done before.
+    void requireReading();
 
 private:
     bool areFiguresTold() const;
@@ -25,4 +25,5 @@ private:
     Waiting m_waiting;
     QVariantList m_told; // by the last "VolumeChanged"
     int m_events = 0;
+    bool m_hasRead = false;
 };

@@ -2,8 +2,9 @@
 
 #include <utility>
 
-Trees::Trees(std::string folder, const std::vector<Layout> &layouts)
-    : m_folder(std::move(folder))
+Trees::Trees(std::string recordings, std::string data, const std::vector<Layout> &layouts)
+    : m_recordings(std::move(recordings))
+    , m_data(std::move(data))
 {
     for (const Layout &layout : layouts)
         m_layouts.emplace(layout.all(), layout);
@@ -20,7 +21,9 @@ std::vector<int> Trees::sizes() const
 IndexedTree &Trees::tree(int size)
 {
     std::unique_ptr<IndexedTree> &tree = m_trees[size];
-    if (!tree)
-        tree = std::make_unique<IndexedTree>(m_layouts.at(size), m_folder + '/' + std::to_string(size));
+    if (!tree) {
+        const std::string name = '/' + std::to_string(size);
+        tree = std::make_unique<IndexedTree>(m_layouts.at(size), m_recordings + name, m_data + name);
+    }
     return *tree;
 }

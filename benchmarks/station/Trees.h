@@ -11,15 +11,16 @@
 class Trees
 {
 public:
-    /// @param folder where they are made
-    Trees(std::string folder, const std::vector<Layout> &layouts);
+    /// @param recordings the folder where they are made, @param data the one for the stations' databases
+    Trees(std::string recordings, std::string data, const std::vector<Layout> &layouts);
 
     std::vector<int> sizes() const; ///< files, the smallest first
     /// Of one of the sizes. Throws std::runtime_error where it cannot be made.
     IndexedTree &tree(int size);
 
 private:
-    std::string m_folder;
+    std::string m_recordings;
+    std::string m_data;
     std::map<int, Layout> m_layouts;
     std::map<int, std::unique_ptr<IndexedTree>> m_trees;
 };

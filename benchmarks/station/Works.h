@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <vector>
 
 class Trees;
@@ -8,4 +9,5 @@ class Trees;
 void addReading(Trees &trees);
 void addChanges(Trees &trees);
 void addEvents(const std::vector<int> &groups);
-void addLink(const std::vector<int> &records);
+/// @param folder for the data of the stations
+void addLink(const std::string &folder, const std::vector<int> &records);

@@ -55,7 +55,8 @@ void firstReading(benchmark::State &state, IndexedTree &tree, int size)
                            tree.checkSums();
                        },
                        [&tree] { tree.forgetIndex(); }};
-    finish(state, "first reading", size, runRounds({ours, floorOf(tree), plainOf(tree)}, roundsFor(size)));
+    finish(state, "first reading", size,
+           runRounds({ours, floorOf(tree), plainOf(tree)}, roundsFor(size), Memory::Measured));
 }
 
 void readingAgain(benchmark::State &state, IndexedTree &tree, int size)
@@ -65,7 +66,8 @@ void readingAgain(benchmark::State &state, IndexedTree &tree, int size)
                            tree.read();
                            tree.checkSums();
                        }};
-    finish(state, "reading again", size, runRounds({ours, floorOf(tree), plainOf(tree)}, roundsFor(size)));
+    finish(state, "reading again", size,
+           runRounds({ours, floorOf(tree), plainOf(tree)}, roundsFor(size), Memory::Measured));
 }
 
 void readingChanges(benchmark::State &state, IndexedTree &tree, int size)
@@ -77,7 +79,7 @@ void readingChanges(benchmark::State &state, IndexedTree &tree, int size)
                            tree.checkSums();
                        },
                        [&tree] { growSome(tree.files()); }};
-    finish(state, "reading ten changes", size, runRounds({ours, floorOf(tree)}, roundsFor(size)));
+    finish(state, "reading ten changes", size, runRounds({ours, floorOf(tree)}, roundsFor(size), Memory::Measured));
 }
 } // namespace
 
@@ -88,7 +90,8 @@ void addReading(Trees &trees)
         {"first reading", firstReading}, {"reading again", readingAgain}, {"reading ten changes", readingChanges}};
     for (const int size : trees.sizes()) {
         for (const auto &[name, reading] : readings) {
-            add(name, size, [&trees, size, reading](benchmark::State &state) { reading(state, trees.tree(size), size); });
+            add(name, size,
+                [&trees, size, reading](benchmark::State &state) { reading(state, trees.tree(size), size); });
         }
     }
 }
