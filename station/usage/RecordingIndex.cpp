@@ -2,6 +2,10 @@
 
 #include "store/Database.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
 namespace {
 QStringList firstColumn(QSqlQuery query)
 {
@@ -16,6 +20,19 @@ void executeWith(QSqlQuery &query, const QVariantList &values)
     for (qsizetype i = 0; i < values.size(); ++i)
         query.bindValue(static_cast<int>(i), values.at(i));
     execute(query);
+}
+/// All files of a day in one value: a row at a time costs about twice as much.
+QString json(const QJsonDocument &document)
+{
+    return QString::fromUtf8(document.toJson(QJsonDocument::Compact));
+}
+
+QJsonObject objectOf(const QHash<QString, qint64> &files)
+{
+    QVariantMap sorted; // an object of its own moves what it has with every insertion
+    for (auto file = files.cbegin(); file != files.cend(); ++file)
+        sorted.insert(file.key(), file.value());
+    return QJsonObject::fromVariantMap(sorted);
 }
 } // namespace
 
@@ -48,16 +65,17 @@ QStringList RecordingIndex::days(qint64 place, const QString &camera) const
 
 std::optional<QHash<QString, qint64>> RecordingIndex::files(const DayFolder &folder) const
 {
-    QSqlQuery day =
-        m_database.run(QStringLiteral("SELECT number FROM recorded_day WHERE place = ? AND camera = ? AND day = ?"),
-                       {folder.place, folder.camera, folder.day});
-    if (!day.next())
+    QSqlQuery query = m_database.run(
+        QStringLiteral("SELECT (SELECT json_group_object(name, bytes) FROM recorded_file WHERE day_number = number)"
+                       " FROM recorded_day WHERE place = ? AND camera = ? AND day = ?"),
+        {folder.place, folder.camera, folder.day});
+    if (!query.next())
         return {};
-    QSqlQuery query =
-        m_database.run(QStringLiteral("SELECT name, bytes FROM recorded_file WHERE day_number = ?"), {day.value(0)});
+    const QJsonObject object = QJsonDocument::fromJson(query.value(0).toString().toUtf8()).object();
     QHash<QString, qint64> files;
-    while (query.next())
-        files.insert(query.value(0).toString(), query.value(1).toLongLong());
+    files.reserve(object.size());
+    for (auto file = object.begin(); file != object.end(); ++file)
+        files.insert(file.key(), file.value().toInteger());
     return files;
 }
 
@@ -97,20 +115,21 @@ void RecordingIndex::apply(const QList<DayChange> &changes)
         QStringLiteral("INSERT INTO recorded_day (place, camera, day, files, bytes) VALUES (?, ?, ?, ?, ?)"
                        " ON CONFLICT (place, camera, day) DO UPDATE SET files = excluded.files, bytes = excluded.bytes"
                        " RETURNING number"));
-    QSqlQuery write = m_database.prepared(
-        QStringLiteral("INSERT OR REPLACE INTO recorded_file (day_number, name, bytes) VALUES (?, ?, ?)"));
-    QSqlQuery remove =
-        m_database.prepared(QStringLiteral("DELETE FROM recorded_file WHERE day_number = ? AND name = ?"));
+    QSqlQuery write =
+        m_database.prepared(QStringLiteral("INSERT OR REPLACE INTO recorded_file (day_number, name, bytes)"
+                                           " SELECT ?, key, value FROM json_each(?)"));
+    QSqlQuery remove = m_database.prepared(
+        QStringLiteral("DELETE FROM recorded_file WHERE day_number = ? AND name IN (SELECT value FROM json_each(?))"));
     for (const DayChange &change : changes) {
         const DayFolder &folder = change.folder;
         executeWith(setDay, {folder.place, folder.camera, folder.day, change.sum.files, change.sum.bytes});
         setDay.next();
         const qint64 number = setDay.value(0).toLongLong();
         setDay.finish();
-        for (auto file = change.written.cbegin(); file != change.written.cend(); ++file)
-            executeWith(write, {number, file.key(), file.value()});
-        for (const QString &name : change.removed)
-            executeWith(remove, {number, name});
+        if (!change.written.isEmpty())
+            executeWith(write, {number, json(QJsonDocument(objectOf(change.written)))});
+        if (!change.removed.isEmpty())
+            executeWith(remove, {number, json(QJsonDocument(QJsonArray::fromStringList(change.removed)))});
     }
     transaction.commit();
 }

@@ -40,6 +40,8 @@ private slots:
     void anEndingThreadReadsNoFolderToItsEnd();
     void anEndingThreadBeginsNoReading();
     void aFolderThatReplacesAnotherIsWatched();
+    void namesAndSizesAreKeptAsTheyAre();
+    void whatAnotherStationIndexedIsTold();
 
 private:
     void makeManyFiles() const;
@@ -152,6 +154,49 @@ void IndexWorkerTest::aFolderThatReplacesAnotherIsWatched()
     watch.watch(m_place.root, identify(m_place.root).inode);
     RecordedSite::write(m_place.root, u"new"_s, 1);
     QTRY_VERIFY(!changed.isEmpty());
+}
+
+void IndexWorkerTest::namesAndSizesAreKeptAsTheyAre()
+{
+    constexpr qint64 noDouble = (qint64(1) << 53) + 1;
+    const DayFolder folder{m_place.number, u"Gate"_s, u"2026-03-19"_s};
+    QHash<QString, qint64> files{{u"a\"b\\c'"_s, 0},
+                                 {u"\n\t\u0001{}[],:"_s, 1},
+                                 {u"\u00fc \U0001F3A5"_s, noDouble},
+                                 {u"08"_s, 8},
+                                 {u"true"_s, 9},
+                                 {u" "_s, 10}};
+    RecordingIndex index(*m_database);
+    index.apply({{folder, files, {}, {6, 1}}});
+    QCOMPARE(index.files(folder), files);
+
+    files[u"08"_s] = noDouble;
+    const QStringList removed{u"a\"b\\c'"_s, u"\n\t\u0001{}[],:"_s, u"\u00fc \U0001F3A5"_s};
+    for (const QString &name : removed)
+        files.remove(name);
+    index.apply({{folder, {{u"08"_s, noDouble}}, removed, {3, 1}}});
+    QCOMPARE(index.files(folder), files);
+    index.apply({{folder, {}, {u"true"_s, u"08"_s, u" "_s}, {0, 0}}});
+    QCOMPARE(index.files(folder), (QHash<QString, qint64>()));
+    QCOMPARE(index.files({m_place.number, u"Gate"_s, u"2026-03-18"_s}), std::nullopt);
+}
+
+void IndexWorkerTest::whatAnotherStationIndexedIsTold()
+{
+    const DayFolder folder{m_place.number, u"Gate"_s, u"2026-03-19"_s};
+    IndexWorker worker(m_site->dataFolder(), m_site->settings(day).usage);
+    const QSignalSpy reconciled(&worker, &IndexWorker::reconciled);
+    const QSignalSpy told(&worker, &IndexWorker::sumsChanged);
+    worker.setPlaces({m_place});
+    worker.reconcile(1);
+    QTRY_COMPARE(reconciled.size(), 1);
+    const auto bytes = [&] { return told.constLast().at(0).value<PlaceSums>().value(m_place.number).days[day].bytes; };
+    QCOMPARE(bytes(), 3000);
+
+    // It was quicker: this one finds the index as the folder is.
+    RecordingIndex(*m_database).apply({{folder, {{u"0002.rec"_s, 500}}, {}, {2, 3500}}});
+    RecordedSite::write(RecordedSite::dayFolder(m_place.path, u"Doors"_s, u"Gate"_s, day), u"0002.rec"_s, 500);
+    QTRY_COMPARE(bytes(), 3500);
 }
 
 QTEST_GUILESS_MAIN(IndexWorkerTest)
