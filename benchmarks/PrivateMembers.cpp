@@ -56,9 +56,9 @@ QMap<QString, QVariant> PrivateMembers::calculateGroupUsage(PluginRecordingManag
 }
 
 void PrivateMembers::updateRecordingGroupVolumeModel(PluginRecordingManagement &plugin, const QString &source,
-                                                     QVariant &data)
+                                                     QVariant &data, const QStringList &groupIds)
 {
-    (plugin.*member(GroupVolumes()))(source, data);
+    (plugin.*member(GroupVolumes()))(source, data, groupIds);
 }
 
 void PrivateMembers::appendRecordingGroupToTreeModel(PluginRecordingManagement &plugin, const QVariant &data)

@@ -15,7 +15,8 @@ struct RecordingGroupData;
 namespace PrivateMembers {
 
 QMap<QString, QVariant> calculateGroupUsage(PluginRecordingManagement &plugin, QVariant &data);
-void updateRecordingGroupVolumeModel(PluginRecordingManagement &plugin, const QString &source, QVariant &data);
+void updateRecordingGroupVolumeModel(PluginRecordingManagement &plugin, const QString &source, QVariant &data,
+                                     const QStringList &groupIds);
 void appendRecordingGroupToTreeModel(PluginRecordingManagement &plugin, const QVariant &data);
 void saveRecordingGroupData(PluginRecordingManagement &plugin, const QVariant &data);
 

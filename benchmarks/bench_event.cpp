@@ -21,6 +21,7 @@ using Models = QMap<QString, QSharedPointer<QStandardItemModel>>;
 struct Event
 {
     QVariant data;
+    QStringList groupIds;
     Client client;
     PlainPlugin plain;
     SilentMonitor monitor;
@@ -35,7 +36,8 @@ std::shared_ptr<Event> newEvent(const QVariantList &entries)
     event->data = entries;
     event->client.volumeChanged(event->data);
     event->plain.handleVolumeChanged({}, event->data, &event->monitor);
-    for (const QString &group : event->plain.groupVolumeModels[QString()].keys())
+    event->groupIds = event->plain.groupVolumeModels[QString()].keys();
+    for (const QString &group : std::as_const(event->groupIds))
         event->values[group] = rowValues(event->client.groupVolumes(group).invisibleRootItem());
     return event;
 }
@@ -98,7 +100,10 @@ Work groupVolumes(int size)
     return {
         {
             {"ours",
-             [event] { PrivateMembers::updateRecordingGroupVolumeModel(event->client.plugin, {}, event->data); }},
+             [event] {
+                 PrivateMembers::updateRecordingGroupVolumeModel(event->client.plugin, {}, event->data,
+                                                                 event->groupIds);
+             }},
             {"plain", [event] { event->plain.updateRecordingGroupVolumeModel({}, event->data); }},
             {"read", [event] { readVolumes(event->data); }},
             {"floor", [event] { rebuildFloor(*event); }},

@@ -120,6 +120,7 @@ void registerHeapCounts()
     add(
         "15 heap of a group volume", [](int size) { return Replies::volumeEntries(size); },
         [](Client &client, QVariant data) {
-            PrivateMembers::updateRecordingGroupVolumeModel(client.plugin, {}, data);
+            const QStringList groupIds = PrivateMembers::calculateGroupUsage(client.plugin, data).keys();
+            PrivateMembers::updateRecordingGroupVolumeModel(client.plugin, {}, data, groupIds);
         });
 }

@@ -295,7 +295,7 @@ private:
     void handleVolumeChanged(QVariant data, const QString &source);
 
     QMap<QString, QVariant> calculateGroupUsage(QVariant &data);
-    void updateRecordingGroupVolumeModel(const QString &source, QVariant &data);
+    void updateRecordingGroupVolumeModel(const QString &source, QVariant &data, const QStringList &groupIds);
     void updateRecordingGroupUsageModel(const QString &source, QMap<QString, QVariant> &usage);
     void monitorVolumnStatus(const QString &source, QVariant &data);
     void monitorGroupStatus(const QString &source);

@@ -243,7 +243,7 @@ void PluginRecordingManagement::appendRecordingGroupToTreeModel(const QVariant &
 void PluginRecordingManagement::handleVolumeChanged(QVariant data, const QString &source)
 {
     QMap<QString, QVariant> usage = calculateGroupUsage(data);
-    updateRecordingGroupVolumeModel(source, data);
+    updateRecordingGroupVolumeModel(source, data, usage.keys());
     updateRecordingGroupUsageModel(source, usage);
     monitorVolumnStatus(source, data);
     monitorGroupStatus(source);
@@ -274,15 +274,19 @@ QMap<QString, QVariant> PluginRecordingManagement::calculateGroupUsage(QVariant 
     return usage;
 }
 
-void PluginRecordingManagement::updateRecordingGroupVolumeModel(const QString &source, QVariant &data)
+void PluginRecordingManagement::updateRecordingGroupVolumeModel(const QString &source, QVariant &data,
+                                                                const QStringList &groupIds)
 {
-    std::exchange(m_groupVolumeModels[source], {}); // emptied first: a model's end may bring QML back in here
     struct GroupRows
     {
         QSharedPointer<QStandardItemModel> model; // held until it is filled
         std::optional<RowBatch> rows; // of the model
     };
     GroupMap<GroupRows> groups;
+    // While the old models are there: a view that asks again would take a new one at an old one's address for the same.
+    for (const QString &id : groupIds)
+        groups[id].model.reset(newListModel(volumeRoleNames(), this));
+    std::exchange(m_groupVolumeModels[source], {}); // the map is empty when a model's end brings QML back in here
     RowMaker maker(groupVolumeRow());
     const std::size_t groupId = maker.record().add(FieldKey::recordingGroupID);
     QString convertedId;
@@ -291,10 +295,9 @@ void PluginRecordingManagement::updateRecordingGroupVolumeModel(const QString &s
         maker.record().read(entry);
         const QString &id = textIn(maker.record()[groupId], convertedId);
         GroupRows &group = groups[id];
-        if (!group.model) {
-            group.model.reset(newListModel(volumeRoleNames(), this));
-            if (!group.model)
-                continue;
+        if (!group.model)
+            continue; // there was no memory for it
+        if (!group.rows) {
             m_groupVolumeModels[source].insert(id, group.model);
             group.rows.emplace(group.model.data());
         }

@@ -72,6 +72,7 @@ private slots:
     void viewsSeeOneResetAndOneInsertion();
     void failedRowIsSkipped();
     void failedGroupModelIsSkipped();
+    void newModelsAreNotAtOldAddresses();
     void listenersMayComeBack_data();
     void listenersMayComeBack();
     void listenerMayComeBackWithAnEventOfTheStation();
@@ -405,6 +406,21 @@ void StorageUsageTest::failedGroupModelIsSkipped()
     QVERIFY(!groupModel("", "{1}"));
     QCOMPARE(groupModel("", "{2}")->rowCount(), 1);
     QCOMPARE(modelText(*usageModel(), {257}), (QStringList{"{1}", "{2}"}));
+}
+
+void StorageUsageTest::newModelsAreNotAtOldAddresses()
+{
+    const QVariantList entries{entry("{1}", 0, -1, -1), entry("{2}", 0, -1, -1), entry("{3}", 0, -1, -1)};
+    QSet<const void *> before;
+    for (int i = 0; i < 20; ++i) {
+        event(entries);
+        QSet<const void *> now;
+        for (const char *id : {"{1}", "{2}", "{3}"})
+            now.insert(groupModel("", id));
+        QCOMPARE(now.size(), 3);
+        QVERIFY2(!now.intersects(before), "a view that asks again would take the new model for the old one");
+        before = now;
+    }
 }
 
 void StorageUsageTest::listenersMayComeBack_data()
