@@ -44,6 +44,7 @@ private slots:
 
 private:
     QVariant evaluate(const QString &expression);
+    std::unique_ptr<QObject> create(const QByteArray &document);
 
     FakeFramework m_framework;
     std::unique_ptr<PluginRecordingManagement> m_plugin;
@@ -69,6 +70,16 @@ QVariant tst_qml_surface::evaluate(const QString &expression)
     if (script.hasError())
         qWarning() << script.error();
     return value;
+}
+
+std::unique_ptr<QObject> tst_qml_surface::create(const QByteArray &document)
+{
+    QQmlComponent component(m_engine.get());
+    component.setData(document, {});
+    std::unique_ptr<QObject> object(component.create());
+    if (!object)
+        qWarning() << component.errorString();
+    return object;
 }
 
 void tst_qml_surface::leftOutArgumentsTakeTheirDefaults_data()
@@ -183,13 +194,11 @@ void tst_qml_surface::enumValuesAreVisible_data()
 void tst_qml_surface::enumValuesAreVisible()
 {
     QFETCH(const int, value);
-    QQmlComponent component(m_engine.get());
-    component.setData(QByteArrayLiteral("import QtQml\nimport com.meridon.pluginrecordingmanagement 1.0\n"
-                                        "QtObject { property int value: PluginRecordingManagement.")
-                          + QTest::currentDataTag() + QByteArrayLiteral(" }"),
-                      {});
-    const std::unique_ptr<QObject> object(component.create());
-    QVERIFY2(object, qPrintable(component.errorString()));
+    const std::unique_ptr<QObject> object =
+        create(QByteArrayLiteral("import QtQml\nimport com.meridon.pluginrecordingmanagement 1.0\n"
+                                 "QtObject { property int value: PluginRecordingManagement.")
+               + QTest::currentDataTag() + QByteArrayLiteral(" }"));
+    QVERIFY(object);
     QCOMPARE(object->property("value").toInt(), value);
 }
 
@@ -204,18 +213,16 @@ void tst_qml_surface::modelsAnswerByRoleName()
     };
     m_plugin->CommandProcessor(QStringLiteral("getVolume"), QVariantList{volume}, nullptr, QStringLiteral("0"), {},
                                true, {});
-    QQmlComponent component(m_engine.get());
-    component.setData("import QtQml\n"
-                      "Instantiator { model: recording.getVolumeModel(); delegate: QtObject {\n"
-                      "required property string idRole; required property string rootPathRole\n"
-                      "required property string nameRole; required property real sizeRole\n"
-                      "required property real availableSizeRole; required property bool isSystemRole\n"
-                      "required property bool isNASRole\n"
-                      "property string row: [idRole.length, rootPathRole, nameRole, sizeRole, availableSizeRole, "
-                      "isSystemRole, isNASRole].join(' ') } }",
-                      {});
-    const std::unique_ptr<QObject> rows(component.create());
-    QVERIFY2(rows, qPrintable(component.errorString()));
+    const std::unique_ptr<QObject> rows =
+        create("import QtQml\n"
+               "Instantiator { model: recording.getVolumeModel(); delegate: QtObject {\n"
+               "required property string idRole; required property string rootPathRole\n"
+               "required property string nameRole; required property real sizeRole\n"
+               "required property real availableSizeRole; required property bool isSystemRole\n"
+               "required property bool isNASRole\n"
+               "property string row: [idRole.length, rootPathRole, nameRole, sizeRole, availableSizeRole, "
+               "isSystemRole, isNASRole].join(' ') } }");
+    QVERIFY(rows);
     QCOMPARE(rows->property("count").toInt(), 1);
     QCOMPARE(qvariant_cast<QObject *>(rows->property("object"))->property("row").toString(),
              QStringLiteral("38 /data Data 8589934592 3221225472 true false"));
@@ -231,16 +238,14 @@ void tst_qml_surface::viewOfAGroupsVolumesMayOutliveItsModel()
         m_plugin->EventProcessor(QStringLiteral("VolumeChanged"), 0, 0, 0, entries, {});
     };
     report(2);
-    QQmlComponent component(m_engine.get());
-    component.setData("import QtQuick\n"
-                      "ListView { id: view; height: 500; width: 100; property int asked: 0\n"
-                      "property string paths\n"
-                      "model: (asked, recording.getGroupVolumeModel('', 'g'))\n"
-                      "delegate: Item { required property string rootPathRole; width: 1; height: 1\n"
-                      "Component.onCompleted: view.paths += rootPathRole + ' ' } }",
-                      {});
-    const std::unique_ptr<QObject> view(component.create());
-    QVERIFY2(view, qPrintable(component.errorString()));
+    const std::unique_ptr<QObject> view =
+        create("import QtQuick\n"
+               "ListView { id: view; height: 500; width: 100; property int asked: 0\n"
+               "property string paths\n"
+               "model: (asked, recording.getGroupVolumeModel('', 'g'))\n"
+               "delegate: Item { required property string rootPathRole; width: 1; height: 1\n"
+               "Component.onCompleted: view.paths += rootPathRole + ' ' } }");
+    QVERIFY(view);
     QCOMPARE(view->property("count").toInt(), 2);
     for (int volumes = 1; volumes < 5; ++volumes) {
         report(volumes);
@@ -254,16 +259,14 @@ void tst_qml_surface::viewOfAGroupsVolumesMayOutliveItsModel()
 
 void tst_qml_surface::signalsReachHandlers()
 {
-    QQmlComponent component(m_engine.get());
-    component.setData("import QtQml\n"
-                      "Connections { target: recording; property var heard: []\n"
-                      "function onGetVolumeResponded(success) { heard.push('volumes ' + success) }\n"
-                      "function onGetServerDirResponded(path) { heard.push('folder ' + path) }\n"
-                      "function onRemoveNASServerResponsed(success) { heard.push('removed ' + success) }\n"
-                      "property string text: '' \n function say() { return heard.join(', ') } }",
-                      {});
-    const std::unique_ptr<QObject> listener(component.create());
-    QVERIFY2(listener, qPrintable(component.errorString()));
+    const std::unique_ptr<QObject> listener =
+        create("import QtQml\n"
+               "Connections { target: recording; property var heard: []\n"
+               "function onGetVolumeResponded(success) { heard.push('volumes ' + success) }\n"
+               "function onGetServerDirResponded(path) { heard.push('folder ' + path) }\n"
+               "function onRemoveNASServerResponsed(success) { heard.push('removed ' + success) }\n"
+               "property string text: '' \n function say() { return heard.join(', ') } }");
+    QVERIFY(listener);
     m_plugin->CommandProcessor(QStringLiteral("getVolume"), {}, nullptr, QStringLiteral("1"), {}, true, {});
     m_plugin->CommandProcessor(QStringLiteral("getServerDir"),
                                QVariantMap{{QStringLiteral("basePath"), QStringLiteral("/x")}}, nullptr,
@@ -276,10 +279,9 @@ void tst_qml_surface::signalsReachHandlers()
 
 void tst_qml_surface::typeCanBeMadeInQml()
 {
-    QQmlComponent component(m_engine.get());
-    component.setData("import com.meridon.pluginrecordingmanagement 1.0\nPluginRecordingManagement {}", {});
-    const std::unique_ptr<QObject> object(component.create());
-    QVERIFY2(object, qPrintable(component.errorString()));
+    const std::unique_ptr<QObject> object =
+        create("import com.meridon.pluginrecordingmanagement 1.0\nPluginRecordingManagement {}");
+    QVERIFY(object);
     QCOMPARE(object->property("recordingGroupRetrieved").toInt(), 0);
 }
 
