@@ -1,9 +1,10 @@
 #include "Rounds.h"
 
+#include "Measuring.h"
+
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <ctime>
 #include <map>
 #include <optional>
 #include <random>
@@ -12,23 +13,8 @@ namespace {
 
 constexpr double secondsForACase = 3;
 constexpr int fewestRounds = 5;
-;
 
 using Times = std::map<std::string, double>; // seconds, by variant
-
-double threadSeconds()
-{
-    timespec now;
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
-
-double median(std::vector<double> values)
-{
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
-}
 
 Times runRound(std::vector<Variant> &variants, std::mt19937 &random)
 {

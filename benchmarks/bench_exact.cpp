@@ -1,12 +1,11 @@
 #include "Case.h"
 #include "Client.h"
 #include "ItemRoles.h"
+#include "Measuring.h"
 #include "PrivateMembers.h"
 #include "Replies.h"
 
 #include <benchmark/benchmark.h>
-
-#include <malloc.h>
 
 #include <algorithm>
 
@@ -62,12 +61,6 @@ void countSignals(benchmark::State &state)
             keepLargest("dataChanged", counts.changes);
         }
     }
-}
-
-double heapInUse()
-{
-    const struct mallinfo2 info = mallinfo2();
-    return static_cast<double>(info.uordblks + info.hblkhd);
 }
 
 // What the heap grows by while @p fill fills an empty model from @p data, which stays.

@@ -1,12 +1,10 @@
 #include "Case.h"
+#include "Measuring.h"
 #include "Rounds.h"
 
 #include <QGuiApplication>
 
 #include <benchmark/benchmark.h>
-
-#include <algorithm>
-#include <cstring>
 
 namespace {
 
@@ -20,16 +18,6 @@ std::vector<Case> allCases()
     for (const auto &part : {replyCases(), treeCases(), eventCases(), queryCases(), viewCases()})
         cases.insert(cases.end(), part.begin(), part.end());
     return cases;
-}
-
-// Takes @p argument out of the command line; false when it is not there.
-bool take(const char *argument, int &count, char **arguments)
-{
-    char **const end = arguments + count;
-    char **const left =
-        std::remove_if(arguments + 1, end, [argument](const char *text) { return !std::strcmp(text, argument); });
-    count = static_cast<int>(left - arguments);
-    return left != end;
 }
 
 void registerAll(bool smoke)
@@ -55,8 +43,8 @@ void registerAll(bool smoke)
 int main(int argc, char **argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    const bool smoke = take("--smoke", argc, argv);
-    const bool growth = take("--growth", argc, argv);
+    const bool smoke = takeArgument("--smoke", argc, argv);
+    const bool growth = takeArgument("--growth", argc, argv);
     const QGuiApplication application(argc, argv);
     if (growth)
         return countInstructions(allCases());

@@ -2,6 +2,7 @@
 
 #include "ConsoleClient.h"
 #include "ConsoleTypes.h"
+#include "Measuring.h"
 #include "Memory.h"
 
 #include <QEventLoop>
@@ -14,7 +15,7 @@
 
 namespace {
 
-constexpr std::chrono::minutes patience{2};
+constexpr std::chrono::minutes patience{1};
 constexpr int framesToRest = 8; // delegates are made a frame late, and the drawings in them one more
 
 QQuickItem *findBelow(QQuickItem *item, const QString &objectName)
@@ -67,7 +68,7 @@ ConsoleWindow::~ConsoleWindow() = default;
 double ConsoleWindow::heapInUse()
 {
     m_engine.collectGarbage();
-    return Memory::heapInUse();
+    return ::heapInUse();
 }
 
 void ConsoleWindow::animate(bool moving)

@@ -1,11 +1,12 @@
 #include "LoopWatch.h"
 
+#include "Measuring.h"
+
 #include <QQuickWindow>
 
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <ctime>
 
 namespace {
 
@@ -16,7 +17,6 @@ constexpr double longTurn = 1e-3; // seconds
 
 LoopWatch::LoopWatch(QQuickWindow &window)
 {
-    // Where the window is rendered by its own thread, the beat alone belongs to this one.
     connect(&window, &QQuickWindow::frameSwapped, this, &LoopWatch::noteFrame);
 }
 
@@ -24,7 +24,7 @@ void LoopWatch::start()
 {
     m_seen = {};
     m_lastTurn = m_lastFrame = wallSeconds();
-    m_lastTurnCpu = cpuSeconds();
+    m_lastTurnCpu = threadSeconds();
     m_heart.start(0, this);
 }
 
@@ -33,13 +33,6 @@ Smoothness LoopWatch::stop()
     beat();
     m_heart.stop();
     return m_seen;
-}
-
-double LoopWatch::cpuSeconds()
-{
-    timespec now;
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
 double LoopWatch::wallSeconds()
@@ -55,7 +48,7 @@ void LoopWatch::timerEvent(QTimerEvent *)
 void LoopWatch::beat()
 {
     const double now = wallSeconds();
-    const double nowCpu = cpuSeconds();
+    const double nowCpu = threadSeconds();
     const double turnCpu = nowCpu - m_lastTurnCpu;
     m_seen.longestTurn = std::max(m_seen.longestTurn, now - m_lastTurn);
     m_seen.longestTurnCpu = std::max(m_seen.longestTurnCpu, turnCpu);

@@ -26,8 +26,6 @@ public:
     void start();
     Smoothness stop();
 
-    /// CPU seconds of the calling thread.
-    static double cpuSeconds();
     /// Seconds on a clock that is never set.
     static double wallSeconds();
 

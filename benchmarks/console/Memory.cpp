@@ -20,12 +20,6 @@ double statusBytes(const std::string &key)
 
 } // namespace
 
-double Memory::heapInUse()
-{
-    const struct mallinfo2 info = mallinfo2();
-    return static_cast<double>(info.uordblks + info.hblkhd);
-}
-
 double Memory::beginPeak()
 {
     malloc_trim(0);

@@ -1,10 +1,7 @@
 #pragma once
 
-/// This process's memory, in bytes.
+/// How much memory this process has in use, in bytes.
 namespace Memory {
-
-/// What is allocated and not freed.
-double heapInUse();
 
 /// Gives what is free back to the system and begins to watch the peak. Returns the resident set as it is now.
 double beginPeak();

@@ -1,5 +1,6 @@
 #include "Rounds.h"
 
+#include "Measuring.h"
 #include "Memory.h"
 #include "PlainRecordingManagement.h"
 
@@ -12,7 +13,7 @@
 
 namespace {
 
-constexpr double secondsForASize = 9;
+constexpr double secondsForASize = 4;
 constexpr int fewestRounds = 3;
 constexpr int framesToRest = 8;
 constexpr double megabyte = 1024 * 1024;
@@ -43,13 +44,6 @@ struct Contender
     ConsoleWindow window; // goes first
 };
 
-double median(std::vector<double> values)
-{
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
-}
-
 double handlerSeconds(const Scenario &scenario, const Message &message, ConsoleClient &client)
 {
     if (scenario.request)
@@ -57,9 +51,9 @@ double handlerSeconds(const Scenario &scenario, const Message &message, ConsoleC
     for (const Message &earlier : scenario.before)
         client.deliver(earlier);
     Memory::beginPeak(); // as before the window's message
-    const double start = LoopWatch::cpuSeconds();
+    const double start = threadSeconds();
     client.deliver(message);
-    return LoopWatch::cpuSeconds() - start;
+    return threadSeconds() - start;
 }
 
 /// One message for one contender. The first one fills an empty page, so it tells of memory alone unless @p once.

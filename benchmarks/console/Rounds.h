@@ -9,8 +9,8 @@
 /// before it: "stall, ms" and "stall, CPU ms" (the longest turn of the event loop), "shown, ms" (until the first frame
 /// with the rows), "dropped" (frames), "handler, CPU ms" (the message where nobody looks), "window, CPU ms" (all that
 /// the shown window takes beyond that), "peak, MB" (memory that the refill takes meanwhile) and "grown, KB" (memory
-/// that it keeps beyond the rows of before). "heap, MB" is what the first message takes, rows and page. "stall,
-/// ours/plain" is the ratio in CPU time within a round.
+/// that it keeps beyond the rows of before). "heap, MB" and "first stall, CPU ms" are what the first message takes,
+/// rows and page. "stall, ours/plain" is the ratio in CPU time within a round.
 void registerScenario(const Scenario &scenario, const Scenario::Size &size, int mostRounds);
 
 /// Registers the window while nothing arrives: "dropped" and "stall, ms" of a second, which should be next to nothing.

@@ -110,7 +110,7 @@ std::vector<Scenario> scenarios()
          .facts = usageShown},
         {.name = "usage page, every group short",
          .page = "usage",
-         .sizes = {{10'000}, {100'000}},
+         .sizes = {{50'000}},
          .message = alarmingEvent,
          .facts = usageShown},
         {.name = "volumes page",

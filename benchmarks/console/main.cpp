@@ -1,28 +1,17 @@
 #include "Rounds.h"
 
+#include "Measuring.h"
+
 #include <QGuiApplication>
 #include <QQuickStyle>
 #include <QQuickWindow>
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <cstring>
-
 namespace {
 
 constexpr int smokeRecords = 64;
 constexpr int mostRounds = 9;
-
-// Takes @p argument out of the command line; false when it is not there.
-bool take(const char *argument, int &count, char **arguments)
-{
-    char **const end = arguments + count;
-    char **const left =
-        std::remove_if(arguments + 1, end, [argument](const char *text) { return !std::strcmp(text, argument); });
-    count = static_cast<int>(left - arguments);
-    return left != end;
-}
 
 void registerAll(bool smoke)
 {
@@ -44,7 +33,7 @@ void registerAll(bool smoke)
 int main(int argc, char **argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    const bool smoke = take("--smoke", argc, argv);
+    const bool smoke = takeArgument("--smoke", argc, argv);
     const QGuiApplication application(argc, argv);
     QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
     QQuickStyle::setStyle(QStringLiteral("Basic"));

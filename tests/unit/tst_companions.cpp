@@ -184,6 +184,9 @@ void TestCompanions::groupThatSufficesWithdrawsIt()
     change({figures("1", 3, 3 * day), figures("2", 0, 3 * day)});
     QCOMPARE(alarms(), QStringList{"|InsufficientRecordingDays|2|Gate 2"});
     QCOMPARE(m_news, (QStringList{"raised  1", "raised  2", "withdrawn  1"}));
+    change({figures("1", 1, 3 * day), figures("2", 0, 3 * day)});
+    QCOMPARE(alarms(), (QStringList{"|InsufficientRecordingDays|2|Gate 2", "|InsufficientRecordingDays|1|Gate 1"}));
+    QCOMPARE(m_news.last(), "raised  1");
 }
 
 void TestCompanions::groupsOfStationsAreToldApart()
