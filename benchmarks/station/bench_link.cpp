@@ -14,6 +14,8 @@
 
 #include <algorithm>
 
+#include <sched.h>
+
 namespace {
 constexpr int members = 4;
 constexpr int recordsInAll = 60'000; // of all trips together, about
@@ -56,6 +58,27 @@ void makeGroups(const QString &dataFolder, int count)
     }
     transaction.commit();
 }
+
+/// Keeps this thread, and those that it starts meanwhile, on one core: whether a thread is woken on the same core or on
+/// another one costs more than all else, and is the system's whim.
+class OneCore
+{
+public:
+    OneCore()
+    {
+        sched_getaffinity(0, sizeof m_before, &m_before);
+        cpu_set_t one;
+        CPU_ZERO(&one);
+        CPU_SET(static_cast<std::size_t>(sched_getcpu()), &one);
+        sched_setaffinity(0, sizeof one, &one);
+    }
+    ~OneCore() { sched_setaffinity(0, sizeof m_before, &m_before); }
+    OneCore(const OneCore &) = delete;
+    OneCore &operator=(const OneCore &) = delete;
+
+private:
+    cpu_set_t m_before = {};
+};
 
 /// A thread that hands everything back: two queued calls with a reply, as every link inside a process needs them.
 class Echo
@@ -111,6 +134,7 @@ double hundredth(const std::vector<Cost> &costs)
 /// the station's reply there and back alone.
 void roundTrip(benchmark::State &state, const QString &dataFolder, int records)
 {
+    const OneCore core;
     const StationCommand command = commandFor(records);
     makeGroups(dataFolder, records);
     Station here(settings(dataFolder));
