@@ -1,5 +1,7 @@
 #include "Rounds.h"
 
+#include "Measuring.h"
+
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -45,13 +47,6 @@ std::vector<double> column(const std::vector<Cost> &costs, double Cost::*what)
     return values;
 }
 } // namespace
-
-double median(std::vector<double> values)
-{
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
-}
 
 Cost costOf(const std::function<void()> &run, Memory memory)
 {

@@ -43,7 +43,5 @@ void report(benchmark::State &state, const std::string &name, int size, const Co
 /// CPU time of ours in microseconds that was reported under @p name for @p size; none where that did not run yet.
 std::optional<double> reported(const std::string &name, int size);
 
-double median(std::vector<double> values);
-
 /// Registers @p work under "<name>/<size>", as one iteration. What it throws is the benchmark's error.
 void add(const std::string &name, int size, const std::function<void(benchmark::State &)> &work);
