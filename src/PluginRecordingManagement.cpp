@@ -263,15 +263,15 @@ bool PluginRecordingManagement::CreateStationTreeModel(const QVariantMap &statio
 
 QString PluginRecordingManagement::convertVolumeCapacity(qint64 capacity) const
 {
-    static const QString templates[] = {QStringLiteral("%1 KB"), QStringLiteral("%1 MB"), QStringLiteral("%1 GB"),
-                                        QStringLiteral("%1 TB")};
+    constexpr QLatin1String units[] = {QLatin1String(" KB"), QLatin1String(" MB"), QLatin1String(" GB"),
+                                       QLatin1String(" TB")};
     auto value = static_cast<double>(capacity);
     std::size_t unit = 0;
-    while (value >= 1024.0 && unit + 1 < std::size(templates)) {
+    while (value >= 1024.0 && unit + 1 < std::size(units)) {
         value *= 0.0009765625; // 1/1024
         ++unit;
     }
-    return templates[unit].arg(QString::number(value, 'f', 2));
+    return QString::number(value, 'f', 2) + units[unit];
 }
 
 QString PluginRecordingManagement::toSlashPath(const QString &path) const

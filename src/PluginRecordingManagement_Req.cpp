@@ -471,6 +471,7 @@ QVariantList PluginRecordingManagement::getRecordingGroupInfoList()
             const QString id = group.data(RecordingGroupRole::Id).toString();
             const QSharedPointer<QStandardItemModel> paths = m_groupVolumeModels.value(station).value(id);
             QVariantList volumes;
+            volumes.reserve(paths ? paths->rowCount() : 0);
             for (int pathRow = 0; paths && pathRow < paths->rowCount(); ++pathRow) {
                 const QModelIndex path = paths->index(pathRow, 0);
                 volumes.append(QVariantMap{
