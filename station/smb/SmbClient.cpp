@@ -23,6 +23,8 @@ namespace {
 /// libsmbclient takes each of the three words into a buffer of this size and cuts off what is longer.
 constexpr qsizetype longestWord = 255;
 
+constexpr int mostRepeats = 3; // of a call that stumbled
+
 struct Words
 {
     QByteArray domain;
@@ -53,6 +55,12 @@ bool isSilence(int error)
     constexpr int silences[] = {ETIMEDOUT,   ECONNREFUSED, ECONNRESET, ECONNABORTED, EHOSTUNREACH, EHOSTDOWN,
                                 ENETUNREACH, ENETDOWN,     ENOTCONN,   EPIPE,        ENXIO};
     return std::find(std::begin(silences), std::end(silences), error) != std::end(silences);
+}
+
+/// While several threads log on at once, the library now and then reports one of these though nothing is wrong.
+bool isStumble(int error)
+{
+    return error == EINVAL || error == ENOMEM;
 }
 
 bool isRefusal(int error)
@@ -135,7 +143,9 @@ int SmbClient::attempt(const SmbPath &place, const std::function<int()> &call)
         return EACCES;
     if (const int error = findHost(place.host))
         return error;
-    const int error = call();
+    int error = call();
+    for (int again = 0; isStumble(error) && again < mostRepeats; ++again)
+        error = call();
     if (!isSilence(error))
         m_context->turn.serverAnswered();
     return error;
