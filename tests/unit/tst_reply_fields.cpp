@@ -24,7 +24,8 @@ void ReplyFieldsTest::mapsAndTextsAreReadInPlace()
     QString convertedText;
     const QVariantMap &read = mapIn(map, convertedMap);
     QCOMPARE(static_cast<const void *>(&read), map.constData());
-    const QVariant &field = fieldIn(read, "a");
+    const QString key = "a";
+    const QVariant &field = fieldIn(read, key);
     QCOMPARE(static_cast<const void *>(&textIn(field, convertedText)), field.constData());
 }
 
