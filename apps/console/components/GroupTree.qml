@@ -119,7 +119,7 @@ Rectangle {
                 treeView.forceActiveFocus(Qt.MouseFocusReason);
                 card.chosen(groupId);
             }
-            onToggled: card.toggle()
+            onToggleRequested: card.toggle()
         }
         ScrollBar.vertical: ScrollMark { flickable: tree }
     }

@@ -25,7 +25,7 @@ ItemDelegate {
     readonly property bool current: groupId === selectedId
 
     signal chosen
-    signal toggled
+    signal toggleRequested
 
     objectName: isGroup ? "group:" + nameRole : "station"
     implicitWidth: Math.max(1, treeView.width)
@@ -48,7 +48,7 @@ ItemDelegate {
             size: 16
             visible: !row.isGroup
 
-            TapHandler { onTapped: row.toggled() }
+            TapHandler { onTapped: row.toggleRequested() }
         }
         Icon {
             name: row.isGroup ? "group" : "station"

@@ -196,6 +196,7 @@ TestCase {
         const rows = list.contentItem;
         compare(rows.count, 3);
         tryVerify(() => rows.activeFocus || rows.currentItem?.activeFocus);
+        tryVerify(() => rows.itemAtIndex(0) && rows.itemAtIndex(1));
         compare(rows.itemAtIndex(0).Accessible.name.split(",")[0], "A volume of the station cannot be reached");
         verify(rows.itemAtIndex(1).Accessible.name.startsWith(
                    "Earlier has too few recording days for its reserved time, since "));
