@@ -1,9 +1,11 @@
 #include "PluginRecordingManagement.h"
 
 #include "ItemRoles.h"
+#include "NoThrow.h"
 #include "RecordingGroupTreeModel.h"
 #include "RowItems.h"
 #include "ServerVocabulary.h"
+#include "VolumeReport.h"
 #include "framework/FrameworkWrapperBase.h"
 #include "trace/TraceLog.h"
 #include "trace/TraceScope.h"
@@ -12,25 +14,24 @@
 #include <QtQml>
 
 #include <algorithm>
+#include <exception>
 #include <iterator>
 #include <memory>
 #include <new>
 #include <utility>
 
-namespace {
-
-// Memory may run out inside Qt, too. What is left of @p work stays undone then; the client goes on.
-template<typename Work>
-void withoutException(Work work)
+void traceException(const char *function) noexcept
 {
     try {
-        work();
+        throw;
     } catch (const std::bad_alloc &) {
-        return;
+        TRACE_ERROR("%s, out of memory", function);
+    } catch (const std::exception &exception) {
+        TRACE_ERROR("%s, exception: %s", function, exception.what());
+    } catch (...) {
+        TRACE_ERROR("%s, unknown exception", function);
     }
 }
-
-} // namespace
 
 struct PluginRecordingManagement::ListModel
 {
@@ -119,7 +120,7 @@ PluginRecordingManagement::~PluginRecordingManagement()
 {
     const TraceScope scope(__FILE__, "PluginRecordingManagement::~PluginRecordingManagement", __LINE__);
     std::exchange(m_storageUsageModels, {});
-    std::exchange(m_groupVolumeModels, {});
+    std::exchange(m_volumeReports, {});
 }
 
 bool PluginRecordingManagement::InitialPluginBase(QQmlContext *context, void *handle, FrameworkWrapperBase *framework)
@@ -133,7 +134,8 @@ bool PluginRecordingManagement::InitialPluginBase(QQmlContext *context, void *ha
 
 bool PluginRecordingManagement::Init(QQmlContext *)
 {
-    const TraceScope scope(__FILE__, "PluginRecordingManagement::Init", __LINE__);
+    constexpr auto function = "PluginRecordingManagement::Init";
+    const TraceScope scope(__FILE__, function, __LINE__);
     for (const ListModel &entry : listModels) {
         this->*entry.member = newListModel(entry.roleNames(), this);
         if (!(this->*entry.member)) {
@@ -141,14 +143,11 @@ bool PluginRecordingManagement::Init(QQmlContext *)
             return false;
         }
     }
-    try {
+    return noThrow(function, [this] {
         m_treeModel = QSharedPointer<RecordingGroupTreeModel>::create(this);
-    } catch (const std::bad_alloc &) {
-        return false;
-    }
-    qmlRegisterType<PluginRecordingManagement>("com.meridon.pluginrecordingmanagement", 1, 0,
-                                               "PluginRecordingManagement");
-    return true;
+        qmlRegisterType<PluginRecordingManagement>("com.meridon.pluginrecordingmanagement", 1, 0,
+                                                   "PluginRecordingManagement");
+    });
 }
 
 void PluginRecordingManagement::PluginServerConnected()
@@ -161,11 +160,12 @@ void PluginRecordingManagement::PluginServerConnected()
 
 void PluginRecordingManagement::EventProcessor(QString event, qint64, int, int, QVariant data, const QString &source)
 {
-    const TraceScope scope(__FILE__, "PluginRecordingManagement::EventProcessor", __LINE__);
+    constexpr auto function = "PluginRecordingManagement::EventProcessor";
+    const TraceScope scope(__FILE__, function, __LINE__);
     if (event != ServerEvent::VolumeChanged)
         return;
-    withoutException([&] { handleVolumeChanged(data, source); });
-    emit volumeInfoChanged();
+    noThrow(function, [&] { handleVolumeChanged(data, source); });
+    noThrow(function, [this] { emit volumeInfoChanged(); });
 }
 
 void PluginRecordingManagement::EventProcessorEx(QString, ConfigBase *, qint64, int, int, QVariant, const QString &)
@@ -176,11 +176,12 @@ void PluginRecordingManagement::EventProcessorEx(QString, ConfigBase *, qint64, 
 void PluginRecordingManagement::CommandProcessor(QString command, QVariant data, void *context, QString returnCode,
                                                  QString, bool finish, const QString &)
 {
-    const TraceScope scope(__FILE__, "PluginRecordingManagement::CommandProcessor", __LINE__);
+    constexpr auto function = "PluginRecordingManagement::CommandProcessor";
+    const TraceScope scope(__FILE__, function, __LINE__);
     const auto route = std::find_if(std::begin(replyRoutes), std::end(replyRoutes),
                                     [&command](const ReplyRoute &entry) { return entry.command == command; });
     if (route != std::end(replyRoutes))
-        withoutException([&] { route->handle(*this, {data, context, returnCode, finish}); });
+        noThrow(function, [&] { route->handle(*this, {data, context, returnCode, finish}); });
 }
 
 void PluginRecordingManagement::CommandProcessorEx(QString, ConfigBase *, QVariant, void *, QString, QString, bool,
@@ -221,15 +222,17 @@ QObject *PluginRecordingManagement::getServerDirModel()
 
 QObject *PluginRecordingManagement::getStorageUsageModel(const QString &relayPath)
 {
-    QObject *model = nullptr;
-    withoutException([&] { model = storageUsageModel(relayPath).data(); });
-    return model;
+    return noThrow("PluginRecordingManagement::getStorageUsageModel", static_cast<QObject *>(nullptr),
+                   [&] { return storageUsageModel(relayPath).data(); });
 }
 
 QObject *PluginRecordingManagement::getGroupVolumeModel(const QString &relayPath, const QString &groupId)
 {
-    const auto station = m_groupVolumeModels.constFind(relayPath);
-    return station == m_groupVolumeModels.constEnd() ? nullptr : station->value(groupId).data();
+    return noThrow("PluginRecordingManagement::getGroupVolumeModel", static_cast<QObject *>(nullptr),
+                   [&]() -> QObject * {
+                       const auto report = m_volumeReports.value(relayPath);
+                       return report ? report->model(groupId, m_rowIds, this) : nullptr;
+                   });
 }
 
 QObject *PluginRecordingManagement::getRecordingGroupTreeModel() const
@@ -249,16 +252,20 @@ QSharedPointer<QStandardItemModel> PluginRecordingManagement::storageUsageModel(
     return model;
 }
 
-bool PluginRecordingManagement::CreateStationTreeModel(const QVariantMap &station)
+void PluginRecordingManagement::CreateStationTreeModel(const QVariantMap &station)
 {
     if (!m_treeModel)
-        return true;
+        return;
     clearRows(m_treeModel.data());
-    RowBatch rows(m_treeModel.data());
-    return rows.add(TreeStationItem(
-               station.value(QStringLiteral("name")).toString(), station.value(QStringLiteral("ip")).toString(),
-               station.value(FieldKey::relayPath).toString(), station.value(QStringLiteral("type")).toString()))
-        && rows.append();
+    RowBatch rows;
+    const bool made = rows.add([&] {
+        return treeStationRows().row(station.value(QStringLiteral("name")).toString(),
+                                     station.value(QStringLiteral("ip")).toString(),
+                                     station.value(FieldKey::relayPath).toString(),
+                                     station.value(QStringLiteral("type")).toString(), m_rowIds.nextText());
+    });
+    if (rows.append(m_treeModel.data()) > 0 || !made)
+        throw std::bad_alloc();
 }
 
 QString PluginRecordingManagement::convertVolumeCapacity(qint64 capacity) const

@@ -2,6 +2,7 @@
 
 #include "RecordingGroupData.h"
 #include "RecordingGroupIndex.h"
+#include "RowIds.h"
 #include "framework/PluginBase.h"
 
 #include <QMap>
@@ -10,11 +11,14 @@
 #include <QVariantList>
 #include <QVariantMap>
 
+#include <memory>
 #include <optional>
 #include <vector>
 
 class QStandardItemModel;
 class RecordingGroupTreeModel;
+class RowBatch;
+class VolumeReport;
 struct AddNASServerContext;
 
 /// The one object through which QML decides where and how a recording server (a station) stores video.
@@ -292,25 +296,23 @@ private:
     void handleUpdateRecordingGroup(const QVariant &data, const QString &returnCode);
     void handleRetrieveRecordingGroupTreeModel(const QVariant &data, const QString &result);
     void handleGetServerDir(const QVariant &data, const QString &returnCode);
-    void handleVolumeChanged(QVariant data, const QString &source);
+    void handleVolumeChanged(const QVariant &data, const QString &source);
 
-    QMap<QString, QVariant> calculateGroupUsage(QVariant &data);
-    void updateRecordingGroupVolumeModel(const QString &source, QVariant &data, const QStringList &groupIds);
-    void updateRecordingGroupUsageModel(const QString &source, QMap<QString, QVariant> &usage);
-    void monitorVolumnStatus(const QString &source, QVariant &data);
+    std::shared_ptr<VolumeReport> calculateGroupUsage(const QVariant &data) const;
+    void updateRecordingGroupVolumeModel(const QString &source, const std::shared_ptr<VolumeReport> &report);
+    void updateRecordingGroupUsageModel(const QString &source, const VolumeReport &report);
+    void monitorVolumnStatus(const QString &source, const VolumeReport &report);
     void monitorGroupStatus(const QString &source);
     QSharedPointer<QStandardItemModel> storageUsageModel(const QString &source);
 
-    bool CreateStationTreeModel(const QVariantMap &station); // false when memory ran out
+    void CreateStationTreeModel(const QVariantMap &station); // throws std::bad_alloc
     void appendRecordingGroupToTreeModel(const QVariant &data);
     void saveRecordingGroupData(const QVariant &data);
-    // @p list is the cache.
-    std::vector<RecordingGroupData>::const_iterator
-    findItemFromRecordingGroupList(const std::vector<RecordingGroupData> &list, const QString &recordingGroupID,
-                                   const QString &relayPath) const;
+    std::vector<RecordingGroupData>::const_iterator findItemFromRecordingGroupList(const QString &recordingGroupID,
+                                                                                   const QString &relayPath) const;
     const RecordingGroupIndex &groupIndex() const;
     template<typename Value>
-    Value cachedField(Value RecordingGroupData::*field, const QString &recordingGroupID,
+    Value cachedField(const char *function, Value RecordingGroupData::*field, const QString &recordingGroupID,
                       const QString &relayPath) const;
     bool sendGroupPath(const char *function, const QString &command, const QString &groupKey, const QString &group,
                        const QString &path, RecPathType recPathType, qlonglong reserveSpace);
@@ -328,14 +330,16 @@ private:
     FrameworkWrapperBase *m_framework = nullptr; // not owned
     std::vector<RecordingGroupData> m_recordingGroups;
     QMap<QString, QSharedPointer<QStandardItemModel>> m_storageUsageModels;
-    QMap<QString, QMap<QString, QSharedPointer<QStandardItemModel>>> m_groupVolumeModels;
+    QMap<QString, std::shared_ptr<VolumeReport>> m_volumeReports; // by relay path
     QStandardItemModel *m_volumeModel = nullptr;
     QStandardItemModel *m_recordingGroupModel = nullptr;
     QStandardItemModel *m_nasServerModel = nullptr;
     QStandardItemModel *m_nasDirModel = nullptr;
     QStandardItemModel *m_serverDirModel = nullptr;
     QSharedPointer<RecordingGroupTreeModel> m_treeModel;
-    QString m_addRequestId; // of the newest add of a NAS server; its reply alone counts
+    QString m_addRequestId; // of the newest add of a NAS server that the framework took over
+    QStringList m_addsBeingSent; // their replies may come before the framework says that it took them over
     int m_recordingGroupRetrieved = 0;
     mutable std::optional<RecordingGroupIndex> m_groupIndex; // of m_recordingGroups; built when a query needs it
+    RowIds m_rowIds;
 };

@@ -1,10 +1,12 @@
 #include "PluginRecordingManagement.h"
 
 #include "ItemRoles.h"
+#include "NoThrow.h"
 #include "RecordingGroupTreeModel.h"
 #include "ReplyFields.h"
 #include "RequestContexts.h"
 #include "ServerVocabulary.h"
+#include "VolumeReport.h"
 #include "framework/FrameworkWrapperBase.h"
 #include "trace/TraceLog.h"
 
@@ -13,7 +15,6 @@
 #include <QUuid>
 
 #include <algorithm>
-#include <exception>
 #include <memory>
 #include <new>
 #include <optional>
@@ -24,78 +25,39 @@ namespace {
 
 constexpr int sendFailedLine = 55; // under which the trace library's filters know a failed send
 
-// What @p query answers; @p nothing when memory ran out. Sending stays outside: what the framework throws is its own.
-template<typename Answer, typename Query>
-Answer answerOr(const Answer &nothing, Query query)
-{
-    try {
-        return query();
-    } catch (const std::bad_alloc &) {
-        return nothing;
-    }
-}
-
-// The data of a command; none when memory ran out.
-std::optional<QVariantMap> requestOf(std::initializer_list<std::pair<QString, QVariant>> fields)
-{
-    return answerOr(std::optional<QVariantMap>(), [&] { return std::optional(QVariantMap(fields)); });
-}
-
-// Empty when memory ran out.
-QString newRequestId()
-{
-    return answerOr(QString(), [] { return QUuid::createUuid().toString(); });
-}
-
-// A copy of @p value that crosses the framework as a context; null when memory ran out.
+// A copy of @p value that crosses the framework as a context; throws std::bad_alloc.
 template<typename Context>
-std::unique_ptr<Context> newContext(const Context &value) noexcept
+std::unique_ptr<Context> newContext(const Context &value)
 {
-    try {
-        return std::unique_ptr<Context>(new (std::nothrow) Context(value));
-    } catch (const std::exception &) {
-        return nullptr;
-    }
+    std::unique_ptr<Context> context(new (std::nothrow) Context(value));
+    if (!context)
+        throw std::bad_alloc();
+    return context;
 }
 
-std::optional<QVariantMap> nasPathRequest(const QString &basePath, const QString &logonDomain, const QString &userName,
-                                          const QString &password, const QString &relayPath)
+QVariantMap nasPathRequest(const QString &basePath, const QString &logonDomain, const QString &userName,
+                           const QString &password, const QString &relayPath)
 {
-    return requestOf({
-        {FieldKey::basePath, basePath},
-        {FieldKey::logonDomain, logonDomain},
-        {FieldKey::userName, userName},
-        {FieldKey::password, password},
-        {FieldKey::relayPath, relayPath},
-    });
+    return {
+        {FieldKey::basePath, basePath}, {FieldKey::logonDomain, logonDomain}, {FieldKey::userName, userName},
+        {FieldKey::password, password}, {FieldKey::relayPath, relayPath},
+    };
 }
 
-// What the station plug-in tells of its station; empty when the object or its method is missing, or memory ran out.
+// What the station plug-in says of its station; empty when the object or its method is missing.
 QVariantMap stationTree(QObject *stationPlugin)
 {
     if (!stationPlugin)
         return {};
-    return answerOr(QVariantMap(), [stationPlugin] {
-        const QMetaObject *const meta = stationPlugin->metaObject();
-        const QMetaMethod method = meta->method(meta->indexOfMethod("getStationTree()"));
-        QVariant station;
-        if (method.isValid() && method.returnMetaType() == QMetaType::fromType<QVariant>())
-            method.invoke(stationPlugin, Qt::DirectConnection, Q_RETURN_ARG(QVariant, station));
-        return station.toMap();
-    });
+    const QMetaObject *const meta = stationPlugin->metaObject();
+    const QMetaMethod method = meta->method(meta->indexOfMethod("getStationTree()"));
+    QVariant station;
+    if (method.isValid() && method.returnMetaType() == QMetaType::fromType<QVariant>())
+        method.invoke(stationPlugin, Qt::DirectConnection, Q_RETURN_ARG(QVariant, station));
+    return station.toMap();
 }
 
-// Leaves the station alone in @p tree; false when memory ran out.
-bool removeGroups(const QStandardItemModel &tree)
-{
-    return answerOr(false, [&tree] {
-        if (QStandardItem *const station = tree.item(0, 0))
-            station->removeRows(0, station->rowCount());
-        return true;
-    });
-}
-
-// Where the next name that @p cameraId may end with begins, after the one at @p name; -1 when there is none.
+// Where the next text that may be the camera's name begins in @p cameraId, after the one at @p name; -1 when none does.
 qsizetype nextName(const QString &cameraId, qsizetype name)
 {
     const qsizetype slash = cameraId.indexOf(u'/', name);
@@ -113,10 +75,14 @@ bool isRelayPath(const QString &relayPath, const QString &cameraId, qsizetype na
 bool PluginRecordingManagement::sendRequestToServer(const QString &command, const QVariant &data, void *context,
                                                     const QString &relayPath)
 {
-    if (m_framework && m_framework->SendCommand(m_handle, m_pluginId, command, data, context, false, relayPath))
-        return true;
-    TRACE_ERROR_AT(sendFailedLine, "%s, Send command failed.", "PluginRecordingManagement::sendRequestToServer");
-    return false;
+    constexpr auto function = "PluginRecordingManagement::sendRequestToServer";
+    const bool accepted =
+        m_framework && noThrow(function, false, [&] {
+            return m_framework->SendCommand(m_handle, m_pluginId, command, data, context, false, relayPath);
+        });
+    if (!accepted)
+        TRACE_ERROR_AT(sendFailedLine, "%s, Send command failed.", function);
+    return accepted;
 }
 
 QObject *PluginRecordingManagement::pluginObject(const QString &pluginId) const
@@ -133,7 +99,7 @@ bool PluginRecordingManagement::getVolume(const QString &relayPath)
 
 QVariantMap PluginRecordingManagement::getVolumeInfo(const QString &path, const QString &)
 {
-    return answerOr(QVariantMap(), [&] {
+    return noThrow("PluginRecordingManagement::getVolumeInfo", QVariantMap(), [&] {
         const QString slashPath = toSlashPath(path);
         QModelIndex volume;
         for (int row = 0; m_volumeModel && row < m_volumeModel->rowCount(); ++row) {
@@ -173,15 +139,15 @@ bool PluginRecordingManagement::reloadStorageUsageInfo(const QString &relayPath)
 
 QString PluginRecordingManagement::getRecordingGroup()
 {
-    const QString requestId = newRequestId();
-    auto context = newContext<RequestIdContext>(requestId);
-    if (requestId.isEmpty() || !context)
-        return {};
-    setRecordingGroupRetrieved(false);
-    if (!sendRequestToServer(ServerCommand::getRecordingGroup, {}, context.get(), ""))
-        return {};
-    context.release(); // handleGetRecordingGroup destroys it
-    return requestId;
+    return noThrow("PluginRecordingManagement::getRecordingGroup", QString(), [this] {
+        const QString requestId = QUuid::createUuid().toString();
+        auto context = newContext<RequestIdContext>(requestId);
+        setRecordingGroupRetrieved(false);
+        if (!sendRequestToServer(ServerCommand::getRecordingGroup, {}, context.get(), ""))
+            return QString();
+        context.release(); // handleGetRecordingGroup destroys it
+        return requestId;
+    });
 }
 
 void PluginRecordingManagement::setRecordingGroupRetrieved(bool retrieved)
@@ -207,13 +173,15 @@ bool PluginRecordingManagement::sendGroupPath(const char *function, const QStrin
         TRACE_ERROR("%s, Call function with empty parameter", function);
         return false;
     }
-    const auto request = requestOf({
-        {groupKey, group},
-        {FieldKey::path, path},
-        {FieldKey::pathType, static_cast<int>(recPathType)},
-        {FieldKey::reserveSpace, reserveSpace},
+    return noThrow(function, false, [&] {
+        const QVariantMap request{
+            {groupKey, group},
+            {FieldKey::path, path},
+            {FieldKey::pathType, static_cast<int>(recPathType)},
+            {FieldKey::reserveSpace, reserveSpace},
+        };
+        return sendRequestToServer(command, request, nullptr, "");
     });
-    return request && sendRequestToServer(command, *request, nullptr, "");
 }
 
 bool PluginRecordingManagement::addRecordingGroup(const QString &groupName, const QString &path,
@@ -237,8 +205,10 @@ bool PluginRecordingManagement::removeRecordingGroup(const QStringList &groupIDL
         TRACE_ERROR("%s, Call function with empty parameter", function);
         return false;
     }
-    const auto request = requestOf({{FieldKey::recordingGroupIDList, groupIDList}});
-    return request && sendRequestToServer(ServerCommand::removeRecordingGroup, *request, nullptr, "");
+    return noThrow(function, false, [&] {
+        const QVariantMap request{{FieldKey::recordingGroupIDList, groupIDList}};
+        return sendRequestToServer(ServerCommand::removeRecordingGroup, request, nullptr, "");
+    });
 }
 
 bool PluginRecordingManagement::removePathFromRecordingGroup(const QStringList &groupIDList,
@@ -253,11 +223,13 @@ bool PluginRecordingManagement::removePathFromRecordingGroup(const QStringList &
         TRACE_ERROR("%s, List length mismatch", function);
         return false;
     }
-    const auto request = requestOf({
-        {FieldKey::recordingGroupIDList, groupIDList},
-        {FieldKey::recordingGroupPathList, pathList},
+    return noThrow(function, false, [&] {
+        const QVariantMap request{
+            {FieldKey::recordingGroupIDList, groupIDList},
+            {FieldKey::recordingGroupPathList, pathList},
+        };
+        return sendRequestToServer(ServerCommand::removePathFromRecordingGroup, request, nullptr, "");
     });
-    return request && sendRequestToServer(ServerCommand::removePathFromRecordingGroup, *request, nullptr, "");
 }
 
 bool PluginRecordingManagement::updateRecordingGroup(const QString &groupID, const QVariantList &addCameraList,
@@ -266,16 +238,18 @@ bool PluginRecordingManagement::updateRecordingGroup(const QString &groupID, con
                                                      const QVariantList &removePathList,
                                                      const QVariantList &updatePathList, const QVariantMap &setGrpInfo)
 {
-    const auto request = requestOf({
-        {FieldKey::recordingGroupID, groupID},
-        {FieldKey::updateAddCameraList, addCameraList},
-        {FieldKey::updateRmCameraList, removeCameraList},
-        {FieldKey::updateAddPathList, addPathList},
-        {FieldKey::updateRmPathList, removePathList},
-        {FieldKey::updateSetPathList, updatePathList},
-        {FieldKey::updateSetRecordingGroup, setGrpInfo},
+    return noThrow("PluginRecordingManagement::updateRecordingGroup", false, [&] {
+        const QVariantMap request{
+            {FieldKey::recordingGroupID, groupID},
+            {FieldKey::updateAddCameraList, addCameraList},
+            {FieldKey::updateRmCameraList, removeCameraList},
+            {FieldKey::updateAddPathList, addPathList},
+            {FieldKey::updateRmPathList, removePathList},
+            {FieldKey::updateSetPathList, updatePathList},
+            {FieldKey::updateSetRecordingGroup, setGrpInfo},
+        };
+        return sendRequestToServer(ServerCommand::updateRecordingGroup, request, nullptr, "");
     });
-    return request && sendRequestToServer(ServerCommand::updateRecordingGroup, *request, nullptr, "");
 }
 
 std::optional<QVariantMap> PluginRecordingManagement::completeGroup(const QVariantMap &groupInfo,
@@ -319,22 +293,23 @@ std::optional<QVariantMap> PluginRecordingManagement::completeGroup(const QVaria
             return {};
         }
     }
-    return requestOf({
+    return QVariantMap{
         {FieldKey::recordingGroupName, name},
         {FieldKey::recordingGroupReservedTimeEnabled, timeEnabled},
         {FieldKey::recordingGroupReservedTime, reservedTime},
         {FieldKey::pathInfoList, paths},
         {FieldKey::deviceInfos, deviceInfos},
-    });
+    };
 }
 
 bool PluginRecordingManagement::addRecordingGroupWithCompleteInfo(const QVariantMap &groupInfo,
                                                                   const QVariantList &paths,
                                                                   const QVariantList &deviceInfos)
 {
-    const auto request =
-        answerOr(std::optional<QVariantMap>(), [&] { return completeGroup(groupInfo, paths, deviceInfos); });
-    return request && sendRequestToServer(ServerCommand::addRecordingGroupWithCompleteInfo, *request, nullptr, "");
+    return noThrow("PluginRecordingManagement::addRecordingGroupWithCompleteInfo", false, [&] {
+        const auto request = completeGroup(groupInfo, paths, deviceInfos);
+        return request && sendRequestToServer(ServerCommand::addRecordingGroupWithCompleteInfo, *request, nullptr, "");
+    });
 }
 
 // Station tree. -----------------------------------------------------------------------------------------------------
@@ -342,37 +317,36 @@ bool PluginRecordingManagement::addRecordingGroupWithCompleteInfo(const QVariant
 bool PluginRecordingManagement::retrieveRecordingGroupTreeModel()
 {
     static const QString stationPluginId = QStringLiteral("1AA33B3D0AA047C9A202F1181284D2CD");
+    constexpr auto function = "PluginRecordingManagement::retrieveRecordingGroupTreeModel";
 
-    if (!m_treeModel || m_treeModel->rowCount() == 0) {
-        const QVariantMap station = stationTree(pluginObject(stationPluginId));
-        if (station.isEmpty()) {
-            TRACE_ERROR("%s, GetStationTree failed", "PluginRecordingManagement::retrieveRecordingGroupTreeModel");
-            return false;
+    return noThrow(function, false, [this] {
+        if (!m_treeModel || m_treeModel->rowCount() == 0) {
+            const QVariantMap station = stationTree(pluginObject(stationPluginId));
+            if (station.isEmpty()) {
+                TRACE_ERROR("%s, GetStationTree failed", function);
+                return false;
+            }
+            CreateStationTreeModel(station);
+        } else if (QStandardItem *const station = m_treeModel->item(0, 0)) {
+            station->removeRows(0, station->rowCount());
         }
-        if (!answerOr(false, [&] { return CreateStationTreeModel(station); }))
-            return false;
-    } else if (!removeGroups(*m_treeModel)) {
-        return false;
-    }
-
-    const auto request = requestOf({
-        {FieldKey::relayPath, m_treeModel ? m_treeModel->index(0, 0).data(TreeRole::RelayPath) : QVariant()},
+        const QVariantMap request{
+            {FieldKey::relayPath, m_treeModel ? m_treeModel->index(0, 0).data(TreeRole::RelayPath) : QVariant()},
+        };
+        sendRequestToServer(ServerCommand::retrieveRecordingGroupTreeModel, request, nullptr, "");
+        clearRecordingGroupDataList();
+        return true;
     });
-    if (!request)
-        return false;
-    sendRequestToServer(ServerCommand::retrieveRecordingGroupTreeModel, *request, nullptr, "");
-    clearRecordingGroupDataList();
-    return true;
 }
 
 // Queries over the cache. -------------------------------------------------------------------------------------------
 
 template<typename Value>
-Value PluginRecordingManagement::cachedField(Value RecordingGroupData::*field, const QString &recordingGroupID,
-                                             const QString &relayPath) const
+Value PluginRecordingManagement::cachedField(const char *function, Value RecordingGroupData::*field,
+                                             const QString &recordingGroupID, const QString &relayPath) const
 {
-    return answerOr(Value{}, [&] {
-        const auto group = findItemFromRecordingGroupList(m_recordingGroups, recordingGroupID, relayPath);
+    return noThrow(function, Value{}, [&] {
+        const auto group = findItemFromRecordingGroupList(recordingGroupID, relayPath);
         return group == m_recordingGroups.end() ? Value{} : (*group).*field;
     });
 }
@@ -380,41 +354,47 @@ Value PluginRecordingManagement::cachedField(Value RecordingGroupData::*field, c
 QVariantList PluginRecordingManagement::getRecordingGroupPathList(const QString &recordingGroupID,
                                                                   const QString &relayPath)
 {
-    return cachedField(&RecordingGroupData::recordingGroupPathList, recordingGroupID, relayPath);
+    return cachedField("PluginRecordingManagement::getRecordingGroupPathList",
+                       &RecordingGroupData::recordingGroupPathList, recordingGroupID, relayPath);
 }
 
 QVariantList PluginRecordingManagement::getRecordingGroupReservedSpaceList(const QString &recordingGroupID,
                                                                            const QString &relayPath)
 {
-    return cachedField(&RecordingGroupData::reserveSpace, recordingGroupID, relayPath);
+    return cachedField("PluginRecordingManagement::getRecordingGroupReservedSpaceList",
+                       &RecordingGroupData::reserveSpace, recordingGroupID, relayPath);
 }
 
 QVariantList PluginRecordingManagement::getRecordingGroupNasPathList(const QString &recordingGroupID,
                                                                      const QString &relayPath)
 {
-    return cachedField(&RecordingGroupData::recordingGroupNASPathList, recordingGroupID, relayPath);
+    return cachedField("PluginRecordingManagement::getRecordingGroupNasPathList",
+                       &RecordingGroupData::recordingGroupNASPathList, recordingGroupID, relayPath);
 }
 
 QVariantList PluginRecordingManagement::getRecordingGroupRecoveryPathList(const QString &recordingGroupID,
                                                                           const QString &relayPath)
 {
-    return cachedField(&RecordingGroupData::recordingGroupRecoveryPathList, recordingGroupID, relayPath);
+    return cachedField("PluginRecordingManagement::getRecordingGroupRecoveryPathList",
+                       &RecordingGroupData::recordingGroupRecoveryPathList, recordingGroupID, relayPath);
 }
 
 int PluginRecordingManagement::getRecordingGroupReservedTime(const QString &recordingGroupID, const QString &relayPath)
 {
-    return cachedField(&RecordingGroupData::recordingGroupReservedTime, recordingGroupID, relayPath);
+    return cachedField("PluginRecordingManagement::getRecordingGroupReservedTime",
+                       &RecordingGroupData::recordingGroupReservedTime, recordingGroupID, relayPath);
 }
 
 QVariantList PluginRecordingManagement::getRecordingGroupMemberList(const QString &recordingGroupID,
                                                                     const QString &relayPath)
 {
-    return cachedField(&RecordingGroupData::recordingGroupMemberList, recordingGroupID, relayPath);
+    return cachedField("PluginRecordingManagement::getRecordingGroupMemberList",
+                       &RecordingGroupData::recordingGroupMemberList, recordingGroupID, relayPath);
 }
 
 QVariantList PluginRecordingManagement::getRecordingGroupIDList(const QString &cameraID)
 {
-    return answerOr(QVariantList(), [&] {
+    return noThrow("PluginRecordingManagement::getRecordingGroupIDList", QVariantList(), [&] {
         std::set<std::size_t> groups;
         // The name of the member is all of the id, or what follows one of its slashes: names and paths may have some.
         for (qsizetype name = 0; name >= 0; name = nextName(cameraID, name)) {
@@ -436,7 +416,8 @@ int PluginRecordingManagement::streamIndexHasBeenSetTmShiftSeamlessInOtherRecGro
                                                                                     const QString &recordingGroupID,
                                                                                     const QString &relayPath)
 {
-    return answerOr(-1, [&] {
+    constexpr auto function = "PluginRecordingManagement::streamIndexHasBeenSetTmShiftSeamlessInOtherRecGroups";
+    return noThrow(function, -1, [&] {
         int streamIndex = -1;
         std::optional<std::size_t> judged;
         groupIndex().visitMembers(m_recordingGroups, cameraId, [&](std::size_t number, const QVariantMap &member) {
@@ -456,32 +437,32 @@ int PluginRecordingManagement::streamIndexHasBeenSetTmShiftSeamlessInOtherRecGro
 
 QVariantList PluginRecordingManagement::getRecordingGroupInfoList()
 {
-    return answerOr(QVariantList(), [&] {
+    return noThrow("PluginRecordingManagement::getRecordingGroupInfoList", QVariantList(), [this] {
         const QString station; // the directly connected one
         const auto entry = m_storageUsageModels.constFind(station);
-        QVariantList groups;
+        QVariantList groups; // a list made of a braced one does not survive that memory runs out
         if (entry == m_storageUsageModels.constEnd()) {
             groups.append(QVariantMap());
             return groups;
         }
 
         const QSharedPointer<QStandardItemModel> usage = *entry;
-        for (int row = 0; usage && row < usage->rowCount(); ++row) {
+        const std::shared_ptr<VolumeReport> report = m_volumeReports.value(station);
+        groups.reserve(usage->rowCount());
+        for (int row = 0; row < usage->rowCount(); ++row) {
             const QModelIndex group = usage->index(row, 0);
             const QString id = group.data(RecordingGroupRole::Id).toString();
-            const QSharedPointer<QStandardItemModel> paths = m_groupVolumeModels.value(station).value(id);
             QVariantList volumes;
-            volumes.reserve(paths ? paths->rowCount() : 0);
-            for (int pathRow = 0; paths && pathRow < paths->rowCount(); ++pathRow) {
-                const QModelIndex path = paths->index(pathRow, 0);
+            const auto appendVolume = [&](const VolumeReport::Volume &volume) {
                 volumes.append(QVariantMap{
-                    {FieldKey::recordingPath, path.data(VolumeRole::RootPath).toString()},
-                    {QStringLiteral("totalSpace"), convertVolumeCapacity(path.data(VolumeRole::Size).toLongLong())},
-                    {QStringLiteral("remainingSpace"),
-                     convertVolumeCapacity(path.data(VolumeRole::AvailableSize).toLongLong())},
-                    {QStringLiteral("isNAS"), path.data(VolumeRole::IsNas).toBool()},
+                    {FieldKey::recordingPath, volume.path},
+                    {QStringLiteral("totalSpace"), convertVolumeCapacity(volume.size)},
+                    {QStringLiteral("remainingSpace"), convertVolumeCapacity(volume.availableSize)},
+                    {QStringLiteral("isNAS"), volume.isNas},
                 });
-            }
+            };
+            if (report)
+                report->forEachVolume(id, appendVolume);
             groups.append(QVariantMap{
                 {QStringLiteral("recordingGroup"), id},
                 {QStringLiteral("groupName"), group.data(RecordingGroupRole::Name).toString()},
@@ -509,111 +490,125 @@ bool PluginRecordingManagement::addNASServer(const QString &host, const QString 
         TRACE_ERROR("%s, host is empty", function);
         return false;
     }
-    const QString requestId = newRequestId();
-    const auto request = requestOf({
-        {FieldKey::host, host},
-        {FieldKey::logonDomain, logonDomain},
-        {FieldKey::userName, userName},
-        {FieldKey::password, password},
-        {FieldKey::relayPath, relayPath},
-    });
-    auto context = newContext(AddNASServerContext{host, logonDomain, userName, password, requestId});
-    if (requestId.isEmpty() || !request || !context) {
+    std::unique_ptr<AddNASServerContext> context;
+    QVariantMap request;
+    try {
+        request = {
+            {FieldKey::host, host},         {FieldKey::logonDomain, logonDomain}, {FieldKey::userName, userName},
+            {FieldKey::password, password}, {FieldKey::relayPath, relayPath},
+        };
+        context =
+            newContext(AddNASServerContext{host, logonDomain, userName, password, QUuid::createUuid().toString()});
+        m_addsBeingSent.append(context->requestId);
+    } catch (const std::bad_alloc &) {
         TRACE_ERROR("%s, new AddNASServerContext failed", function);
         return false;
     }
-    // Current before it is sent: the framework may answer from within the call.
-    const QString previousRequestId = std::exchange(m_addRequestId, requestId);
-    if (!sendRequestToServer(ServerCommand::AddNasServer, *request, context.get(), "")) {
-        if (m_addRequestId == requestId)
-            m_addRequestId = previousRequestId;
+    const QString requestId = context->requestId;
+    const bool accepted = sendRequestToServer(ServerCommand::AddNasServer, request, context.get(), "");
+    const bool isNewest =
+        m_addsBeingSent.removeOne(requestId); // unless it was abandoned, or a newer add came in between
+    if (!accepted)
         return false;
-    }
     context.release(); // handleAddNASServer destroys it
+    if (isNewest) {
+        m_addRequestId = requestId;
+        m_addsBeingSent.clear();
+    }
     return true;
 }
 
 bool PluginRecordingManagement::updateNASServer(const QString &id, const QString &host, const QString &domain,
                                                 const QString &user, const QString &password, const QString &relayPath)
 {
-    const auto request = requestOf({
-        {QStringLiteral("id"), id},
-        {FieldKey::host, host},
-        {FieldKey::logonDomain, domain},
-        {FieldKey::userName, user},
-        {FieldKey::password, password},
-        {FieldKey::relayPath, relayPath},
+    return noThrow("PluginRecordingManagement::updateNASServer", false, [&] {
+        const QVariantMap request{
+            {QStringLiteral("id"), id}, {FieldKey::host, host},         {FieldKey::logonDomain, domain},
+            {FieldKey::userName, user}, {FieldKey::password, password}, {FieldKey::relayPath, relayPath},
+        };
+        auto context = newContext<NASServerRequestContext>(request);
+        if (!sendRequestToServer(ServerCommand::UpdateNASServer, request, context.get(), ""))
+            return false;
+        context.release(); // handleUpdateNASServer destroys it
+        return true;
     });
-    auto context = request ? newContext<NASServerRequestContext>(*request) : nullptr;
-    if (!context || !sendRequestToServer(ServerCommand::UpdateNASServer, *request, context.get(), ""))
-        return false;
-    context.release(); // handleUpdateNASServer destroys it
-    return true;
 }
 
 bool PluginRecordingManagement::removeNASServer(const QString &id, const QString &relayPath)
 {
-    const auto request = requestOf({{QStringLiteral("id"), id}, {FieldKey::relayPath, relayPath}});
-    auto context = request ? newContext<NASServerRequestContext>(*request) : nullptr;
-    if (!context)
-        return false;
-    // Given away whether or not the send succeeds: a copy that could not be sent stays allocated, as clients know it.
-    return sendRequestToServer(ServerCommand::RemoveNASServer, *request, context.release(), "");
+    return noThrow("PluginRecordingManagement::removeNASServer", false, [&] {
+        const QVariantMap request{{QStringLiteral("id"), id}, {FieldKey::relayPath, relayPath}};
+        auto context = newContext<NASServerRequestContext>(request);
+        // Given away whether or not the send succeeds: docs/decisions/0002-kept-contexts.md.
+        return sendRequestToServer(ServerCommand::RemoveNASServer, request, context.release(), "");
+    });
 }
 
 void PluginRecordingManagement::ignoreAddNASServerResponse()
 {
     m_addRequestId.clear();
+    m_addsBeingSent.clear();
 }
 
 bool PluginRecordingManagement::getNASServerDir(const QString &basePath, const QString &logonDomain,
                                                 const QString &userName, const QString &password,
                                                 const QString &relayPath, NASDirFilter filter)
 {
+    constexpr auto function = "PluginRecordingManagement::getNASServerDir";
     if (basePath.isEmpty()) {
-        TRACE_ERROR("%s, basePath is empty", "PluginRecordingManagement::getNASServerDir");
+        TRACE_ERROR("%s, basePath is empty", function);
         return false;
     }
-    // The filter itself is the context: nothing is allocated.
-    auto *const context = reinterpret_cast<void *>(static_cast<qintptr>(filter));
-    const auto request = nasPathRequest(basePath, logonDomain, userName, password, relayPath);
-    return request && sendRequestToServer(ServerCommand::GetNasDir, *request, context, "");
+    return noThrow(function, false, [&] {
+        const auto request = nasPathRequest(basePath, logonDomain, userName, password, relayPath);
+        // The filter itself is the context: nothing is allocated.
+        auto *const context = reinterpret_cast<void *>(static_cast<qintptr>(filter));
+        return sendRequestToServer(ServerCommand::GetNasDir, request, context, "");
+    });
 }
 
 bool PluginRecordingManagement::getNASServerCapacity(const QString &basePath, const QString &logonDomain,
                                                      const QString &userName, const QString &password,
                                                      const QString &relayPath)
 {
+    constexpr auto function = "PluginRecordingManagement::getNASServerCapacity";
     if (basePath.isEmpty()) {
-        TRACE_ERROR("%s, basePath is empty", "PluginRecordingManagement::getNASServerCapacity");
+        TRACE_ERROR("%s, basePath is empty", function);
         return false;
     }
-    const auto request = nasPathRequest(basePath, logonDomain, userName, password, relayPath);
-    return request && sendRequestToServer(ServerCommand::GetNasCapacity, *request, nullptr, "");
+    return noThrow(function, false, [&] {
+        const auto request = nasPathRequest(basePath, logonDomain, userName, password, relayPath);
+        return sendRequestToServer(ServerCommand::GetNasCapacity, request, nullptr, "");
+    });
 }
 
 bool PluginRecordingManagement::addNASPathToVolume(const QString &basePath, const QString &logonDomain,
                                                    const QString &userName, const QString &password,
                                                    const QString &relayPath)
 {
+    constexpr auto function = "PluginRecordingManagement::addNASPathToVolume";
     if (basePath.isEmpty()) {
-        TRACE_ERROR("%s, basePath is empty", "PluginRecordingManagement::addNASPathToVolume");
+        TRACE_ERROR("%s, basePath is empty", function);
         return false;
     }
-    const auto request = nasPathRequest(basePath, logonDomain, userName, password, relayPath);
-    auto context = newContext<NASPathContext>(basePath);
-    if (!request || !context || !sendRequestToServer(ServerCommand::GetNasCapacity, *request, context.get(), ""))
-        return false;
-    context.release(); // handleGetNASServerCapacity destroys it
-    return true;
+    return noThrow(function, false, [&] {
+        const auto request = nasPathRequest(basePath, logonDomain, userName, password, relayPath);
+        auto context = newContext<NASPathContext>(basePath);
+        if (!sendRequestToServer(ServerCommand::GetNasCapacity, request, context.get(), ""))
+            return false;
+        context.release(); // handleGetNASServerCapacity destroys it
+        return true;
+    });
 }
 
 bool PluginRecordingManagement::addNASPathsToVolume(const QStringList &pathList)
 {
-    if (pathList.isEmpty()) {
-        emit addNASPathsToVolumeResp(true); // nothing to do counts as done, though nothing was sent
-        return false;
-    }
-    const auto request = requestOf({{FieldKey::pathList, pathList}});
-    return request && sendRequestToServer(ServerCommand::addNASPathsToVolume, *request, nullptr, "");
+    return noThrow("PluginRecordingManagement::addNASPathsToVolume", false, [&] {
+        if (pathList.isEmpty()) {
+            emit addNASPathsToVolumeResp(true); // nothing to do counts as done, though nothing was sent
+            return false;
+        }
+        const QVariantMap request{{FieldKey::pathList, pathList}};
+        return sendRequestToServer(ServerCommand::addNASPathsToVolume, request, nullptr, "");
+    });
 }

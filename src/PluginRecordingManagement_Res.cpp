@@ -1,15 +1,14 @@
 #include "PluginRecordingManagement.h"
 
-#include "GroupMap.h"
 #include "ItemRoles.h"
+#include "NoThrow.h"
 #include "RecordingGroupTreeModel.h"
 #include "ReplyFields.h"
 #include "RequestContexts.h"
 #include "RowItems.h"
-#include "RowLayout.h"
 #include "ServerVocabulary.h"
 #include "StatusMonitor.h"
-#include "UsageFigures.h"
+#include "VolumeReport.h"
 #include "trace/TraceLog.h"
 
 #include <QStandardItemModel>
@@ -31,13 +30,6 @@ std::unique_ptr<Context> takeContext(void *context)
     return std::unique_ptr<Context>(static_cast<Context *>(context));
 }
 
-bool lacksText(const QVariant &record, const QString &key)
-{
-    QVariantMap convertedRecord;
-    QString convertedText;
-    return textIn(fieldIn(mapIn(record, convertedRecord), key), convertedText).isEmpty();
-}
-
 QModelIndex findRow(const QStandardItemModel *model, const QString &id)
 {
     if (!model || model->rowCount() == 0)
@@ -45,17 +37,47 @@ QModelIndex findRow(const QStandardItemModel *model, const QString &id)
     return model->match(model->index(0, 0), NasServerRole::Id, id, 1, Qt::MatchExactly).value(0);
 }
 
-// The items at and below @p parent that are not recording groups, depth first.
-void collectStations(QStandardItem *parent, std::vector<QStandardItem *> &stations)
+// The first item below @p parent, depth first, that is no recording group and has this relay path.
+QStandardItem *findStation(QStandardItem *parent, const QVariant &relayPath)
 {
     for (int row = 0; row < parent->rowCount(); ++row) {
         QStandardItem *const item = parent->child(row);
         if (!item)
             continue;
-        if (item->data(TreeRole::Type).toString() != NodeType::RecordingGroup)
-            stations.push_back(item);
-        collectStations(item, stations);
+        if (item->data(TreeRole::RelayPath) == relayPath
+            && item->data(TreeRole::Type).toString() != NodeType::RecordingGroup)
+            return item;
+        if (QStandardItem *const below = findStation(item, relayPath))
+            return below;
     }
+    return nullptr;
+}
+
+// Empties @p model before it is filled; false when its rows could not be removed.
+bool cleared(const char *function, QStandardItemModel *model)
+{
+    noThrow(function, [model] { clearRows(model); });
+    return !model || model->rowCount() == 0;
+}
+
+// Appends @p rows to @p parent, a model or what names an item; how many were lost. What a slot throws ends here.
+template<typename Parent>
+int append(const char *function, RowBatch &rows, const Parent &parent)
+{
+    int lost = 0;
+    noThrow(function, [&] { lost = rows.append(parent); });
+    return lost;
+}
+
+// Appends a row for each folder, up to the first that fails; false when one did.
+bool appendFolders(const char *function, QStandardItemModel *model, const QStringList &folders)
+{
+    RowMaker maker = directoryRows();
+    RowBatch rows;
+    const bool made = std::all_of(folders.begin(), folders.end(), [&](const QString &folder) {
+        return rows.add([&] { return maker.row(folder, folder); });
+    });
+    return append(function, rows, model) == 0 && made;
 }
 
 } // namespace
@@ -64,41 +86,46 @@ void collectStations(QStandardItem *parent, std::vector<QStandardItem *> &statio
 
 void PluginRecordingManagement::handleRetrieveVolume(const QVariant &data, const QString &returnCode)
 {
-    clearRows(m_volumeModel);
-    if (returnCode != ReturnCode::Success) {
+    constexpr auto function = "PluginRecordingManagement::handleRetrieveVolume";
+    const bool isEmpty = cleared(function, m_volumeModel);
+    if (returnCode != ReturnCode::Success || !isEmpty) {
         emit getVolumeResponded(false);
         return;
     }
-    RowBatch rows(m_volumeModel);
-    RowMaker maker(volumeRow());
-    const QVariantList volumes = data.toList();
-    for (const QVariant &volume : volumes) {
-        if (!rows.add(maker.row(volume)))
-            TRACE_ERROR("%s, new VolumeItem failed", "PluginRecordingManagement::handleRetrieveVolume");
-    }
-    rows.append();
-    emit getVolumeResponded(true);
+    const bool complete = noThrow(function, [&] {
+        enum Field { Path, Name, Size, AvailableSize, IsSystem };
+        RecordReader volume({&FieldKey::volumePath, &FieldKey::volumeName, &FieldKey::volumeSize,
+                             &FieldKey::volumeAvailableSize, &FieldKey::volumeIsSystem});
+        RowMaker maker = volumeRows();
+        RowBatch rows;
+        int lost = 0;
+        const QVariantList volumes = data.toList();
+        for (const QVariant &element : volumes) {
+            const bool made = rows.add([&] {
+                volume.read(element);
+                return maker.row(m_rowIds.nextText(), asText(volume[Path]), asText(volume[Name]),
+                                 asNumber(volume[Size]), asNumber(volume[AvailableSize]),
+                                 trueOrNothing(volume[IsSystem]));
+            });
+            lost += made ? 0 : 1;
+        }
+        for (lost += append(function, rows, m_volumeModel); lost > 0; --lost)
+            TRACE_ERROR("%s, new VolumeItem failed", function);
+    });
+    emit getVolumeResponded(complete);
 }
 
 void PluginRecordingManagement::handleGetServerDir(const QVariant &data, const QString &)
 {
+    constexpr auto function = "PluginRecordingManagement::handleGetServerDir";
     const QVariantMap reply = data.toMap();
-    const QString basePath = reply.value(FieldKey::basePath).toString();
     const QStringList folders = reply.value(FieldKey::dirFolderList).toStringList();
-    clearRows(m_serverDirModel);
-    RowBatch rows(m_serverDirModel);
-    bool complete = true;
-    for (const QString &folder : folders) {
-        complete = rows.add(DirectoryItem(folder));
-        if (!complete)
-            break;
-    }
-    if (!rows.append() || !complete) {
-        TRACE_ERROR("%s, Create ServerDir item error", "PluginRecordingManagement::handleGetServerDir");
+    if (!cleared(function, m_serverDirModel) || !appendFolders(function, m_serverDirModel, folders)) {
+        TRACE_ERROR("%s, Create ServerDir item error", function);
         emit getServerDirResponded("");
         return;
     }
-    emit getServerDirResponded(basePath);
+    emit getServerDirResponded(reply.value(FieldKey::basePath).toString());
 }
 
 // Recording groups. -------------------------------------------------------------------------------------------------
@@ -108,29 +135,40 @@ void PluginRecordingManagement::handleGetRecordingGroup(const QVariant &data, co
     constexpr auto function = "PluginRecordingManagement::handleGetRecordingGroup";
     if (returnCode != ReturnCode::Success) {
         TRACE_ERROR("%s, Get recording group failed, returnCode = %s", function, returnCode.toLocal8Bit().constData());
-        return; // the context stays allocated: a refused request has always kept its id
+        return; // the context stays allocated: docs/decisions/0002-kept-contexts.md
     }
     const auto requestId = takeContext<RequestIdContext>(context);
-    clearRows(m_recordingGroupModel);
-    RowBatch rows(m_recordingGroupModel);
-    RowMaker maker(recordingGroupRow());
+    if (!cleared(function, m_recordingGroupModel))
+        return;
+    enum Field { Id, Name, Paths, NodeIds, NasPaths };
+    RecordReader group({&FieldKey::recordingGroupID, &FieldKey::recordingGroupName, &FieldKey::recordingGroupPathList,
+                        &FieldKey::recordingGroupNodeIdList, &FieldKey::recordingGroupNASPathList});
+    RowMaker maker = recordingGroupRows();
+    RowBatch rows;
+    int lost = 0;
     const QVariantList groups = data.toList();
-    for (const QVariant &group : groups) {
-        if (!rows.add(maker.row(group)))
-            TRACE_ERROR("%s, new RecordingGroupItem failed", function);
+    for (const QVariant &element : groups) {
+        const bool made = rows.add([&] {
+            group.read(element);
+            return maker.row(asText(group[Id]), asText(group[Name]), asTextList(group[Paths]),
+                             asTextList(group[NodeIds]), asTextList(group[NasPaths]));
+        });
+        lost += made ? 0 : 1;
     }
-    rows.append();
-    setRecordingGroupRetrieved(true);
+    for (lost += append(function, rows, m_recordingGroupModel); lost > 0; --lost)
+        TRACE_ERROR("%s, new RecordingGroupItem failed", function);
+    noThrow(function, [this] { setRecordingGroupRetrieved(true); });
     emit getRecordingGroupResponded(requestId ? *requestId : QString());
 }
 
 void PluginRecordingManagement::saveRecordingGroupData(const QVariant &data)
 {
+    constexpr auto function = "PluginRecordingManagement::saveRecordingGroupData";
     m_groupIndex.reset();
     const QVariantList groups = data.toList();
     for (const QVariant &element : groups) {
-        const QVariantMap group = element.toMap();
-        try {
+        const bool saved = noThrow(function, [&] {
+            const QVariantMap group = element.toMap();
             m_recordingGroups.push_back({
                 group.value(FieldKey::recordingGroupID).toString(),
                 group.value(FieldKey::relayPath).toString(),
@@ -142,9 +180,9 @@ void PluginRecordingManagement::saveRecordingGroupData(const QVariant &data)
                 group.value(FieldKey::recordingGroupReservedTime).toInt(),
                 group.value(FieldKey::recordingGroupMemberList).toList(),
             });
-        } catch (const std::bad_alloc &) {
-            continue; // no memory for this group; the next may be smaller
-        }
+        });
+        if (!saved)
+            TRACE_ERROR("%s, new RecordingGroupData failed", function); // the next group may need less memory
     }
 }
 
@@ -154,10 +192,12 @@ void PluginRecordingManagement::clearRecordingGroupDataList()
     m_recordingGroups.clear();
 }
 
-std::vector<RecordingGroupData>::const_iterator PluginRecordingManagement::findItemFromRecordingGroupList(
-    const std::vector<RecordingGroupData> &list, const QString &recordingGroupID, const QString &relayPath) const
+std::vector<RecordingGroupData>::const_iterator
+PluginRecordingManagement::findItemFromRecordingGroupList(const QString &recordingGroupID,
+                                                          const QString &relayPath) const
 {
-    return list.begin() + static_cast<std::ptrdiff_t>(groupIndex().find(list, recordingGroupID, relayPath));
+    const std::size_t number = groupIndex().find(m_recordingGroups, recordingGroupID, relayPath);
+    return m_recordingGroups.begin() + static_cast<std::ptrdiff_t>(number);
 }
 
 const RecordingGroupIndex &PluginRecordingManagement::groupIndex() const
@@ -190,165 +230,123 @@ void PluginRecordingManagement::handleUpdateRecordingGroup(const QVariant &data,
 
 void PluginRecordingManagement::handleRetrieveRecordingGroupTreeModel(const QVariant &data, const QString &result)
 {
+    constexpr auto function = "PluginRecordingManagement::handleRetrieveRecordingGroupTreeModel";
     if (result != ReturnCode::Success) {
-        TRACE_ERROR("%s, Get recording group failed, returnCode = %s",
-                    "PluginRecordingManagement::handleRetrieveRecordingGroupTreeModel",
-                    result.toLocal8Bit().constData());
+        TRACE_ERROR("%s, Get recording group failed, returnCode = %s", function, result.toLocal8Bit().constData());
         return;
     }
-    appendRecordingGroupToTreeModel(data);
-    saveRecordingGroupData(data);
+    noThrow(function, [&] { appendRecordingGroupToTreeModel(data); });
+    noThrow(function, [&] { saveRecordingGroupData(data); });
     emit retrieveRecordingGroupTreeModelFinish();
 }
 
 void PluginRecordingManagement::appendRecordingGroupToTreeModel(const QVariant &data)
 {
-    struct Station
+    constexpr auto function = "PluginRecordingManagement::appendRecordingGroupToTreeModel";
+    struct Branch
     {
+        explicit Branch(const QVariant &path)
+            : relayPath(path)
+        {
+        }
+
         QVariant relayPath;
         RowBatch groups;
     };
-    std::vector<Station> stations;
-    if (m_treeModel) {
-        std::vector<QStandardItem *> items;
-        collectStations(m_treeModel->invisibleRootItem(), items);
-        for (QStandardItem *item : items)
-            stations.push_back({item->data(TreeRole::RelayPath), RowBatch(item)});
-    }
-
-    RowMaker maker(treeGroupRow());
-    const std::size_t relayPathPosition = maker.record().add(FieldKey::relayPath);
-    const QVariantList groups = data.toList();
-    for (const QVariant &group : groups) {
-        maker.record().read(group);
-        RowItem item = maker.row();
-        if (!item) {
-            TRACE_ERROR("%s, new RecordingGroupTreeModelItem failed",
-                        "PluginRecordingManagement::appendRecordingGroupToTreeModel");
-            continue;
-        }
-        const QVariant &relayPath = maker.record()[relayPathPosition];
-        const auto station = std::find_if(stations.begin(), stations.end(), [&relayPath](const Station &candidate) {
+    std::vector<Branch> branches;
+    const auto station = [this](const QVariant &relayPath) {
+        return m_treeModel ? findStation(m_treeModel->invisibleRootItem(), relayPath) : nullptr;
+    };
+    const auto branch = [&](const QVariant &relayPath) -> Branch & {
+        const auto known = std::find_if(branches.begin(), branches.end(), [&relayPath](const Branch &candidate) {
             return candidate.relayPath == relayPath;
         });
-        if (station != stations.end())
-            station->groups.add(std::move(item));
+        return known == branches.end() ? branches.emplace_back(relayPath) : *known;
+    };
+
+    enum Field { Name, RelayPath, Id };
+    RecordReader group({&FieldKey::recordingGroupName, &FieldKey::relayPath, &FieldKey::recordingGroupID});
+    RowMaker maker = treeGroupRows();
+    int lost = 0;
+    const QVariantList groups = data.toList();
+    for (const QVariant &element : groups) {
+        const bool made = noThrow(function, false, [&] {
+            group.read(element);
+            return branch(group[RelayPath]).groups.add([&] {
+                return maker.row(m_rowIds.next(), group[Name], group[RelayPath], group[Id]);
+            });
+        });
+        lost += made ? 0 : 1;
     }
-    for (Station &station : stations)
-        station.groups.append();
+    for (Branch &rows : branches) {
+        const auto parent = [&] { return station(rows.relayPath); };
+        if (parent()) // groups of a station that is not in the tree are shown nowhere
+            lost += append(function, rows.groups, parent);
+    }
+    for (; lost > 0; --lost)
+        TRACE_ERROR("%s, new RecordingGroupTreeModelItem failed", function);
 }
 
 // Storage usage. ----------------------------------------------------------------------------------------------------
 
-void PluginRecordingManagement::handleVolumeChanged(QVariant data, const QString &source)
+void PluginRecordingManagement::handleVolumeChanged(const QVariant &data, const QString &source)
 {
-    QMap<QString, QVariant> usage = calculateGroupUsage(data);
-    updateRecordingGroupVolumeModel(source, data, usage.keys());
-    updateRecordingGroupUsageModel(source, usage);
-    monitorVolumnStatus(source, data);
-    monitorGroupStatus(source);
+    constexpr auto function = "PluginRecordingManagement::handleVolumeChanged";
+    const std::shared_ptr<VolumeReport> report = calculateGroupUsage(data);
+    noThrow(function, [&] { updateRecordingGroupVolumeModel(source, report); });
+    noThrow(function, [&] { updateRecordingGroupUsageModel(source, *report); });
+    noThrow(function, [&] { monitorVolumnStatus(source, *report); });
+    noThrow(function, [&] { monitorGroupStatus(source); });
 }
 
-QMap<QString, QVariant> PluginRecordingManagement::calculateGroupUsage(QVariant &data)
+std::shared_ptr<VolumeReport> PluginRecordingManagement::calculateGroupUsage(const QVariant &data) const
 {
-    enum Field { Id, Name, ReserveTime, AvailableSize, RecordedDays, OneDayUsage };
-    RecordReader entry({&FieldKey::recordingGroupID, &FieldKey::recordingGroupName,
-                        &FieldKey::recordingGroupReservedTime, &FieldKey::volumeAvailableSize,
-                        &FieldKey::volumeRecordedDays, &FieldKey::volumeOneDayUsage});
-    GroupMap<GroupUsage> sums;
-    QString convertedId;
-    QString convertedName;
-    const QVariantList entries = data.toList();
-    for (const QVariant &element : entries) {
-        entry.read(element);
-        const QString &id = textIn(entry[Id], convertedId);
-        GroupUsage &sum = sums[id];
-        sum.reserveTime = entry[ReserveTime].toInt();
-        sum.name = textIn(entry[Name], convertedName);
-        sum.availableSize = wrappingSum(sum.availableSize, entry[AvailableSize].toLongLong());
-        GroupUsage::addKnown(sum.recordedDays, entry[RecordedDays].toLongLong());
-        GroupUsage::addKnown(sum.oneDayUsage, entry[OneDayUsage].toLongLong());
-    }
-    QMap<QString, QVariant> usage;
-    sums.forEach([&usage](const QString &id, const GroupUsage &sum) { usage.insert(usage.cend(), id, sum.toMap()); });
-    return usage;
+    return std::make_shared<VolumeReport>(data);
 }
 
-void PluginRecordingManagement::updateRecordingGroupVolumeModel(const QString &source, QVariant &data,
-                                                                const QStringList &groupIds)
+void PluginRecordingManagement::updateRecordingGroupVolumeModel(const QString &source,
+                                                                const std::shared_ptr<VolumeReport> &report)
 {
-    struct GroupRows
-    {
-        QSharedPointer<QStandardItemModel> model; // held until it is filled
-        std::optional<RowBatch> rows; // of the model
-    };
-    GroupMap<GroupRows> groups;
-    // While the old models are there: a view that asks again would take a new one at an old one's address for the same.
-    for (const QString &id : groupIds)
-        groups[id].model.reset(newListModel(volumeRoleNames(), this));
-    std::exchange(m_groupVolumeModels[source], {}); // the map is empty when a model's end brings QML back in here
-    RowMaker maker(groupVolumeRow());
-    const std::size_t groupId = maker.record().add(FieldKey::recordingGroupID);
-    QString convertedId;
-    const QVariantList entries = data.toList();
-    for (const QVariant &entry : entries) {
-        maker.record().read(entry);
-        const QString &id = textIn(maker.record()[groupId], convertedId);
-        GroupRows &group = groups[id];
-        if (!group.model)
-            continue; // there was no memory for it
-        if (!group.rows) {
-            m_groupVolumeModels[source].insert(id, group.model);
-            group.rows.emplace(group.model.data());
-        }
-        group.rows->add(maker.row());
-    }
-    groups.forEach([](const QString &, GroupRows &group) {
-        if (group.rows)
-            group.rows->append();
-    });
+    // The old models end while the map holds none: QML may come back in here. The new ones have their places by then.
+    std::exchange(m_volumeReports[source], nullptr);
+    std::exchange(m_volumeReports[source], report);
 }
 
-void PluginRecordingManagement::updateRecordingGroupUsageModel(const QString &source, QMap<QString, QVariant> &usage)
+void PluginRecordingManagement::updateRecordingGroupUsageModel(const QString &source, const VolumeReport &report)
 {
-    // Held here: whoever hears of unsupported storage may come back and drop the plug-in's own reference.
+    constexpr auto function = "PluginRecordingManagement::updateRecordingGroupUsageModel";
+    // Held here: a slot of unsupportedStorages() may come back and drop the plug-in's own reference.
     const QSharedPointer<QStandardItemModel> model = storageUsageModel(source);
-    clearRows(model.data());
-    RowBatch rows(model.data());
-    for (auto entry = usage.cbegin(); entry != usage.cend(); ++entry) {
-        const QString &id = entry.key();
+    if (!cleared(function, model.data()))
+        return;
+    RowMaker maker = recordingGroupRows();
+    RowBatch rows;
+    report.forEachGroup([&](const QString &id, const GroupUsage &usage) {
         if (id.isEmpty()) {
-            emit unsupportedStorages(source);
-            continue;
+            noThrow(function, [&] { emit unsupportedStorages(source); });
+            return;
         }
-        const QVariantMap group = entry->toMap();
-        const qlonglong recorded = group.value(QStringLiteral("recordedDays"), unknownFigure).toLongLong();
-        const qlonglong oneDay = group.value(QStringLiteral("oneDayUsage"), unknownFigure).toLongLong();
-        const qlonglong remaining = remainingDays(group.value(QStringLiteral("availableSize")).toLongLong(), oneDay);
-        const QString name =
-            id == FieldKey::backupID ? QStringLiteral("Backup") : group.value(QStringLiteral("groupName")).toString();
-        rows.add(RecordingGroupItem(id, name, {}, {}, {}, lowBits(recorded), lowBits(remaining), oneDay,
-                                    group.value(QStringLiteral("reserveTime")).toInt()));
-    }
-    rows.append();
+        rows.add([&] {
+            const qlonglong oneDay = usage.oneDayUsage.value_or(unknownFigure);
+            return maker.row(id, id == FieldKey::backupID ? QStringLiteral("Backup") : usage.name, QVariant(),
+                             QVariant(), QVariant(), lowBits(usage.recordedDays.value_or(unknownFigure)),
+                             lowBits(remainingDays(usage.availableSize, oneDay)), oneDay, usage.reserveTime);
+        });
+    });
+    append(function, rows, model.data());
 }
 
-void PluginRecordingManagement::monitorVolumnStatus(const QString &source, QVariant &data)
+void PluginRecordingManagement::monitorVolumnStatus(const QString &source, const VolumeReport &report)
 {
     const StatusMonitor monitor(pluginObject(StatusMonitor::pluginId()));
     monitor.method(StatusMonitorMethod::removeVolumeError, 1).call(source);
-    const QVariantList entries = data.toList();
-    RecordReader sizes({&FieldKey::volumeAvailableSize, &FieldKey::volumeSize});
-    const bool dead = std::any_of(entries.begin(), entries.end(), [&sizes](const QVariant &volume) {
-        sizes.read(volume);
-        return sizes[0].toLongLong() == 0 && sizes[1].toLongLong() == 0;
-    });
-    if (dead)
+    if (report.hasLostVolume())
         monitor.method(StatusMonitorMethod::monitorVolumeStatus, 1).call(source);
 }
 
 void PluginRecordingManagement::monitorGroupStatus(const QString &source)
 {
+    constexpr auto function = "PluginRecordingManagement::monitorGroupStatus";
     const QSharedPointer<QStandardItemModel> model = m_storageUsageModels.value(source);
     const StatusMonitor monitor(pluginObject(StatusMonitor::pluginId()));
     const auto sufficient = monitor.method(StatusMonitorMethod::monitorSufficientRecordingGroup, 2);
@@ -362,10 +360,12 @@ void PluginRecordingManagement::monitorGroupStatus(const QString &source)
         const int reserve = group.data(RecordingGroupRole::ReserveTime).toInt();
         if (remaining < 0 || recorded < 0 || reserve < 0)
             continue; // an unknown figure is never judged
-        if (coverReserve(recorded, remaining, reserve))
-            sufficient.call(source, id);
-        else
-            insufficient.call(source, name, id);
+        noThrow(function, [&] {
+            if (coverReserve(recorded, remaining, reserve))
+                sufficient.call(source, id);
+            else
+                insufficient.call(source, name, id);
+        });
     }
 }
 
@@ -388,35 +388,42 @@ PluginRecordingManagement::TransferNASServerErrorCode(const QString &result) con
 
 bool PluginRecordingManagement::isContextOutOfDate(const AddNASServerContext &context) const
 {
-    return context.requestId != m_addRequestId;
+    return context.requestId != m_addRequestId && !m_addsBeingSent.contains(context.requestId);
 }
 
 void PluginRecordingManagement::handleGetNASServers(const QString &result, const QVariant &data)
 {
+    constexpr auto function = "PluginRecordingManagement::handleGetNASServers";
     if (result != ReturnCode::Success) {
         emit getNASServersResponded(false);
         return;
     }
     const QVariantList servers = data.toList();
-    clearRows(m_nasServerModel);
-    RowBatch rows(m_nasServerModel);
-    RowMaker maker(nasServerRow());
-    bool complete = true;
-    for (const QVariant &server : servers) {
-        if (lacksText(server, QStringLiteral("id")) || lacksText(server, FieldKey::host))
+    bool complete = cleared(function, m_nasServerModel);
+    enum Field { Id, Host, LogonDomain, UserName, Password };
+    const QString idKey = QStringLiteral("id");
+    RecordReader server({&idKey, &FieldKey::host, &FieldKey::logonDomain, &FieldKey::userName, &FieldKey::password});
+    RowMaker maker = nasServerRows();
+    RowBatch rows;
+    for (qsizetype i = 0; complete && i < servers.size(); ++i) {
+        server.read(servers[i]);
+        const QVariant id = asText(server[Id]);
+        const QVariant host = asText(server[Host]);
+        if (id.toString().isEmpty() || host.toString().isEmpty())
             continue;
-        complete = rows.add(maker.row(server));
-        if (!complete)
-            break;
+        complete = rows.add([&] {
+            return maker.row(id, host, asText(server[LogonDomain]), asText(server[UserName]), asText(server[Password]));
+        });
     }
-    complete = rows.append() && complete;
+    complete = append(function, rows, m_nasServerModel) == 0 && complete;
     if (!complete)
-        TRACE_ERROR("%s, Create NASServer item error", "PluginRecordingManagement::handleGetNASServers");
+        TRACE_ERROR("%s, Create NASServer item error", function);
     emit getNASServersResponded(complete);
 }
 
 void PluginRecordingManagement::handleAddNASServer(const QString &result, const QVariant &data, void *context)
 {
+    constexpr auto function = "PluginRecordingManagement::handleAddNASServer";
     const auto request = takeContext<AddNASServerContext>(context);
     if (!request || isContextOutOfDate(*request))
         return;
@@ -426,10 +433,12 @@ void PluginRecordingManagement::handleAddNASServer(const QString &result, const 
         return;
     }
     const QString id = data.toString();
-    RowBatch rows(m_nasServerModel);
-    if (!rows.add(NasServerItem(id, request->host, request->logonDomain, request->userName, request->password))
-        || !rows.append()) {
-        TRACE_ERROR("%s, replace model item list failed", "PluginRecordingManagement::handleAddNASServer");
+    RowBatch rows;
+    const bool made = rows.add([&] {
+        return nasServerRows().row(id, request->host, request->logonDomain, request->userName, request->password);
+    });
+    if (append(function, rows, m_nasServerModel) > 0 || !made) {
+        TRACE_ERROR("%s, replace model item list failed", function);
         emit addNASServerResponded(Unknown, "");
         return;
     }
@@ -438,22 +447,24 @@ void PluginRecordingManagement::handleAddNASServer(const QString &result, const 
 
 void PluginRecordingManagement::handleUpdateNASServer(const QString &result, void *context)
 {
+    constexpr auto function = "PluginRecordingManagement::handleUpdateNASServer";
     const auto request = takeContext<NASServerRequestContext>(context);
     const QVariantMap server = request ? *request : QVariantMap();
     const QString id = server.value(QStringLiteral("id")).toString();
     const NASServerErrorCode code = TransferNASServerErrorCode(result);
     if (code == NonError) {
-        // Whoever hears of the first change may bring the row to an end.
-        const QPersistentModelIndex row = findRow(m_nasServerModel, id);
         const std::pair<const QString &, int> fields[] = {
             {FieldKey::host, NasServerRole::Host},
             {FieldKey::logonDomain, NasServerRole::LogonDomain},
             {FieldKey::userName, NasServerRole::UserName},
             {FieldKey::password, NasServerRole::Password},
         };
+        // A slot that hears of the first change may remove the row.
+        const QPersistentModelIndex row = findRow(m_nasServerModel, id);
         for (const auto &[key, role] : fields) {
+            const QString value = server.value(key).toString();
             if (row.isValid())
-                m_nasServerModel->setData(row, server.value(key).toString(), role);
+                noThrow(function, [&, role = role] { m_nasServerModel->setData(row, value, role); });
         }
     }
     emit updateNASServerResponsed(code, id);
@@ -464,39 +475,32 @@ void PluginRecordingManagement::handleRemoveNASServer(const QString &result, voi
     const auto request = takeContext<NASServerRequestContext>(context);
     const bool success = result == ReturnCode::Success;
     if (success) {
-        const QString id = request ? request->value(QStringLiteral("id")).toString() : QString();
-        const QModelIndex row = findRow(m_nasServerModel, id);
-        if (row.isValid())
-            m_nasServerModel->removeRow(row.row());
+        noThrow("PluginRecordingManagement::handleRemoveNASServer", [&] {
+            const QString id = request ? request->value(QStringLiteral("id")).toString() : QString();
+            const QModelIndex row = findRow(m_nasServerModel, id);
+            if (row.isValid())
+                m_nasServerModel->removeRow(row.row());
+        });
     }
     emit removeNASServerResponsed(success);
 }
 
 void PluginRecordingManagement::handleGetNASServerDir(const QString &result, const QVariant &data, void *context)
 {
+    constexpr auto function = "PluginRecordingManagement::handleGetNASServerDir";
     const NASServerErrorCode code = TransferNASServerErrorCode(result);
     if (code != NonError) {
         emit getNASServerDirResponded(code, "");
         return;
     }
     const auto filter = reinterpret_cast<qintptr>(context); // the request put the filter itself there
-    const auto hidden = [filter](const QString &folder) {
-        return ((filter & NoDot) && folder == u".") || ((filter & NoDotDot) && folder == u"..");
-    };
     const QVariantMap reply = data.toMap();
-    const QStringList folders = reply.value(FieldKey::dirFolderList).toStringList();
-    clearRows(m_nasDirModel);
-    RowBatch rows(m_nasDirModel);
-    bool complete = true;
-    for (const QString &folder : folders) {
-        if (hidden(folder))
-            continue;
-        complete = rows.add(DirectoryItem(folder));
-        if (!complete)
-            break;
-    }
-    if (!rows.append() || !complete) {
-        TRACE_ERROR("%s, Create NASServerDir item error", "PluginRecordingManagement::handleGetNASServerDir");
+    QStringList folders = reply.value(FieldKey::dirFolderList).toStringList();
+    folders.removeIf([filter](const QString &folder) {
+        return ((filter & NoDot) && folder == u".") || ((filter & NoDotDot) && folder == u"..");
+    });
+    if (!cleared(function, m_nasDirModel) || !appendFolders(function, m_nasDirModel, folders)) {
+        TRACE_ERROR("%s, Create NASServerDir item error", function);
         emit getNASServerDirResponded(Unknown, "");
         return;
     }
@@ -505,6 +509,7 @@ void PluginRecordingManagement::handleGetNASServerDir(const QString &result, con
 
 void PluginRecordingManagement::handleGetNASServerCapacity(const QString &result, const QVariant &data, void *context)
 {
+    constexpr auto function = "PluginRecordingManagement::handleGetNASServerCapacity";
     const auto path = takeContext<NASPathContext>(context);
     const NASServerErrorCode code = TransferNASServerErrorCode(result);
     if (code != NonError) {
@@ -514,12 +519,15 @@ void PluginRecordingManagement::handleGetNASServerCapacity(const QString &result
     const QVariantMap capacity = data.toMap();
     const qlonglong used = capacity.value(QStringLiteral("used")).toLongLong();
     const qlonglong total = capacity.value(QStringLiteral("total")).toLongLong();
-    emit getNASServerCapacityResponded(NonError, total, used);
+    noThrow(function, [&] { emit getNASServerCapacityResponded(NonError, total, used); });
     if (!path)
         return;
-    RowBatch rows(m_volumeModel);
-    if (!rows.add(VolumeItem(*path, *path, total, wrappingDifference(total, used), false, true)) || !rows.append())
-        TRACE_ERROR("%s, new VolumeItem failed", "PluginRecordingManagement::handleGetNASServerCapacity");
+    RowBatch rows;
+    const bool made = rows.add([&] {
+        return volumeRows().row(m_rowIds.nextText(), *path, *path, total, wrappingDifference(total, used), false, true);
+    });
+    if (append(function, rows, m_volumeModel) > 0 || !made)
+        TRACE_ERROR("%s, new VolumeItem failed", function);
 }
 
 void PluginRecordingManagement::handleAddNASPathsToVolume(const QString &result, const QVariant &data)
@@ -530,16 +538,21 @@ void PluginRecordingManagement::handleAddNASPathsToVolume(const QString &result,
         emit addNASPathsToVolumeResp(false);
         return;
     }
-    RowBatch rows(m_volumeModel);
+    RowMaker maker = volumeRows();
+    RowBatch rows;
+    int lost = 0;
     const QVariantList disks = data.toList();
     for (const QVariant &element : disks) {
-        const QVariantMap disk = element.toMap();
-        const QString name = disk.value(FieldKey::diskName).toString();
-        const qlonglong total = disk.value(FieldKey::diskTotal).toLongLong();
-        const qlonglong used = disk.value(FieldKey::diskUsed).toLongLong();
-        if (!rows.add(VolumeItem(name, name, total, wrappingDifference(total, used), false, true)))
-            TRACE_ERROR("%s, new VolumeItem failed", function);
+        const bool made = rows.add([&] {
+            const QVariantMap disk = element.toMap();
+            const QString name = disk.value(FieldKey::diskName).toString();
+            const qlonglong total = disk.value(FieldKey::diskTotal).toLongLong();
+            const qlonglong used = disk.value(FieldKey::diskUsed).toLongLong();
+            return maker.row(m_rowIds.nextText(), name, name, total, wrappingDifference(total, used), false, true);
+        });
+        lost += made ? 0 : 1;
     }
-    rows.append();
+    for (lost += append(function, rows, m_volumeModel); lost > 0; --lost)
+        TRACE_ERROR("%s, new VolumeItem failed", function);
     emit addNASPathsToVolumeResp(true);
 }

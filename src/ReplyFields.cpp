@@ -1,6 +1,8 @@
 #include "ReplyFields.h"
 
-#include <cstring>
+#include <QStringList>
+
+#include <algorithm>
 
 namespace {
 
@@ -10,13 +12,14 @@ const Type *held(const QVariant &value)
     return value.metaType() == QMetaType::fromType<Type>() ? static_cast<const Type *>(value.constData()) : nullptr;
 }
 
-} // namespace
-
-bool sameText(const QString &left, const QString &right)
+// A typed null is no value of its type yet.
+template<typename Type>
+bool holds(const QVariant &value)
 {
-    return left.size() == right.size()
-        && std::memcmp(left.constData(), right.constData(), static_cast<std::size_t>(left.size()) * sizeof(QChar)) == 0;
+    return held<Type>(value) && !value.isNull();
 }
+
+} // namespace
 
 const QVariantMap &mapIn(const QVariant &value, QVariantMap &converted)
 {
@@ -41,25 +44,35 @@ const QString &textIn(const QVariant &value, QString &converted)
     return converted;
 }
 
-RecordReader::RecordReader(std::initializer_list<const QString *> keys)
+QVariant asText(const QVariant &value)
 {
-    for (const QString *key : keys)
-        add(*key);
+    return holds<QString>(value) ? value : QVariant(value.toString());
 }
 
-std::size_t RecordReader::add(const QString &key)
+QVariant asNumber(const QVariant &value)
 {
-    for (std::size_t i = 0; i < m_count; ++i) {
-        if (*m_fields[i].key == key)
-            return m_fields[i].position;
+    return holds<qlonglong>(value) ? value : QVariant(value.toLongLong());
+}
+
+QVariant asTextList(const QVariant &value)
+{
+    return holds<QStringList>(value) ? value : QVariant(value.toStringList());
+}
+
+QVariant trueOrNothing(const QVariant &value)
+{
+    return value.toBool() ? QVariant(true) : QVariant();
+}
+
+RecordReader::RecordReader(std::initializer_list<const QString *> keys)
+{
+    Q_ASSERT(keys.size() <= mostKeys);
+    for (const QString *key : keys) {
+        m_fields[m_count] = {key, m_count};
+        ++m_count;
     }
-    Q_ASSERT(m_count < mostKeys);
-    std::size_t place = m_count;
-    for (; place > 0 && key < *m_fields[place - 1].key; --place)
-        m_fields[place] = m_fields[place - 1];
-    m_fields[place] = {&key, m_count};
-    m_values[m_count] = &m_missing;
-    return m_count++;
+    std::sort(m_fields.begin(), m_fields.begin() + m_count,
+              [](const Field &left, const Field &right) { return *left.key < *right.key; });
 }
 
 void RecordReader::read(const QVariant &record)
@@ -69,13 +82,10 @@ void RecordReader::read(const QVariant &record)
     for (std::size_t i = 0; i < m_count; ++i) {
         const Field &field = m_fields[i];
         auto found = entry;
-        while (found != map.cend() && !sameText(found.key(), *field.key))
+        while (found != map.cend() && found.key() != *field.key)
             ++found;
-        if (found == map.cend()) {
-            m_values[field.position] = &m_missing;
-            continue;
-        }
-        m_values[field.position] = &*found;
-        entry = ++found;
+        m_values[field.position] = found == map.cend() ? &m_missing : &*found;
+        if (found != map.cend())
+            entry = ++found;
     }
 }

@@ -1,196 +1,188 @@
 #include "RowItems.h"
 
 #include "ItemRoles.h"
+#include "ServerVocabulary.h"
 
 #include <QStandardItemModel>
-#include <QUuid>
+#include <QStringList>
 
-#include <exception>
+#include <algorithm>
 #include <new>
 #include <utility>
 
 namespace {
 
-struct RoleValue
+bool isInModel(const QStandardItem *row)
 {
-    int role;
-    QVariant value;
-};
-
-RowItem makeItem(std::initializer_list<RoleValue> values)
-{
-    RowItem item(new (std::nothrow) QStandardItem);
-    if (!item)
-        return nullptr;
-    for (const RoleValue &entry : values)
-        item->setData(entry.value, entry.role);
-    return item;
+    return row->model() != nullptr;
 }
 
-// Items, values and lists allocate inside Qt, which throws: out of memory means no row, never an exception.
-template<typename Make>
-auto orNull(Make make) noexcept -> decltype(make())
+// The item that @p parent names, with a column; null where a slot does not leave it one. A column inserted from within
+// the insertion of rows would reach the views nested in it.
+QStandardItem *withColumn(const std::function<QStandardItem *()> &parent)
+{
+    QStandardItem *item = parent();
+    if (item && item->columnCount() == 0) {
+        item->setColumnCount(1);
+        item = parent();
+    }
+    return item && item->columnCount() > 0 ? item : nullptr;
+}
+
+// After a reset that was broken off: views that heard of its begin wait for its end.
+void clearAgain(QStandardItemModel &model)
 {
     try {
-        return make();
-    } catch (const std::exception &) {
-        return nullptr;
+        model.clear();
+    } catch (...) {
+        model.removeRows(0, model.rowCount());
+        throw;
     }
 }
 
 } // namespace
 
-RowItem VolumeItem(const QString &path, const QString &name, qlonglong size, qlonglong availableSize, bool isSystem,
-                   bool isNas)
+RowMaker volumeRows()
 {
-    return orNull([&] {
-        return makeItem({
-            {VolumeRole::Id, QUuid::createUuid().toString()},
-            {VolumeRole::RootPath, path},
-            {VolumeRole::Name, name},
-            {VolumeRole::Size, size},
-            {VolumeRole::AvailableSize, availableSize},
-            {VolumeRole::IsSystem, isSystem},
-            {VolumeRole::IsNas, isNas},
-        });
-    });
+    return RowMaker{{VolumeRole::Id},          {VolumeRole::RootPath},      {VolumeRole::Name},
+                    {VolumeRole::Size},        {VolumeRole::AvailableSize}, {VolumeRole::IsSystem, false},
+                    {VolumeRole::IsNas, false}};
 }
 
-RowItem RecordingGroupItem(const QString &id, const QString &name, const QStringList &pathList,
-                           const QStringList &nodeIdList, const QStringList &nasPathList, int recordedDays,
-                           int remainDays, qint64 oneDayUsage, int reserveTime)
+RowMaker recordingGroupRows()
 {
-    return orNull([&] {
-        return makeItem({
-            {RecordingGroupRole::Id, id},
-            {RecordingGroupRole::Name, name},
-            {RecordingGroupRole::PathList, pathList},
-            {RecordingGroupRole::NodeIdList, nodeIdList},
-            {RecordingGroupRole::NasPathList, nasPathList},
-            {RecordingGroupRole::RecordedDays, recordedDays},
-            {RecordingGroupRole::RemainDays, remainDays},
-            {RecordingGroupRole::OneDayUsage, oneDayUsage},
-            {RecordingGroupRole::ReserveTime, reserveTime},
-        });
-    });
+    return RowMaker{
+        {RecordingGroupRole::Id},
+        {RecordingGroupRole::Name},
+        {RecordingGroupRole::PathList, QStringList()},
+        {RecordingGroupRole::NodeIdList, QStringList()},
+        {RecordingGroupRole::NasPathList, QStringList()},
+        {RecordingGroupRole::RecordedDays, 0},
+        {RecordingGroupRole::RemainDays, 0},
+        {RecordingGroupRole::OneDayUsage, qlonglong(0)},
+        {RecordingGroupRole::ReserveTime, 0},
+    };
 }
 
-RowItem NasServerItem(const QString &id, const QString &host, const QString &logonDomain, const QString &userName,
-                      const QString &password)
+RowMaker nasServerRows()
 {
-    return orNull([&] {
-        return makeItem({
-            {NasServerRole::Id, id},
-            {NasServerRole::Host, host},
-            {NasServerRole::LogonDomain, logonDomain},
-            {NasServerRole::UserName, userName},
-            {NasServerRole::Password, password},
-        });
-    });
+    return RowMaker{{NasServerRole::Id},
+                    {NasServerRole::Host},
+                    {NasServerRole::LogonDomain},
+                    {NasServerRole::UserName},
+                    {NasServerRole::Password}};
 }
 
-RowItem DirectoryItem(const QString &folder)
+RowMaker directoryRows()
 {
-    return orNull([&] {
-        return makeItem({
-            {DirectoryRole::Id, folder},
-            {DirectoryRole::Name, folder},
-        });
-    });
+    return RowMaker{{DirectoryRole::Id}, {DirectoryRole::Name}};
 }
 
-RowItem TreeStationItem(const QString &name, const QString &ip, const QString &relayPath, const QString &type)
+RowMaker treeStationRows()
 {
-    return orNull([&] {
-        return makeItem({
-            {TreeRole::Name, name},
-            {TreeRole::StationIp, ip},
-            {TreeRole::RelayPath, relayPath},
-            {TreeRole::Type, type},
-            {TreeRole::Id, QUuid::createUuid().toString()},
-        });
-    });
+    return RowMaker{{TreeRole::Name}, {TreeRole::StationIp}, {TreeRole::RelayPath}, {TreeRole::Type}, {TreeRole::Id}};
 }
 
-RowBatch::RowBatch(QStandardItemModel *model)
-    : m_model(model)
+RowMaker treeGroupRows()
 {
+    return RowMaker{{TreeRole::Id},
+                    {TreeRole::Name},
+                    {TreeRole::RelayPath},
+                    {TreeRole::RecordingGroupId},
+                    {TreeRole::Type, NodeType::RecordingGroup}};
 }
 
-RowBatch::RowBatch(QStandardItem *parent)
-    : m_model(parent->model())
-    , m_below(true)
-    , m_parent(parent->index())
+RowMaker::RowMaker(std::initializer_list<Cell> cells)
+    : m_count(cells.size())
 {
+    Q_ASSERT(m_count <= mostCells);
+    std::copy(cells.begin(), cells.end(), m_cells.begin());
 }
 
-RowBatch::~RowBatch()
+RowItem RowMaker::copyOfFirst()
 {
-    qDeleteAll(m_rows);
-}
-
-RowBatch::RowBatch(RowBatch &&other) noexcept
-    : m_model(other.m_model)
-    , m_below(other.m_below)
-    , m_parent(std::move(other.m_parent))
-    , m_rows(std::exchange(other.m_rows, {}))
-{
-}
-
-QStandardItem *RowBatch::parent() const
-{
-    if (!m_model)
-        return nullptr;
-    if (m_below)
-        return m_parent.isValid() ? m_model->itemFromIndex(m_parent) : nullptr;
-    return m_model->invisibleRootItem(); // a cleared model has a new root
-}
-
-bool RowBatch::add(RowItem row) noexcept
-{
-    if (!row || !m_model)
-        return false;
-    try {
-        m_rows.append(row.get());
-        row.release();
-        return true;
-    } catch (const std::bad_alloc &) {
-        return false;
+    if (!m_first) {
+        RowItem first(new (std::nothrow) QStandardItem);
+        if (!first)
+            throw std::bad_alloc();
+        for (std::size_t cell = 0; cell < m_count; ++cell)
+            first->setData(m_cells[cell].value, m_cells[cell].role); // an invalid value lays its role out, too
+        m_first = std::move(first);
     }
+    return RowItem(m_first->clone());
 }
 
-bool RowBatch::append() noexcept
+void RowMaker::setValue(QStandardItem &item, std::size_t cell, const QVariant &value) const
+{
+    if (value.isValid())
+        item.setData(value, m_cells[cell].role);
+}
+
+int RowBatch::append(QStandardItemModel *model)
+{
+    return append([model] { return model ? model->invisibleRootItem() : nullptr; }); // a cleared model has a new root
+}
+
+int RowBatch::append(const std::function<QStandardItem *()> &parent)
 {
     if (m_rows.isEmpty())
-        return true;
+        return 0;
     try {
-        // A column inserted from within the insertion of rows would reach the views nested in it.
-        if (parent() && parent()->columnCount() == 0)
-            parent()->setColumnCount(1);
-        if (QStandardItem *const item = parent()) {
-            item->appendRows(std::exchange(m_rows, {}));
-            return true;
+        if (QStandardItem *const item = withColumn(parent)) {
+            item->appendRows(m_rows);
+            m_rows.clear();
+            return 0;
         }
-    } catch (const std::bad_alloc &) {
+    } catch (...) {
+        if (isInModel(m_rows.constFirst())) {
+            m_rows.clear();
+            throw;
+        }
     }
-    qDeleteAll(std::exchange(m_rows, {}));
-    return false;
+    return appendOneByOne(parent);
+}
+
+int RowBatch::appendOneByOne(const std::function<QStandardItem *()> &parent) noexcept
+{
+    int lost = 0;
+    for (QStandardItem *const row : std::exchange(m_rows, {})) {
+        try {
+            if (QStandardItem *const item = withColumn(parent))
+                item->appendRow(row);
+        } catch (...) {
+        }
+        if (!isInModel(row)) {
+            delete row;
+            ++lost;
+        }
+    }
+    return lost;
 }
 
 void clearRows(QStandardItemModel *model)
 {
-    if (model)
+    if (!model)
+        return;
+    const QStandardItem *const root = model->invisibleRootItem();
+    try {
         model->clear();
+    } catch (...) {
+        if (model->invisibleRootItem() != root)
+            throw;
+        clearAgain(*model);
+    }
 }
 
 QStandardItemModel *newListModel(const QHash<int, QByteArray> &roleNames, QObject *parent) noexcept
 {
-    return orNull([&]() -> QStandardItemModel * {
+    try {
         std::unique_ptr<QStandardItemModel> model(new (std::nothrow) QStandardItemModel);
         if (!model)
             return nullptr;
         model->setItemRoleNames(roleNames);
         model->setParent(parent); // last: a child that failed half made would stay in its parent's list
         return model.release();
-    });
+    } catch (const std::exception &) {
+        return nullptr;
+    }
 }

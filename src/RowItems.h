@@ -2,57 +2,106 @@
 
 #include <QHash>
 #include <QList>
-#include <QPersistentModelIndex>
-#include <QString>
-#include <QStringList>
+#include <QStandardItem>
+#include <QVariant>
 
+#include <array>
+#include <exception>
+#include <functional>
+#include <initializer_list>
 #include <memory>
 
 class QObject;
-class QStandardItem;
 class QStandardItemModel;
 
-/// Rows of the item models: single items whose values stand under the roles of ItemRoles.h. Every function returns null
-/// when memory ran out; none throws.
+/// A row of an item model: a single item whose values stand under the roles of ItemRoles.h.
 using RowItem = std::unique_ptr<QStandardItem>;
 
-RowItem VolumeItem(const QString &path, const QString &name, qlonglong size, qlonglong availableSize, bool isSystem,
-                   bool isNas);
-RowItem RecordingGroupItem(const QString &id, const QString &name, const QStringList &pathList,
-                           const QStringList &nodeIdList, const QStringList &nasPathList, int recordedDays,
-                           int remainDays, qint64 oneDayUsage, int reserveTime);
-RowItem NasServerItem(const QString &id, const QString &host, const QString &logonDomain, const QString &userName,
-                      const QString &password);
-RowItem DirectoryItem(const QString &folder);
-RowItem TreeStationItem(const QString &name, const QString &ip, const QString &relayPath, const QString &type);
+/// Makes the rows of one kind. The roles are laid out once, in a first item with the values that most rows share; every
+/// row is a copy of it, in which only the other values are set.
+class RowMaker
+{
+public:
+    struct Cell
+    {
+        int role = 0;
+        QVariant value = {}; ///< of a row that brings none of its own
+    };
 
-/// The rows of one reply, gathered first and then appended to their model in one insertion, so that a bound view hears
-/// of them once. A missing model takes no row.
+    explicit RowMaker(std::initializer_list<Cell> cells);
+
+    /// A row with @p values in the order of the cells; an invalid or missing one leaves the cell's own. Throws
+    /// std::bad_alloc.
+    template<typename... Values>
+    RowItem row(const Values &...values)
+    {
+        RowItem item = copyOfFirst();
+        std::size_t cell = 0;
+        (setValue(*item, cell++, values), ...);
+        return item;
+    }
+
+private:
+    RowItem copyOfFirst();
+    void setValue(QStandardItem &item, std::size_t cell, const QVariant &value) const;
+
+    static constexpr std::size_t mostCells = 9;
+
+    std::array<Cell, mostCells> m_cells; // not allocated: without memory a row is lost, not the reply
+    std::size_t m_count;
+    RowItem m_first; // made with the first row
+};
+
+// What the rows of each model hold, in the order in which RowMaker::row() takes the values.
+
+RowMaker volumeRows(); ///< id, path, name, size, available size, is system (false), is NAS (false)
+RowMaker recordingGroupRows(); ///< id, name, path, node-id and NAS path lists, then four figures (0)
+RowMaker nasServerRows(); ///< id, host, log-on domain, user name, password
+RowMaker directoryRows(); ///< the folder's name, twice
+RowMaker treeStationRows(); ///< name, IP address, relay path, type, id
+RowMaker treeGroupRows(); ///< id, name, relay path, group id
+
+/// The rows of one reply, gathered first and then appended in one insertion, so that a bound view hears of them once.
+/// Rows that were not appended are freed.
 class RowBatch
 {
 public:
-    explicit RowBatch(QStandardItemModel *model);
-    /// Appends below @p parent, an item of a model; where it has left the model meanwhile, append() drops the rows.
-    explicit RowBatch(QStandardItem *parent);
-    ~RowBatch();
-    RowBatch(RowBatch &&) noexcept;
+    RowBatch() = default;
+    RowBatch(RowBatch &&) noexcept = default;
     RowBatch &operator=(RowBatch &&) = delete;
+    ~RowBatch() { qDeleteAll(m_rows); }
 
-    /// Takes @p row as the next one; false when it is null, memory ran out or there is nothing to append to.
-    bool add(RowItem row) noexcept;
-    /// Appends what was gathered; false when memory ran out or the parent is gone.
-    bool append() noexcept;
+    /// Takes what @p make returns as the next row; false when memory ran out.
+    template<typename Make>
+    bool add(Make make) noexcept
+    {
+        try {
+            RowItem row = make();
+            m_rows.append(row.get());
+            row.release();
+            return true;
+        } catch (const std::exception &) {
+            return false;
+        }
+    }
+
+    /// Appends what was gathered below the item that @p parent names, which is asked again after every signal. Rows
+    /// that cannot be appended together are appended one by one.
+    ///
+    /// @return how many rows were lost for want of memory or of a parent
+    /// Throws what a slot throws; the rows are in the model then.
+    int append(const std::function<QStandardItem *()> &parent);
+    /// As above, at the top of @p model; a missing model takes no row.
+    int append(QStandardItemModel *model);
 
 private:
-    QStandardItem *parent() const;
+    int appendOneByOne(const std::function<QStandardItem *()> &parent) noexcept;
 
-    QStandardItemModel *m_model = nullptr; // not owned
-    bool m_below = false; // below m_parent, not at the top
-    QPersistentModelIndex m_parent;
     QList<QStandardItem *> m_rows; // owned
 };
 
-/// Removes all rows; the role names stay. A missing model is left alone.
+/// Removes all rows; the role names stay. A missing model is left alone. Throws what a slot throws, or std::bad_alloc;
+/// then the rows may be there still.
 void clearRows(QStandardItemModel *model);
 
 /// A model without rows whose roles have @p roleNames; null when memory ran out.

@@ -36,7 +36,7 @@ inline const QList<Call> calls{
     {"getRecordingGroupTreeModel", {}, noObject},
     {"getStorageUsageModel", {"st1"}, noObject, true},
     {"getStorageUsageModel", {""}, noObject, true},
-    {"getGroupVolumeModel", {"", "{1}"}, noObject},
+    {"getGroupVolumeModel", {"", "{1}"}, noObject, true},
     {"getVolume", {"st1"}, false},
     {"getRecordingGroup", {}, ""},
     {"createDirectory", {"D:/Rec"}, false},

@@ -40,6 +40,9 @@ void GroupMapTest::countsEveryId()
     for (auto entry = expected.cbegin(); entry != expected.cend(); ++entry)
         inOrder.append({entry.key(), entry.value()});
     QCOMPARE(counted, inOrder);
+    for (const QString &id : ids)
+        QCOMPARE(*counts.find(id), expected.value(id));
+    QVERIFY(!counts.find("never"));
 }
 
 void GroupMapTest::valuesStayInPlace()

@@ -8,6 +8,7 @@
 
 #include <QAbstractItemModelTester>
 #include <QRegularExpression>
+#include <QStandardItem>
 #include <QStandardItemModel>
 #include <QTest>
 
@@ -229,7 +230,7 @@ void NasBrowsingTest::refusedListingKeepsTheRows()
 void NasBrowsingTest::failedRowStopsTheListing()
 {
     {
-        const AllocationFailure failure(1);
+        const AllocationFailure failure(2, AllocationFailure::Kind::Throwing, sizeof(QStandardItem));
         reply("GetNasDir", "0", listing({"a", "b", "c"}));
         QVERIFY(failure.happened());
     }

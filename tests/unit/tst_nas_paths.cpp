@@ -8,6 +8,7 @@
 
 #include <QAbstractItemModelTester>
 #include <QRegularExpression>
+#include <QStandardItem>
 #include <QStandardItemModel>
 #include <QTest>
 #include <QUuid>
@@ -303,7 +304,7 @@ void NasPathsTest::refusedPathsAreLogged()
 void NasPathsTest::failedDiskIsSkipped()
 {
     {
-        const AllocationFailure failure(1);
+        const AllocationFailure failure(1, AllocationFailure::Kind::Throwing, sizeof(QStandardItem));
         reply("addNASPathsToVolume", "0", QVariantList{disk("//n/a", 1, 1), disk("//n/b", 1, 1), disk("//n/c", 1, 1)});
         QVERIFY(failure.happened());
     }

@@ -26,6 +26,10 @@ private slots:
     void aSecondReplyToTheSameAddCountsAgain();
     void addWithoutContextIsStale();
     void addMayBeAnsweredWhileItIsSent();
+    void olderAddMayBeAnsweredWhileANewerIsSent_data();
+    void olderAddMayBeAnsweredWhileANewerIsSent();
+    void newerAddMayBeSentWhileAnOlderIs();
+    void addsMayBeAbandonedWhileOneIsSent();
 };
 
 void NasRegistryAddsTest::init()
@@ -180,6 +184,50 @@ void NasRegistryAddsTest::addMayBeAnsweredWhileItIsSent()
     QVERIFY(m_plugin->addNASServer("h"));
     QCOMPARE(m_log->take(), QStringList{"addNASServerResponded(NonError, \"7\") with 7 | h"});
     QVERIFY(isFreed(sentContext()));
+}
+
+void NasRegistryAddsTest::olderAddMayBeAnsweredWhileANewerIsSent_data()
+{
+    QTest::addColumn<bool>("accepted");
+    QTest::newRow("the newer is accepted") << true;
+    QTest::newRow("the newer is refused") << false;
+}
+
+void NasRegistryAddsTest::olderAddMayBeAnsweredWhileANewerIsSent()
+{
+    QFETCH(bool, accepted);
+    QVERIFY(m_plugin->addNASServer("first"));
+    m_framework.accepts = accepted;
+    m_framework.duringSend = [this](const FakeFramework::Sent &) { reply("AddNasServer", "0", "1", sentContext(0)); };
+    QCOMPARE(m_plugin->addNASServer("second"), accepted);
+    QCOMPARE(m_log->take(), QStringList{"addNASServerResponded(NonError, \"1\") with 1 | first"});
+    QVERIFY(isFreed(sentContext(0)));
+    if (accepted)
+        reply("AddNasServer", "0", "2", sentContext(1));
+    QCOMPARE(modelText(*m_model, {257}), accepted ? (QStringList{"1", "2"}) : QStringList{"1"});
+}
+
+void NasRegistryAddsTest::newerAddMayBeSentWhileAnOlderIs()
+{
+    m_framework.duringSend = [this](const FakeFramework::Sent &) {
+        m_framework.duringSend = nullptr;
+        QVERIFY(m_plugin->addNASServer("newer"));
+    };
+    QVERIFY(m_plugin->addNASServer("older"));
+    reply("AddNasServer", "0", "1", sentContext(0));
+    reply("AddNasServer", "0", "2", sentContext(1));
+    QCOMPARE(modelText(*m_model, {257, 258}), QStringList{"2 | newer"});
+}
+
+void NasRegistryAddsTest::addsMayBeAbandonedWhileOneIsSent()
+{
+    QVERIFY(m_plugin->addNASServer("first"));
+    m_framework.duringSend = [this](const FakeFramework::Sent &) { m_plugin->ignoreAddNASServerResponse(); };
+    QVERIFY(m_plugin->addNASServer("second"));
+    reply("AddNasServer", "0", "1", sentContext(0));
+    reply("AddNasServer", "0", "2", sentContext(1));
+    QCOMPARE(m_log->take(), QStringList{});
+    QCOMPARE(rows(), QStringList{});
 }
 
 QTEST_GUILESS_MAIN(NasRegistryAddsTest)
