@@ -14,10 +14,12 @@
 #include <QtQml>
 
 #include <algorithm>
+#include <charconv>
 #include <exception>
 #include <iterator>
 #include <memory>
 #include <new>
+#include <string_view>
 #include <utility>
 
 void traceException(const char *function) noexcept
@@ -270,15 +272,26 @@ void PluginRecordingManagement::CreateStationTreeModel(const QVariantMap &statio
 
 QString PluginRecordingManagement::convertVolumeCapacity(qint64 capacity) const
 {
-    constexpr QLatin1String units[] = {QLatin1String(" KB"), QLatin1String(" MB"), QLatin1String(" GB"),
-                                       QLatin1String(" TB")};
-    auto value = static_cast<double>(capacity);
+    constexpr std::string_view units[] = {" KB", " MB", " GB", " TB"};
+    constexpr int bitsPerUnit = 10;
+    if (capacity < 0)
+        return QString::number(static_cast<double>(capacity), 'f', 2) + QStringLiteral(" KB");
+
+    // The digits of QString::number(double, 'f', 2), in integers: a list of groups has two such texts for each volume.
+    const auto size = static_cast<quint64>(static_cast<double>(capacity));
     std::size_t unit = 0;
-    while (value >= 1024.0 && unit + 1 < std::size(units)) {
-        value *= 0.0009765625; // 1/1024
+    while (unit + 1 < std::size(units) && size >> (bitsPerUnit * (unit + 1)) > 0)
         ++unit;
-    }
-    return QString::number(value, 'f', 2) + units[unit];
+    const std::size_t bits = bitsPerUnit * unit;
+    const quint64 one = quint64(1) << bits;
+    const quint64 hundredths = ((size & (one - 1)) * 100 + one / 2) >> bits;
+    char text[32];
+    char *end = std::to_chars(std::begin(text), std::end(text), (size >> bits) + hundredths / 100).ptr;
+    *end++ = '.';
+    *end++ = static_cast<char>('0' + hundredths / 10 % 10);
+    *end++ = static_cast<char>('0' + hundredths % 10);
+    end = std::copy(units[unit].begin(), units[unit].end(), end);
+    return QString::fromLatin1(text, end - text);
 }
 
 QString PluginRecordingManagement::toSlashPath(const QString &path) const

@@ -40,17 +40,16 @@ RecordingGroupIndex::RecordingGroupIndex(const Groups &groups)
     , m_groupChains(groups.size())
     , m_memberChains(m_members.size())
 {
-    QVariantMap convertedMember;
+    RecordReader member({&FieldKey::camName});
     QString convertedName;
     std::size_t number = m_members.size();
     for (std::size_t group = groups.size(); group-- > 0;) {
         m_groupChains.put(group, hashOf(groups[group].recordingGroupID, groups[group].relayPath));
         const QVariantList &members = groups[group].recordingGroupMemberList;
         for (qsizetype place = members.size(); place-- > 0;) {
-            const QVariantMap &member = mapIn(members[place], convertedMember);
-            const QStringView name = textIn(fieldIn(member, FieldKey::camName), convertedName);
+            member.read(members[place]);
             m_members[--number] = {static_cast<quint32>(group), static_cast<quint32>(place)};
-            m_memberChains.put(number, qHash(name));
+            m_memberChains.put(number, qHash(QStringView(textIn(member[0], convertedName))));
         }
     }
 }

@@ -6,12 +6,15 @@
 #include "SignalLog.h"
 
 #include <QAbstractItemModelTester>
+#include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QSet>
 #include <QSignalSpy>
 #include <QStandardItemModel>
 #include <QTest>
 #include <QUuid>
+
+#include <limits>
 
 namespace {
 
@@ -63,6 +66,7 @@ private slots:
     void infoKeepsANasVolumesMark();
     void capacityText_data();
     void capacityText();
+    void capacityTextsHaveTheDigitsOfQt();
 
 private:
     void reply(const QVariant &data, const QString &returnCode = "0")
@@ -334,6 +338,44 @@ void VolumesTest::capacityText()
     const QVariantList volumes = groups.constFirst().toMap().value("volumeList").toList();
     QCOMPARE(volumes.size(), 1);
     QCOMPARE(volumes.constFirst().toMap().value("totalSpace"), text);
+}
+
+// The rule in floating point, step by step.
+QString plainCapacityText(qlonglong kiloBytes)
+{
+    double value = static_cast<double>(kiloBytes);
+    int unit = 0;
+    for (; value >= 1024.0 && unit < 3; ++unit)
+        value /= 1024.0;
+    return QString::number(value, 'f', 2) + QStringList{" KB", " MB", " GB", " TB"}.at(unit);
+}
+
+void VolumesTest::capacityTextsHaveTheDigitsOfQt()
+{
+    QList<qlonglong> sizes{std::numeric_limits<qlonglong>::max(), -1};
+    for (int bit = 0; bit < 63; ++bit) {
+        const qlonglong power = 1LL << bit;
+        for (const qlonglong eighths : {1, 3, 5, 7}) { // half a hundredth, where the digits are rounded
+            const qlonglong tie = power + eighths * (power / 8);
+            sizes << power - 1 << power << power + 1 << tie - 1 << tie << tie + 1;
+        }
+    }
+    QRandomGenerator random(7);
+    for (int i = 0; i < 50'000; ++i)
+        sizes << static_cast<qlonglong>(random.generate64() >> (1 + random.bounded(63)));
+
+    QVariantList entries;
+    for (const qlonglong size : std::as_const(sizes))
+        entries << QVariantMap{{"recordingGroupID", "g"}, {"volumeSize", size}, {"volumeAvailableSize", -size}};
+    m_plugin->EventProcessor("VolumeChanged", 0, 0, 0, entries, {});
+    const QVariantList volumes =
+        m_plugin->getRecordingGroupInfoList().constFirst().toMap().value("volumeList").toList();
+    QCOMPARE(volumes.size(), sizes.size());
+    for (qsizetype i = 0; i < sizes.size(); ++i) {
+        const QVariantMap volume = volumes[i].toMap();
+        QCOMPARE(volume.value("totalSpace").toString(), plainCapacityText(sizes[i]));
+        QCOMPARE(volume.value("remainingSpace").toString(), plainCapacityText(-sizes[i]));
+    }
 }
 
 QTEST_GUILESS_MAIN(VolumesTest)
