@@ -70,9 +70,10 @@ install_missing_packages() {
         apt-get install -y -q --no-install-recommends "${missing[@]}"
 }
 
-# configure PRESET: only when the build folder has not been configured; afterwards the build does it where needed.
+# configure PRESET: only when the build folder has not been configured, or with other presets; afterwards the build does it
+# where needed.
 configure() {
-    if [[ ! -f build/$1/build.ninja ]]; then
+    if [[ ! -f build/$1/build.ninja || CMakePresets.json -nt build/$1/build.ninja ]]; then
         quietly cmake --preset "$1"
     fi
 }
