@@ -68,8 +68,8 @@ CommandLine CommandLine::parse(const QStringList &arguments)
         parser.addOption(QCommandLineOption(QLatin1String(option.name), {}, QLatin1String(option.value)));
 
     CommandLine line;
-    const auto wrong = [&line](const QString &error) {
-        line.error = error;
+    const auto wrong = [&line](const QString &reason) {
+        line.error = reason;
         return line;
     };
     if (!parser.parse(arguments))

@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr std::uint32_t moduleNumber = 0x123; // more than 8 bits
-
 #if defined(__GNUC__)
 __attribute__((format(printf, 1, 2)))
 #endif
@@ -52,6 +50,7 @@ bool lacks(const char *what)
     return isSet("FAKE_TRACE_LACKS", what);
 }
 
+constexpr std::uint32_t moduleNumber = 0x123; // more than 8 bits
 int theHandle = 0; // its address is what counts
 
 const char *handleText(const void *handle)
