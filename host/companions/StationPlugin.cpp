@@ -29,7 +29,7 @@ QString firstAddress()
     if (getifaddrs(&list) == 0) {
         const std::unique_ptr<ifaddrs, void (*)(ifaddrs *)> owner(list, freeifaddrs);
         for (const ifaddrs *entry = list; entry; entry = entry->ifa_next) {
-            const QString text = entry->ifa_flags & IFF_LOOPBACK ? QString() : addressText(entry->ifa_addr);
+            QString text = entry->ifa_flags & IFF_LOOPBACK ? QString() : addressText(entry->ifa_addr);
             if (!text.isEmpty())
                 return text;
         }

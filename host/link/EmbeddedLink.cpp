@@ -5,10 +5,10 @@
 
 #include <utility>
 
-EmbeddedLink::EmbeddedLink(MakeStation makeStation, const QString &relayPath, QObject *parent)
+EmbeddedLink::EmbeddedLink(MakeStation makeStation, QString relayPath, QObject *parent)
     : StationLink(parent)
     , m_makeStation(std::move(makeStation))
-    , m_relayPath(relayPath)
+    , m_relayPath(std::move(relayPath))
 {
     m_thread.setObjectName(QStringLiteral("station"));
     m_stationSide.moveToThread(&m_thread);

@@ -23,7 +23,7 @@ public:
 
     /// @param makeStation called on the station's thread, where the station lives and ends
     /// @param relayPath the name under which this station also answers, besides the empty one
-    explicit EmbeddedLink(MakeStation makeStation, const QString &relayPath = {}, QObject *parent = nullptr);
+    explicit EmbeddedLink(MakeStation makeStation, QString relayPath = {}, QObject *parent = nullptr);
     ~EmbeddedLink() override;
 
     /// Starts the station; upChanged(true) follows when it runs, and nothing when @p makeStation made none. A second
