@@ -11,7 +11,6 @@
 #include <iterator>
 #include <tuple>
 #include <utility>
-#include <vector>
 
 namespace {
 constexpr int minutesPerDay = 24 * 60;
@@ -75,7 +74,7 @@ void GroupUsageModel::sortWorstFirst(QList<Group> &groups)
         QCollatorSortKey name; // made once: comparing by a locale costs more than all else here
     };
     const QCollator collator;
-    std::vector<Entry> entries;
+    QList<Entry> entries;
     entries.reserve(groups.size());
     for (const Group &group : std::as_const(groups))
         entries.push_back({group, collator.sortKey(group.name.toCaseFolded())});
@@ -162,13 +161,13 @@ void GroupUsageModel::removeAllBut(const QHash<QString, int> &places)
 
 void GroupUsageModel::arrange(const QList<Group> &groups, const QHash<QString, int> &places)
 {
-    std::vector<int> wanted;
-    std::vector<bool> present(groups.size(), false);
+    QList<int> wanted;
+    QList<bool> present(groups.size(), false);
     for (const Group &group : std::as_const(m_groups)) {
         wanted.push_back(places.value(group.id));
         present[wanted.back()] = true;
     }
-    const std::vector<bool> stays = placesInOrder(wanted, groups.size());
+    const QList<bool> stays = placesInOrder(wanted, groups.size());
     int row = 0; // behind what is in its place already; rows that move on later may stand before it
     for (int place = 0; place < groups.size();) {
         if (!present[place]) {

@@ -4,10 +4,10 @@
 #include <iterator>
 
 // The rows of the longest ascending run, not necessarily side by side.
-std::vector<bool> placesInOrder(const std::vector<int> &wanted, std::size_t count)
+QList<bool> placesInOrder(const QList<int> &wanted, qsizetype count)
 {
-    std::vector<int> ends; // the row that ends the best run of each length so far
-    std::vector<int> before(wanted.size(), -1); // the row before each one in its run
+    QList<int> ends; // the row that ends the best run of each length so far
+    QList<int> before(wanted.size(), -1); // the row before each one in its run
     for (int row = 0; row < int(wanted.size()); ++row) {
         const auto end = std::partition_point(ends.begin(), ends.end(),
                                               [&](int candidate) { return wanted[candidate] < wanted[row]; });
@@ -18,7 +18,7 @@ std::vector<bool> placesInOrder(const std::vector<int> &wanted, std::size_t coun
         else
             *end = row;
     }
-    std::vector<bool> stays(count, false);
+    QList<bool> stays(count, false);
     for (int row = ends.empty() ? -1 : ends.back(); row >= 0; row = before[row])
         stays[wanted[row]] = true;
     return stays;

@@ -91,7 +91,7 @@ void addReading(Trees &trees)
     for (const int size : trees.sizes()) {
         for (const auto &[name, reading] : readings) {
             add(name, size,
-                [&trees, size, reading](benchmark::State &state) { reading(state, trees.tree(size), size); });
+                [&trees, size, reading = reading](benchmark::State &state) { reading(state, trees.tree(size), size); });
         }
     }
 }
