@@ -8,7 +8,7 @@
 #include <functional>
 
 /// A framework that records what the plug-in sends. The test plays the server: it calls CommandProcessor itself.
-class FakeFramework : public FrameworkWrapperBase
+class FakeFramework final : public FrameworkWrapperBase
 {
 public:
     struct Sent

@@ -136,6 +136,7 @@ private slots:
     void monitorMayGoAway();
 
 private:
+    using QObject::event; // not hidden by the one below
     void event(const QVariant &data, const QString &source = QStringLiteral("st1"))
     {
         m_plugin->EventProcessor("VolumeChanged", 0, 0, 0, data, source);

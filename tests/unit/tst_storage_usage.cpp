@@ -82,6 +82,7 @@ private slots:
     void theEndOfAModelMayComeBack();
 
 private:
+    using QObject::event; // not hidden by the one below
     void event(const QVariant &data, const QString &source = {})
     {
         m_plugin->EventProcessor("VolumeChanged", 0, 0, 0, data, source);
