@@ -22,7 +22,8 @@ class VolumeSource
 public:
     virtual ~VolumeSource() = default;
 
-    /// The volumes as they are now, in the order in which operators read them: the system volume first.
+    /// The volumes as they are now, one whose path begins another's behind it: clients take the first volume that
+    /// begins a path for the one that holds it.
     virtual QList<Volume> volumes() const = 0;
 
     /// The volume that stores what lies under @p path; none when that is not one of the station's volumes.

@@ -1,6 +1,6 @@
 #include "ToolRun.h"
+#include "VolumeFolder.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QSysInfo>
@@ -52,8 +52,7 @@ private:
 void TestRecordingctlGroups::init()
 {
     QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
-    // Beside the test: a folder for temporary files may lie in memory, on none of the volumes.
-    m_folder = std::make_unique<QTemporaryDir>(QCoreApplication::applicationDirPath() + "/groups-XXXXXX");
+    m_folder = std::make_unique<QTemporaryDir>(onAVolume("groups-XXXXXX"));
     QVERIFY(m_folder->isValid());
     QVERIFY(QDir().mkpath(folder("a")));
     QVERIFY(QDir().mkpath(folder("b")));

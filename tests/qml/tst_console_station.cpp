@@ -4,6 +4,7 @@
 #include "FollowClient.h"
 #include "Loopback.h"
 #include "SambaServer.h"
+#include "VolumeFolder.h"
 #include "companions/StatusMonitorPlugin.h"
 #include "link/StationCalls.h"
 
@@ -46,9 +47,7 @@ public:
     {
         m_session.reset();
         m_client.reset();
-        // Beside the test: a folder for temporary files may lie in memory, on none of the volumes.
-        m_folder =
-            std::make_unique<QTemporaryDir>(QCoreApplication::applicationDirPath() + QStringLiteral("/station-XXXXXX"));
+        m_folder = std::make_unique<QTemporaryDir>(onAVolume(QStringLiteral("station-XXXXXX")));
         m_client = std::make_unique<ClientSession>();
         ClientSession::Options options;
         options.pluginFolders = QStringList{QStringLiteral(PLUGIN_FOLDER)};
