@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# What scripts/run, scripts/test and scripts/benchmark share. Source it after `set -euo pipefail`.
+# What scripts/run, scripts/test, scripts/test-debian13 and scripts/benchmark share. Source it after `set -euo pipefail`.
 
 repository=$(cd -- "$(dirname -- "$(readlink -f -- "${BASH_SOURCE[0]}")")/.." && pwd)
 current_step=
@@ -36,14 +36,31 @@ quietly() {
     return "$status"
 }
 
+# The lines of scripts/debian-packages.txt of which no package is installed; alternatives as "one|other".
 missing_packages() {
-    local package
+    local names name
     sed -e 's/#.*//' -e 's/[[:space:]]//g' -e '/^$/d' "$repository/scripts/debian-packages.txt" |
-        while read -r package; do
-            if [[ $(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null) != installed ]]; then
-                printf '%s\n' "$package"
+        while read -r names; do
+            for name in ${names//|/ }; do
+                if [[ $(dpkg-query -W -f='${db:Status-Status}' "$name" 2>/dev/null) == installed ]]; then
+                    continue 2
+                fi
+            done
+            printf '%s\n' "$names"
+        done
+}
+
+# available_packages ALTERNATIVES...: of each "one|other" the first that apt knows, or the last.
+available_packages() {
+    local names name
+    for names in "$@"; do
+        for name in ${names//|/ }; do
+            if [[ $names == *'|'* && -n $(apt-cache madison "$name") ]]; then
+                break
             fi
         done
+        printf '%s\n' "$name"
+    done
 }
 
 # Installs what scripts/debian-packages.txt lists and this machine lacks; does nothing when it lacks nothing.
@@ -64,8 +81,9 @@ install_missing_packages() {
         as_root=(sudo)
         sudo -v # asks for the password here, where it can be seen
     fi
-    printf 'Installing %s\n' "${missing[*]}"
     quietly "${as_root[@]}" apt-get update -q
+    mapfile -t missing < <(available_packages "${missing[@]}")
+    printf 'Installing %s\n' "${missing[*]}"
     quietly "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
         apt-get install -y -q --no-install-recommends "${missing[@]}"
 }
