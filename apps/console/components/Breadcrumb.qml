@@ -3,7 +3,7 @@ import QtQuick.Controls.Basic
 import RecordingConsole
 
 /// The way to a folder, at first from the list of the volumes; each step leads there. Where it is too long, the end stays in view.
-Flickable {
+Control {
     id: breadcrumb
 
     required property string folder
@@ -11,70 +11,79 @@ Flickable {
 
     signal opened(path: string)
 
-    implicitHeight: 32
-    contentWidth: row.width
-    contentHeight: height
-    clip: true
-    boundsBehavior: Flickable.StopAtBounds
-    contentX: Math.max(0, contentWidth - width)
+    implicitHeight: Theme.controlHeight
+    horizontalPadding: Theme.small
     Accessible.role: Accessible.Grouping
     Accessible.name: qsTr("Path %1").arg(folder === "" ? qsTr("Volumes") : folder)
 
-    Row {
-        id: row
+    background: Rectangle {
+        radius: Theme.radius
+        color: Theme.surface
+        border.color: Theme.outline
+    }
+    contentItem: Flickable {
+        contentWidth: row.width
+        contentHeight: height
+        clip: true
+        boundsBehavior: Flickable.StopAtBounds
+        contentX: Math.max(0, contentWidth - width)
 
-        height: breadcrumb.height
+        Row {
+            id: row
 
-        Repeater {
-            id: crumbs
+            height: breadcrumb.availableHeight
 
-            model: breadcrumb.steps
+            Repeater {
+                id: crumbs
 
-            Row {
-                id: step
+                model: breadcrumb.steps
 
-                required property int index
-                required property var modelData
-                readonly property bool last: index === crumbs.count - 1
+                Row {
+                    id: step
 
-                height: row.height
+                    required property int index
+                    required property var modelData
+                    readonly property bool last: index === crumbs.count - 1
 
-                Icon {
-                    visible: step.index > 0
-                    anchors.verticalCenter: parent.verticalCenter
-                    name: "chevron"
-                    color: Theme.disabledText
-                    size: 16
-                }
-                AbstractButton {
-                    id: crumb
+                    height: row.height
 
-                    objectName: "crumb:" + step.modelData.path
-                    width: Math.min(implicitWidth, 260)
-                    height: parent.height
-                    leftPadding: 6
-                    rightPadding: 6
-                    text: step.modelData.name
-                    font.pixelSize: Theme.bodySize
-                    font.bold: step.last
-                    Accessible.name: step.modelData.path === "" ? text : step.modelData.path
-                    onClicked: breadcrumb.opened(step.modelData.path)
-                    Keys.onReturnPressed: crumb.clicked()
-                    Keys.onEnterPressed: crumb.clicked()
-
-                    contentItem: Text {
-                        text: crumb.text
-                        font: crumb.font
-                        color: step.last ? Theme.text : Theme.accent
-                        textFormat: Text.PlainText
-                        verticalAlignment: Text.AlignVCenter
-                        elide: Text.ElideMiddle
+                    Icon {
+                        visible: step.index > 0
+                        anchors.verticalCenter: parent.verticalCenter
+                        name: "chevron"
+                        color: Theme.disabledText
+                        size: 16
                     }
-                    background: Rectangle {
-                        radius: Theme.radius
-                        color: crumb.hovered ? Theme.hover : "transparent"
-                        border.width: crumb.visualFocus ? 2 : 0
-                        border.color: Theme.accent
+                    AbstractButton {
+                        id: crumb
+
+                        objectName: "crumb:" + step.modelData.path
+                        width: Math.min(implicitWidth, 260)
+                        height: parent.height
+                        leftPadding: 6
+                        rightPadding: 6
+                        text: step.modelData.name
+                        font.pixelSize: Theme.bodySize
+                        font.bold: step.last
+                        Accessible.name: step.modelData.path === "" ? text : step.modelData.path
+                        onClicked: breadcrumb.opened(step.modelData.path)
+                        Keys.onReturnPressed: crumb.clicked()
+                        Keys.onEnterPressed: crumb.clicked()
+
+                        contentItem: Text {
+                            text: crumb.text
+                            font: crumb.font
+                            color: step.last ? Theme.text : Theme.accent
+                            textFormat: Text.PlainText
+                            verticalAlignment: Text.AlignVCenter
+                            elide: Text.ElideMiddle
+                        }
+                        background: Rectangle {
+                            radius: Theme.radius
+                            color: crumb.hovered ? Theme.hover : "transparent"
+                            border.width: crumb.visualFocus ? 2 : 0
+                            border.color: Theme.accent
+                        }
                     }
                 }
             }

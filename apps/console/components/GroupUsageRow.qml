@@ -226,6 +226,7 @@ ItemDelegate {
                 isSystem: values.isSystem ?? false
                 isNas: values.isNas ?? false
                 gone: size === 0 && availableSize === 0
+                room: row.availableWidth - row.indent
                 wide: row.wide
                 forGroup: true
                 Layout.fillWidth: true

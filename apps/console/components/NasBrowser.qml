@@ -114,22 +114,12 @@ FocusScope {
                 enabled: !browser.atRoot || browser.alone
                 onClicked: browser.goUp()
             }
-            Rectangle {
-                implicitHeight: Theme.controlHeight
-                radius: Theme.radius
-                color: Theme.surface
-                border.color: Theme.outline
+            Breadcrumb {
+                objectName: "breadcrumb"
+                folder: browser.path
+                steps: (browser.alone ? [{ name: qsTr("Servers"), path: "" }] : []).concat(NasPath.steps(folder))
                 Layout.fillWidth: true
-
-                Breadcrumb {
-                    objectName: "breadcrumb"
-                    anchors.fill: parent
-                    anchors.leftMargin: Theme.small
-                    anchors.rightMargin: Theme.small
-                    folder: browser.path
-                    steps: (browser.alone ? [{ name: qsTr("Servers"), path: "" }] : []).concat(NasPath.steps(folder))
-                    onOpened: path => path === "" ? browser.backWanted() : browser.enter(path)
-                }
+                onOpened: path => path === "" ? browser.backWanted() : browser.enter(path)
             }
         }
         ErrorStrip {

@@ -13,6 +13,7 @@ GridLayout {
     required property bool isSystem
     required property bool isNas
     property bool gone: false ///< the volume was there before and is not any more
+    required property real room ///< the width there is: its own comes too late to choose the layout by
     property bool wide: false
     /// Stands, smaller, below a recording group; the available size is the group's share of the volume's.
     property bool forGroup: false
@@ -27,7 +28,8 @@ GridLayout {
     readonly property string freeText: !known ? ""
         : (forGroup ? qsTr("%1 of %2 for this group") : qsTr("%1 free of %2")).arg(Units.capacity(availableSize))
               .arg(Units.capacity(size))
-    readonly property bool marksBeside: width >= 420
+    readonly property bool marksBeside: room >= 420
+    readonly property bool textsBeside: room >= 320
     readonly property bool named: name !== "" && name !== path
     readonly property bool truncated: nameText.truncated || pathText.truncated
     readonly property string fullName: named ? name + "\n" + path : path
@@ -172,10 +174,10 @@ GridLayout {
             }
         }
         GridLayout {
-            columns: figures.width >= 320 ? 2 : 1
+            columns: figures.textsBeside ? 2 : 1
             columnSpacing: Theme.medium
             rowSpacing: 2
-            Layout.rightMargin: percentMetrics.advanceWidth + Theme.medium
+            Layout.rightMargin: figures.textsBeside ? percentMetrics.advanceWidth + Theme.medium : 0
 
             Text {
                 objectName: "used"
@@ -194,7 +196,7 @@ GridLayout {
                 font.pixelSize: Theme.captionSize
                 textFormat: Text.PlainText
                 elide: Text.ElideRight
-                Layout.fillWidth: figures.width < 320
+                Layout.fillWidth: !figures.textsBeside
             }
         }
     }

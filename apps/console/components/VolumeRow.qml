@@ -36,6 +36,7 @@ ItemDelegate {
         availableSize: row.availableSizeRole
         isSystem: row.isSystemRole
         isNas: row.isNASRole
+        room: row.availableWidth
         wide: row.width >= 760
     }
 

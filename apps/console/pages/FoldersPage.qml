@@ -190,23 +190,11 @@ ConsolePage {
                 enabled: page.session.connected && !page.atVolumes
                 onClicked: page.goUp()
             }
-            Rectangle {
-                implicitHeight: Theme.controlHeight
-                radius: Theme.radius
-                color: Theme.surface
-                border.color: Theme.outline
+            Breadcrumb {
+                objectName: "breadcrumb"
+                folder: page.folder
                 Layout.fillWidth: true
-
-                Breadcrumb {
-                    id: breadcrumb
-
-                    objectName: "breadcrumb"
-                    anchors.fill: parent
-                    anchors.leftMargin: Theme.small
-                    anchors.rightMargin: Theme.small
-                    folder: page.folder
-                    onOpened: path => page.open(path)
-                }
+                onOpened: path => page.open(path)
             }
         }
         ErrorStrip {

@@ -82,6 +82,18 @@ TestCase {
         return place;
     }
 
+    /// The page as a window's edge is dragged, narrower and wider again: its layouts settle at every width.
+    function dragThroughWidths(): void {
+        const widths = [];
+        for (let width = 1020; width >= 300; width -= 20)
+            widths.push(width);
+        for (const width of [...widths, ...widths.slice().reverse()]) {
+            page.width = width;
+            waitForRendering(page);
+            checkGeometry(page);
+        }
+    }
+
     function collectTexts(item, texts) {
         if (!item.visible)
             return;

@@ -199,4 +199,10 @@ PageTest {
         verify(findChild(part("folder:" + longName), "name").truncated);
         checkGeometry(page);
     }
+
+    function test_everyWidthFits(): void {
+        openAt("/srv", ["audio", longName], { height: 700 });
+        tryVerify(() => findChild(page, "folder:" + longName) !== null);
+        dragThroughWidths();
+    }
 }

@@ -224,6 +224,25 @@ NasTest {
         verify(part("notice").visible);
     }
 
+    function test_everyWidthFits(): void {
+        const longName = "a-name-that-does-not-fit-into-any-window-".repeat(4);
+        openWith(servers, { width: 1020, height: 712 });
+        openShares("{1}", [longName]);
+        clickPart("folder:" + longName);
+        answerFolders("//nas1/" + longName, ["a", longName]);
+        answerCapacity(4096 * gigabyte, 4090 * gigabyte);
+        page.failure = "The station did not answer in time.";
+        dragThroughWidths();
+    }
+
+    function test_noRoomLeavesNoNegativeSide(): void {
+        openWith(servers, { width: 1020, height: 712 });
+        openShares("{1}", ["video"]);
+        page.width = 20;
+        waitForRendering(page);
+        collectTexts(page, []); // looks at the sides, too
+    }
+
     function test_themesDiffer(): void {
         openWith(servers, {});
         const grounds = [];

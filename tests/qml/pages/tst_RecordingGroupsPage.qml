@@ -215,6 +215,11 @@ GroupsTest {
         checkGeometry(editor.contentItem, editor.contentItem);
     }
 
+    function test_everyWidthFits(): void {
+        openFilled({ height: 712 });
+        dragThroughWidths();
+    }
+
     function test_themesDiffer(): void {
         openFilled({});
         const grounds = [];

@@ -386,7 +386,17 @@ PageTest {
         return [{ tag: "1280", width: 1020 }, { tag: "800", width: 692 }, { tag: "400", width: 308 }];
     }
     function test_sizesFit(row): void {
-        open("UsagePage", { width: row.width, height: 3000 });
+        openWithExtremes({ width: row.width, height: 3000 });
+        checkGeometry(page);
+    }
+
+    function test_everyWidthFits(): void {
+        openWithExtremes({ height: 3000 });
+        dragThroughWidths();
+    }
+
+    function openWithExtremes(properties): void {
+        open("UsagePage", properties);
         server.raise("VolumeChanged", site.concat([
             entry("long", "A recording group with a name that goes on and on without an end", 400, 2147483647, 99999999,
                   { recordingPath: "/srv/a-mount-point-with-a-rather-long-path/that-goes-on", volumeIsNAS: true,
@@ -396,7 +406,6 @@ PageTest {
         ]));
         tryVerify(() => list().count === 8);
         waitUntilLaidOut();
-        checkGeometry(page);
     }
 
     function test_themesDiffer(): void {

@@ -134,6 +134,11 @@ PageTest {
         tryVerify(() => list.height >= list.contentHeight, 5000, "every row is in view where there is room");
     }
 
+    function test_everyWidthFits(): void {
+        openFilled({ height: 700 });
+        dragThroughWidths();
+    }
+
     function test_themesDiffer(): void {
         openFilled({});
         const grounds = [];
