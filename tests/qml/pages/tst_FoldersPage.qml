@@ -1,4 +1,5 @@
 import QtQuick
+import RecordingConsole
 
 PageTest {
     id: test
@@ -204,5 +205,18 @@ PageTest {
         openAt("/srv", ["audio", longName], { height: 700 });
         tryVerify(() => findChild(page, "folder:" + longName) !== null);
         dragThroughWidths();
+    }
+
+    function test_breadcrumbNeedsNoRoom(): void {
+        const breadcrumb = createTemporaryObject(breadcrumbComponent, test, { width: 10 });
+        collectTexts(breadcrumb, []); // looks at the sides, too
+        breadcrumb.width = 400;
+        verify(findChild(breadcrumb, "crumb:/srv").width > 0);
+    }
+
+    Component {
+        id: breadcrumbComponent
+
+        Breadcrumb { folder: "/srv" }
     }
 }

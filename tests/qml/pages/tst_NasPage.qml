@@ -235,14 +235,6 @@ NasTest {
         dragThroughWidths();
     }
 
-    function test_noRoomLeavesNoNegativeSide(): void {
-        openWith(servers, { width: 1020, height: 712 });
-        openShares("{1}", ["video"]);
-        page.width = 20;
-        waitForRendering(page);
-        collectTexts(page, []); // looks at the sides, too
-    }
-
     function test_themesDiffer(): void {
         openWith(servers, {});
         const grounds = [];
