@@ -244,10 +244,11 @@ QObject *PluginRecordingManagement::getRecordingGroupTreeModel() const
 
 QSharedPointer<QStandardItemModel> PluginRecordingManagement::storageUsageModel(const QString &source)
 {
-    if (const auto known = m_storageUsageModels.value(source))
-        return known;
+    QSharedPointer<QStandardItemModel> model = m_storageUsageModels.value(source);
+    if (model)
+        return model;
     std::unique_ptr<QStandardItemModel> made(newListModel(recordingGroupRoleNames(), this));
-    const QSharedPointer<QStandardItemModel> model(made.get()); // throws without deleting what it is given
+    model.reset(made.get()); // throws without deleting what it is given
     made.release();
     if (model)
         m_storageUsageModels.insert(source, model);

@@ -140,7 +140,7 @@ bool PluginRecordingManagement::reloadStorageUsageInfo(const QString &relayPath)
 QString PluginRecordingManagement::getRecordingGroup()
 {
     return noThrow("PluginRecordingManagement::getRecordingGroup", QString(), [this] {
-        const QString requestId = QUuid::createUuid().toString();
+        QString requestId = QUuid::createUuid().toString();
         auto context = newContext<RequestIdContext>(requestId);
         setRecordingGroupRetrieved(false);
         if (!sendRequestToServer(ServerCommand::getRecordingGroup, {}, context.get(), ""))
@@ -446,7 +446,7 @@ QVariantList PluginRecordingManagement::getRecordingGroupInfoList()
             return groups;
         }
 
-        const QSharedPointer<QStandardItemModel> usage = *entry;
+        const QSharedPointer<QStandardItemModel> &usage = *entry;
         const std::shared_ptr<VolumeReport> report = m_volumeReports.value(station);
         groups.reserve(usage->rowCount());
         for (int row = 0; row < usage->rowCount(); ++row) {
@@ -562,6 +562,7 @@ bool PluginRecordingManagement::getNASServerDir(const QString &basePath, const Q
     return noThrow(function, false, [&] {
         const auto request = nasPathRequest(basePath, logonDomain, userName, password, relayPath);
         // The filter itself is the context: nothing is allocated.
+        // NOLINTNEXTLINE(performance-no-int-to-ptr)
         auto *const context = reinterpret_cast<void *>(static_cast<qintptr>(filter));
         return sendRequestToServer(ServerCommand::GetNasDir, request, context, "");
     });

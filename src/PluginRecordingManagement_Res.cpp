@@ -53,11 +53,10 @@ QStandardItem *findStation(QStandardItem *parent, const QVariant &relayPath)
     return nullptr;
 }
 
-// Empties @p model before it is filled; false when its rows could not be removed.
+// Empties @p model before it is filled; false when its rows could not be removed. What a slot throws ends here.
 bool cleared(const char *function, QStandardItemModel *model)
 {
-    noThrow(function, [model] { clearRows(model); });
-    return !model || model->rowCount() == 0;
+    return noThrow(function, [model] { clearRows(model); }) || model->rowCount() == 0;
 }
 
 // Appends @p rows to @p parent, a model or what names an item; how many were lost. What a slot throws ends here.
@@ -69,9 +68,11 @@ int append(const char *function, RowBatch &rows, const Parent &parent)
     return lost;
 }
 
-// Appends a row for each folder, up to the first that fails; false when one did.
-bool appendFolders(const char *function, QStandardItemModel *model, const QStringList &folders)
+// Lists @p folders in @p model, up to the first for which there is no memory; false when there is one.
+bool listFolders(const char *function, QStandardItemModel *model, const QStringList &folders)
 {
+    if (!cleared(function, model))
+        return false;
     RowMaker maker = directoryRows();
     RowBatch rows;
     const bool made = std::all_of(folders.begin(), folders.end(), [&](const QString &folder) {
@@ -118,14 +119,15 @@ void PluginRecordingManagement::handleRetrieveVolume(const QVariant &data, const
 void PluginRecordingManagement::handleGetServerDir(const QVariant &data, const QString &)
 {
     constexpr auto function = "PluginRecordingManagement::handleGetServerDir";
-    const QVariantMap reply = data.toMap();
-    const QStringList folders = reply.value(FieldKey::dirFolderList).toStringList();
-    if (!cleared(function, m_serverDirModel) || !appendFolders(function, m_serverDirModel, folders)) {
+    QString basePath;
+    const bool listed = noThrow(function, false, [&] {
+        const QVariantMap reply = data.toMap();
+        basePath = reply.value(FieldKey::basePath).toString();
+        return listFolders(function, m_serverDirModel, reply.value(FieldKey::dirFolderList).toStringList());
+    });
+    if (!listed)
         TRACE_ERROR("%s, Create ServerDir item error", function);
-        emit getServerDirResponded("");
-        return;
-    }
-    emit getServerDirResponded(reply.value(FieldKey::basePath).toString());
+    emit getServerDirResponded(listed ? basePath : "");
 }
 
 // Recording groups. -------------------------------------------------------------------------------------------------
@@ -138,25 +140,28 @@ void PluginRecordingManagement::handleGetRecordingGroup(const QVariant &data, co
         return; // the context stays allocated: docs/decisions/0002-kept-contexts.md
     }
     const auto requestId = takeContext<RequestIdContext>(context);
-    if (!cleared(function, m_recordingGroupModel))
-        return;
-    enum Field { Id, Name, Paths, NodeIds, NasPaths };
-    RecordReader group({&FieldKey::recordingGroupID, &FieldKey::recordingGroupName, &FieldKey::recordingGroupPathList,
-                        &FieldKey::recordingGroupNodeIdList, &FieldKey::recordingGroupNASPathList});
-    RowMaker maker = recordingGroupRows();
-    RowBatch rows;
-    int lost = 0;
-    const QVariantList groups = data.toList();
-    for (const QVariant &element : groups) {
-        const bool made = rows.add([&] {
-            group.read(element);
-            return maker.row(asText(group[Id]), asText(group[Name]), asTextList(group[Paths]),
-                             asTextList(group[NodeIds]), asTextList(group[NasPaths]));
-        });
-        lost += made ? 0 : 1;
-    }
-    for (lost += append(function, rows, m_recordingGroupModel); lost > 0; --lost)
-        TRACE_ERROR("%s, new RecordingGroupItem failed", function);
+    const bool filled = cleared(function, m_recordingGroupModel) && noThrow(function, [&] {
+                            enum Field { Id, Name, Paths, NodeIds, NasPaths };
+                            RecordReader group({&FieldKey::recordingGroupID, &FieldKey::recordingGroupName,
+                                                &FieldKey::recordingGroupPathList, &FieldKey::recordingGroupNodeIdList,
+                                                &FieldKey::recordingGroupNASPathList});
+                            RowMaker maker = recordingGroupRows();
+                            RowBatch rows;
+                            int lost = 0;
+                            const QVariantList groups = data.toList();
+                            for (const QVariant &element : groups) {
+                                const bool made = rows.add([&] {
+                                    group.read(element);
+                                    return maker.row(asText(group[Id]), asText(group[Name]), asTextList(group[Paths]),
+                                                     asTextList(group[NodeIds]), asTextList(group[NasPaths]));
+                                });
+                                lost += made ? 0 : 1;
+                            }
+                            for (lost += append(function, rows, m_recordingGroupModel); lost > 0; --lost)
+                                TRACE_ERROR("%s, new RecordingGroupItem failed", function);
+                        });
+    if (!filled)
+        return; // as after a refusal: the model does not hold the reply
     noThrow(function, [this] { setRecordingGroupRetrieved(true); });
     emit getRecordingGroupResponded(requestId ? *requestId : QString());
 }
@@ -245,8 +250,8 @@ void PluginRecordingManagement::appendRecordingGroupToTreeModel(const QVariant &
     constexpr auto function = "PluginRecordingManagement::appendRecordingGroupToTreeModel";
     struct Branch
     {
-        explicit Branch(const QVariant &path)
-            : relayPath(path)
+        explicit Branch(QVariant path)
+            : relayPath(std::move(path))
         {
         }
 
@@ -398,24 +403,29 @@ void PluginRecordingManagement::handleGetNASServers(const QString &result, const
         emit getNASServersResponded(false);
         return;
     }
-    const QVariantList servers = data.toList();
-    bool complete = cleared(function, m_nasServerModel);
-    enum Field { Id, Host, LogonDomain, UserName, Password };
-    const QString idKey = QStringLiteral("id");
-    RecordReader server({&idKey, &FieldKey::host, &FieldKey::logonDomain, &FieldKey::userName, &FieldKey::password});
-    RowMaker maker = nasServerRows();
-    RowBatch rows;
-    for (qsizetype i = 0; complete && i < servers.size(); ++i) {
-        server.read(servers[i]);
-        const QVariant id = asText(server[Id]);
-        const QVariant host = asText(server[Host]);
-        if (id.toString().isEmpty() || host.toString().isEmpty())
-            continue;
-        complete = rows.add([&] {
-            return maker.row(id, host, asText(server[LogonDomain]), asText(server[UserName]), asText(server[Password]));
+    const bool complete = noThrow(function, false, [&] {
+        enum Field { Id, Host, LogonDomain, UserName, Password };
+        const QString idKey = QStringLiteral("id");
+        RecordReader server(
+            {&idKey, &FieldKey::host, &FieldKey::logonDomain, &FieldKey::userName, &FieldKey::password});
+        RowMaker maker = nasServerRows();
+        RowBatch rows;
+        const QVariantList servers = data.toList();
+        if (!cleared(function, m_nasServerModel))
+            return false;
+        const bool made = std::all_of(servers.begin(), servers.end(), [&](const QVariant &element) {
+            return rows.add([&]() -> RowItem {
+                server.read(element);
+                const QVariant id = asText(server[Id]);
+                const QVariant host = asText(server[Host]);
+                if (id.toString().isEmpty() || host.toString().isEmpty())
+                    return nullptr;
+                return maker.row(id, host, asText(server[LogonDomain]), asText(server[UserName]),
+                                 asText(server[Password]));
+            });
         });
-    }
-    complete = append(function, rows, m_nasServerModel) == 0 && complete;
+        return append(function, rows, m_nasServerModel) == 0 && made;
+    });
     if (!complete)
         TRACE_ERROR("%s, Create NASServer item error", function);
     emit getNASServersResponded(complete);
@@ -432,12 +442,16 @@ void PluginRecordingManagement::handleAddNASServer(const QString &result, const 
         emit addNASServerResponded(code, "");
         return;
     }
-    const QString id = data.toString();
-    RowBatch rows;
-    const bool made = rows.add([&] {
-        return nasServerRows().row(id, request->host, request->logonDomain, request->userName, request->password);
+    QString id;
+    const bool appended = noThrow(function, false, [&] {
+        id = data.toString();
+        RowBatch rows;
+        const bool made = rows.add([&] {
+            return nasServerRows().row(id, request->host, request->logonDomain, request->userName, request->password);
+        });
+        return append(function, rows, m_nasServerModel) == 0 && made;
     });
-    if (append(function, rows, m_nasServerModel) > 0 || !made) {
+    if (!appended) {
         TRACE_ERROR("%s, replace model item list failed", function);
         emit addNASServerResponded(Unknown, "");
         return;
@@ -494,17 +508,19 @@ void PluginRecordingManagement::handleGetNASServerDir(const QString &result, con
         return;
     }
     const auto filter = reinterpret_cast<qintptr>(context); // the request put the filter itself there
-    const QVariantMap reply = data.toMap();
-    QStringList folders = reply.value(FieldKey::dirFolderList).toStringList();
-    folders.removeIf([filter](const QString &folder) {
-        return ((filter & NoDot) && folder == u".") || ((filter & NoDotDot) && folder == u"..");
+    QString basePath;
+    const bool listed = noThrow(function, false, [&] {
+        const QVariantMap reply = data.toMap();
+        basePath = reply.value(FieldKey::basePath).toString();
+        QStringList folders = reply.value(FieldKey::dirFolderList).toStringList();
+        folders.removeIf([filter](const QString &folder) {
+            return ((filter & NoDot) && folder == u".") || ((filter & NoDotDot) && folder == u"..");
+        });
+        return listFolders(function, m_nasDirModel, folders);
     });
-    if (!cleared(function, m_nasDirModel) || !appendFolders(function, m_nasDirModel, folders)) {
+    if (!listed)
         TRACE_ERROR("%s, Create NASServerDir item error", function);
-        emit getNASServerDirResponded(Unknown, "");
-        return;
-    }
-    emit getNASServerDirResponded(NonError, reply.value(FieldKey::basePath).toString());
+    emit getNASServerDirResponded(listed ? NonError : Unknown, listed ? basePath : "");
 }
 
 void PluginRecordingManagement::handleGetNASServerCapacity(const QString &result, const QVariant &data, void *context)
@@ -538,21 +554,23 @@ void PluginRecordingManagement::handleAddNASPathsToVolume(const QString &result,
         emit addNASPathsToVolumeResp(false);
         return;
     }
-    RowMaker maker = volumeRows();
-    RowBatch rows;
-    int lost = 0;
-    const QVariantList disks = data.toList();
-    for (const QVariant &element : disks) {
-        const bool made = rows.add([&] {
-            const QVariantMap disk = element.toMap();
-            const QString name = disk.value(FieldKey::diskName).toString();
-            const qlonglong total = disk.value(FieldKey::diskTotal).toLongLong();
-            const qlonglong used = disk.value(FieldKey::diskUsed).toLongLong();
-            return maker.row(m_rowIds.nextText(), name, name, total, wrappingDifference(total, used), false, true);
-        });
-        lost += made ? 0 : 1;
-    }
-    for (lost += append(function, rows, m_volumeModel); lost > 0; --lost)
-        TRACE_ERROR("%s, new VolumeItem failed", function);
-    emit addNASPathsToVolumeResp(true);
+    const bool complete = noThrow(function, [&] {
+        RowMaker maker = volumeRows();
+        RowBatch rows;
+        int lost = 0;
+        const QVariantList disks = data.toList();
+        for (const QVariant &element : disks) {
+            const bool made = rows.add([&] {
+                const QVariantMap disk = element.toMap();
+                const QString name = disk.value(FieldKey::diskName).toString();
+                const qlonglong total = disk.value(FieldKey::diskTotal).toLongLong();
+                const qlonglong used = disk.value(FieldKey::diskUsed).toLongLong();
+                return maker.row(m_rowIds.nextText(), name, name, total, wrappingDifference(total, used), false, true);
+            });
+            lost += made ? 0 : 1;
+        }
+        for (lost += append(function, rows, m_volumeModel); lost > 0; --lost)
+            TRACE_ERROR("%s, new VolumeItem failed", function);
+    });
+    emit addNASPathsToVolumeResp(complete);
 }

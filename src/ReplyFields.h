@@ -49,8 +49,8 @@ private:
     };
 
     std::size_t m_count = 0;
-    std::array<Field, mostKeys> m_fields; // in the order of maps
-    std::array<const QVariant *, mostKeys> m_values; // not owned
+    std::array<Field, mostKeys> m_fields = {}; // in the order of maps
+    std::array<const QVariant *, mostKeys> m_values = {}; // not owned
     QVariantMap m_converted;
     QVariant m_missing;
 };

@@ -71,14 +71,15 @@ public:
     RowBatch &operator=(RowBatch &&) = delete;
     ~RowBatch() { qDeleteAll(m_rows); }
 
-    /// Takes what @p make returns as the next row; false when memory ran out.
+    /// Takes what @p make returns as the next row, or nothing where it returns none; false when memory ran out.
     template<typename Make>
     bool add(Make make) noexcept
     {
         try {
-            RowItem row = make();
-            m_rows.append(row.get());
-            row.release();
+            if (RowItem row = make()) {
+                m_rows.append(row.get());
+                row.release();
+            }
             return true;
         } catch (const std::exception &) {
             return false;

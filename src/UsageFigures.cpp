@@ -27,7 +27,8 @@ qlonglong remainingDays(qlonglong available, qlonglong oneDayUsage)
     if (oneDayUsage <= 0)
         return unknownFigure;
     // Integer division first: a usage below one unit of size makes the quotient infinite, which counts as 0.
-    const double days = static_cast<double>(available) / static_cast<double>(oneDayUsage / usageUnitsPerSizeUnit);
+    const qlonglong oneDay = oneDayUsage / usageUnitsPerSizeUnit;
+    const double days = static_cast<double>(available) / static_cast<double>(oneDay);
     constexpr double limit = 9223372036854775808.0; // 2^63
     return days >= -limit && days < limit ? static_cast<qlonglong>(days) : 0;
 }
