@@ -5,7 +5,9 @@
 
 /// The roles of the item models, numbered from 257, and the names under which QML delegates read them.
 ///
-/// Sizes are in KB, the one-day usage is in bytes, the reserved time in minutes; -1 days or usage mean unknown.
+/// Sizes are in the station's unit (KB from the station of this repository), the usage of a day is in units 1024 times
+/// smaller, the reserved time in minutes. In the storage-usage models -1 days or usage mean unknown; in the
+/// recording-group model these roles and the reserved time are always 0.
 
 /// One row for each volume, or for each storage path of a recording group.
 namespace VolumeRole {
@@ -13,8 +15,8 @@ enum Role {
     Id = Qt::UserRole + 1, ///< "idRole", string: a UUID made for the row, new with every reply
     RootPath, ///< "rootPathRole", string
     Name, ///< "nameRole", string
-    Size, ///< "sizeRole", qlonglong, KB
-    AvailableSize, ///< "availableSizeRole", qlonglong, KB
+    Size, ///< "sizeRole", qlonglong
+    AvailableSize, ///< "availableSizeRole", qlonglong
     IsSystem, ///< "isSystemRole", bool
     IsNas, ///< "isNASRole", bool
 };
@@ -30,7 +32,7 @@ enum Role {
     NasPathList, ///< "nasPathListRole", QStringList
     RecordedDays, ///< "recordedDaysRole", int
     RemainDays, ///< "remainDaysRole", int
-    OneDayUsage, ///< "oneDayUsageRole", qlonglong, bytes
+    OneDayUsage, ///< "oneDayUsageRole", qlonglong
     ReserveTime, ///< "reserveTimeRole", int, minutes
 };
 }

@@ -23,12 +23,17 @@ struct AddNASServerContext;
 
 /// The one object through which QML decides where and how a recording server (a station) stores video.
 ///
-/// Every operation that sends a command returns whether the framework took the command over; what came of it arrives
-/// later as a signal. Queries answer at once. The object owns every model that it hands out: they have it as parent, so
-/// QML never takes them over. A relay path names the station that a request is for; the empty one is the directly
-/// connected station. Everything runs on the thread of the object, the UI thread. Failures are written to the trace log
-/// and never thrown; what memory does not suffice for is refused, or answered with nothing. Before InitialPluginBase()
-/// no command can be sent and the models are null.
+/// Every operation that sends a command returns whether the framework accepted it; the outcome arrives later as a
+/// signal. Queries answer at once. The object owns every model that it hands out and is its parent, so QML never takes
+/// ownership. A relay path names the station that a request is for; the empty one is the directly connected station.
+/// Everything runs on the object's thread, the UI thread. Before InitialPluginBase() no command can be sent and the
+/// models are null.
+///
+/// Failures are written to the trace log. No exception leaves the object: a request or query without memory answers as
+/// if it were refused, a reply leaves out the rows that memory is missing for, and what a slot throws ends there.
+///
+/// Sizes, usage and reserved space are numbers in the station's units, handed on as they come. The station of this
+/// repository sends sizes in KB, the usage of a day in bytes and reserved space in MB.
 class PluginRecordingManagement : public PluginBase
 {
     Q_OBJECT
@@ -83,14 +88,14 @@ public:
                             QString, bool finish, const QString &) override;
     /// Creates the models and registers the QML type; false when a model could not be allocated.
     bool Init(QQmlContext *context) override;
-    /// Forgets the storage-usage models and asks for the NAS servers, the recording groups and the usage anew.
+    /// Releases the storage-usage models and asks for the NAS servers, the recording groups and the usage again.
     void PluginServerConnected() override;
 
     bool recordingGroupRetrieved() const;
 
     // Models. ---------------------------------------------------------------------------------------------------
 
-    /// The volumes of the station asked last (roles: VolumeRole), followed by NAS paths added since. Null before
+    /// The volumes of the station that was asked last (roles: VolumeRole), then the NAS paths added since. Null before
     /// Init().
     Q_INVOKABLE QObject *getVolumeModel();
     /// The recording groups of the directly connected station (roles: RecordingGroupRole). Null before Init().
@@ -101,11 +106,13 @@ public:
     Q_INVOKABLE QObject *getNASServerDirModel();
     /// The folders of the station's directory listed last (roles: DirectoryRole). Null before Init().
     Q_INVOKABLE QObject *getServerDirModel();
-    /// The usage of each recording group of one station (roles: RecordingGroupRole); made when first asked for. A new
-    /// connection forgets it: ask again then. Null when memory ran out.
+    /// The usage of each recording group of one station (roles: RecordingGroupRole); made when it is first asked for. A
+    /// new connection releases it: ask again then. Null when memory ran out.
     Q_INVOKABLE QObject *getStorageUsageModel(const QString &relayPath);
-    /// The storage paths of one recording group with their sizes (roles: VolumeRole, the root path being the recording
-    /// path). Null until an event brought figures; each event makes a new model: ask again after volumeInfoChanged().
+    /// The storage paths of one recording group with their sizes (roles: VolumeRole; the root path is the recording
+    /// path), as the station's last event reported them. Made when it is first asked for, and the same until the next
+    /// event of the station ends it: ask again after volumeInfoChanged(). Null where no event named the group, or
+    /// memory ran out.
     Q_INVOKABLE QObject *getGroupVolumeModel(const QString &relayPath, const QString &groupId);
 
     // Volumes, recording groups. ----------------------------------------------------------------------------------
@@ -113,13 +120,13 @@ public:
     /// Asks the station for its volumes. Answered by getVolumeResponded().
     Q_INVOKABLE bool getVolume(const QString &relayPath = "");
     /// Asks for the recording groups. Returns the id of the request, or an empty string when it could not be sent;
-    /// recordingGroupRetrieved is 0 from here on. Answered by getRecordingGroupResponded() with that id; a refusal
-    /// brings no signal.
+    /// recordingGroupRetrieved is 0 from here on. Answered by getRecordingGroupResponded() with that id; a refusal is
+    /// not signalled.
     Q_INVOKABLE QString getRecordingGroup();
     /// Makes the folder @p path on the directly connected station. Answered by createDirectoryResponded().
     Q_INVOKABLE bool createDirectory(const QString &path);
-    /// Adds a recording group with one path. @p reserveSpace is in MB and must be a multiple of 1024 (negative ones
-    /// pass); name and path must not be empty. Answered by addRecordingGroupResponded().
+    /// Adds a recording group with one path. @p reserveSpace, in the station's unit, must be a multiple of 1024
+    /// (negative ones pass); name and path must not be empty. Answered by addRecordingGroupResponded().
     Q_INVOKABLE bool addRecordingGroup(const QString &groupName, const QString &path, RecPathType recPathType,
                                        qlonglong reserveSpace = 2048);
     /// Removes groups; the list must not be empty. Answered by removeRecordingGroupResp(), once for each part.
@@ -143,8 +150,8 @@ public:
     ///
     /// @param groupInfo "recordingGroupName" (string, not empty), "recordingGroupReservedTimeEnabled" (bool) and
     ///        "recordingGroupReservedTime" (int, minutes, at least 1 when enabled); all three must be there
-    /// @param paths maps with "path" (string), "pathType" (int, RecPathType), "reserveSpace" (qlonglong, MB, a multiple
-    ///        of 1024) and "isRecoveryMode" (bool); at least one
+    /// @param paths maps with "path" (string), "pathType" (int, RecPathType), "reserveSpace" (qlonglong, a multiple of
+    ///        1024) and "isRecoveryMode" (bool); at least one
     /// @param deviceInfos the members, handed on unchecked
     ///
     /// Answered by addRecordingGroupWithCompleteInfoResp().
@@ -156,15 +163,15 @@ public:
     /// The station and its recording groups (a RecordingGroupTreeModel; roles: TreeRole). Null before Init().
     Q_INVOKABLE QObject *getRecordingGroupTreeModel() const;
     /// Refreshes the tree and empties the cache. False only when the station plug-in could not name the station, or
-    /// memory ran out, which keeps the cache; true also when the command could not be sent. Answered by
-    /// retrieveRecordingGroupTreeModelFinish(), or, when the station refuses, by nothing.
+    /// when memory ran out or a slot threw, which keeps the cache; true also when the command could not be sent.
+    /// Answered by retrieveRecordingGroupTreeModelFinish(); a refusal by the station is not signalled.
     Q_INVOKABLE bool retrieveRecordingGroupTreeModel();
     /// Empties the cache.
     Q_INVOKABLE void clearRecordingGroupDataList();
     /// Storage paths of a cached group, as the station sent them; empty when the group is not cached. The getters below
     /// follow the same rule.
     Q_INVOKABLE QVariantList getRecordingGroupPathList(const QString &recordingGroupID, const QString &relayPath);
-    /// Reserved space of each path, MB.
+    /// Reserved space of each path.
     Q_INVOKABLE QVariantList getRecordingGroupReservedSpaceList(const QString &recordingGroupID,
                                                                 const QString &relayPath);
     /// NAS paths.
@@ -176,10 +183,9 @@ public:
     Q_INVOKABLE int getRecordingGroupReservedTime(const QString &recordingGroupID, const QString &relayPath);
     /// Members: maps with "camName" (string), "streamIndex" (int), "enableTimeShift" (bool), "enableSeamless" (bool).
     Q_INVOKABLE QVariantList getRecordingGroupMemberList(const QString &recordingGroupID, const QString &relayPath);
-    /// The volume whose path begins @p path: "size" and "availableSize" (qlonglong, KB), "isNAS" and "isSystem" (bool);
-    /// zeros when there is none, no entry at all when memory ran out. The first volume of the model that matches
-    /// counts, a plain prefix suffices, backslash and slash are the same. @p relayPath is ignored: there is one volume
-    /// model.
+    /// The first volume of the model whose path is a prefix of @p path: "size" and "availableSize" (qlonglong), "isNAS"
+    /// and "isSystem" (bool); zeros when there is none, an empty map when memory ran out. It is a plain text prefix, in
+    /// which a backslash equals a slash. @p relayPath is ignored: there is one volume model.
     Q_INVOKABLE QVariantMap getVolumeInfo(const QString &path, const QString &relayPath);
     /// The stream index under which another group records the camera with time shift or seamless recording; -1 when
     /// none does. @p cameraId is compared with the member's name alone, without a relay path.
@@ -199,8 +205,8 @@ public:
 
     /// Asks for the NAS servers. Answered by getNASServersResponded().
     Q_INVOKABLE bool getNASServers(const QString &relayPath = "");
-    /// Adds a NAS server; the host must not be empty. Answered by addNASServerResponded(), unless a newer add or
-    /// ignoreAddNASServerResponse() came in between.
+    /// Adds a NAS server; the host must not be empty. Answered by addNASServerResponded(), unless the framework
+    /// accepted a newer add before the reply came, or ignoreAddNASServerResponse() was called.
     Q_INVOKABLE bool addNASServer(const QString &host, const QString &logonDomain = QStringLiteral("Host"),
                                   const QString &userName = QStringLiteral("Guest"), const QString &password = "",
                                   const QString &relayPath = "");
@@ -209,7 +215,7 @@ public:
                                      const QString &password, const QString &relayPath = "");
     /// Removes a NAS server. Answered by removeNASServerResponsed().
     Q_INVOKABLE bool removeNASServer(const QString &id, const QString &relayPath = "");
-    /// Abandons the adds that are under way: their replies change nothing and bring no signal.
+    /// Abandons the adds that are not answered yet: their replies change nothing and are not signalled.
     Q_INVOKABLE void ignoreAddNASServerResponse();
     /// Lists the folders under a NAS path, which must not be empty. Answered by getNASServerDirResponded().
     Q_INVOKABLE bool getNASServerDir(const QString &basePath, const QString &logonDomain = QStringLiteral("Host"),
@@ -227,11 +233,12 @@ public:
 
     // Storage usage. ----------------------------------------------------------------------------------------------
 
-    /// Asks the station for fresh usage figures, which come as an event: volumeInfoChanged() tells.
+    /// Asks the station for its usage figures, which arrive as an event: see volumeInfoChanged().
     Q_INVOKABLE bool reloadStorageUsageInfo(const QString &relayPath = "");
     /// Every group of the directly connected station: maps with "recordingGroup" (id), "groupName", "recordedDays" and
     /// "remainingDays" (int, -1 unknown) and "volumeList", a list of maps with "recordingPath", "totalSpace" and
-    /// "remainingSpace" (texts such as 1.50 GB) and "isNAS". One empty map before any usage model of it was made.
+    /// "remainingSpace" (texts such as 1.50 GB, from sizes taken as KB) and "isNAS". While the station has no usage
+    /// model, a list of one empty map.
     Q_INVOKABLE QVariantList getRecordingGroupInfoList();
 
 signals:
@@ -244,7 +251,7 @@ signals:
     void addRecordingGroupResponded(bool success);
     /// The volume model holds the reply; on failure it is empty.
     void getVolumeResponded(bool success);
-    /// A station's volumes changed: its usage model is refilled and its group volume models are new ones.
+    /// A station's volumes changed: its usage model is filled again, and its group volume models have ended.
     void volumeInfoChanged();
     /// @p finish: the last part of the answer.
     void removePathFromRecordingGroupResp(bool success, bool finish);
@@ -259,7 +266,7 @@ signals:
     void getServerDirResponded(const QString &path);
     /// The station reported storage that belongs to no recording group.
     void unsupportedStorages(const QString &stationID);
-    /// On failure the NAS server model is as it was.
+    /// A refusal leaves the NAS server model as it was; without memory it holds a part of the reply.
     void getNASServersResponded(bool success);
     /// @p srvId is the new server's id, empty on failure.
     void addNASServerResponded(NASServerErrorCode result, const QString &srvId);
@@ -267,7 +274,7 @@ signals:
     void removeNASServerResponsed(bool success);
     /// The NAS directory model holds the folders under @p path; on failure it is as it was and the path empty.
     void getNASServerDirResponded(NASServerErrorCode result, const QString &path);
-    /// Sizes in the unit of the station's reply; 0 on failure.
+    /// Sizes in the station's unit; 0 on failure.
     void getNASServerCapacityResponded(NASServerErrorCode result, qlonglong total, qlonglong used);
     void recordingGroupRetrievedChanged();
 

@@ -10,7 +10,7 @@ struct RecordingGroupData
     QString recordingGroupID;
     QString relayPath; ///< the station that reported the group
     QVariantList recordingGroupPathList;
-    QVariantList reserveSpace; ///< MB, one value for each path
+    QVariantList reserveSpace; ///< in the station's unit, one value for each path
     QVariantList recordingGroupNASPathList;
     QVariantList recordingGroupNodeIdList;
     QVariantList recordingGroupRecoveryPathList;
