@@ -37,20 +37,44 @@ QModelIndex findRow(const QStandardItemModel *model, const QString &id)
     return model->match(model->index(0, 0), NasServerRole::Id, id, 1, Qt::MatchExactly).value(0);
 }
 
-// The first item below @p parent, depth first, that is no recording group and has this relay path.
+bool isStation(const QStandardItem &item)
+{
+    return item.data(TreeRole::Type).toString() != NodeType::RecordingGroup;
+}
+
+// The first station below @p parent, depth first, that has this relay path.
 QStandardItem *findStation(QStandardItem *parent, const QVariant &relayPath)
 {
     for (int row = 0; row < parent->rowCount(); ++row) {
         QStandardItem *const item = parent->child(row);
         if (!item)
             continue;
-        if (item->data(TreeRole::RelayPath) == relayPath
-            && item->data(TreeRole::Type).toString() != NodeType::RecordingGroup)
+        if (item->data(TreeRole::RelayPath) == relayPath && isStation(*item))
             return item;
         if (QStandardItem *const below = findStation(item, relayPath))
             return below;
     }
     return nullptr;
+}
+
+// The groups of a reply that belong to one station.
+struct Branch
+{
+    QVariant relayPath;
+    RowBatch groups;
+};
+
+// A branch for each station below @p parent, depth first.
+void collectBranches(const QStandardItem *parent, std::vector<Branch> &branches)
+{
+    for (int row = 0; row < parent->rowCount(); ++row) {
+        const QStandardItem *const item = parent->child(row);
+        if (!item)
+            continue;
+        if (isStation(*item))
+            branches.push_back({item->data(TreeRole::RelayPath), RowBatch()});
+        collectBranches(item, branches);
+    }
 }
 
 // Empties @p model before it is filled; false when its rows could not be removed. What a slot throws ends here.
@@ -140,27 +164,27 @@ void PluginRecordingManagement::handleGetRecordingGroup(const QVariant &data, co
         return; // the context stays allocated: docs/decisions/0002-kept-contexts.md
     }
     const auto requestId = takeContext<RequestIdContext>(context);
-    const bool filled = cleared(function, m_recordingGroupModel) && noThrow(function, [&] {
-                            enum Field { Id, Name, Paths, NodeIds, NasPaths };
-                            RecordReader group({&FieldKey::recordingGroupID, &FieldKey::recordingGroupName,
-                                                &FieldKey::recordingGroupPathList, &FieldKey::recordingGroupNodeIdList,
-                                                &FieldKey::recordingGroupNASPathList});
-                            RowMaker maker = recordingGroupRows();
-                            RowBatch rows;
-                            int lost = 0;
-                            const QVariantList groups = data.toList();
-                            for (const QVariant &element : groups) {
-                                const bool made = rows.add([&] {
-                                    group.read(element);
-                                    return maker.row(asText(group[Id]), asText(group[Name]), asTextList(group[Paths]),
-                                                     asTextList(group[NodeIds]), asTextList(group[NasPaths]));
-                                });
-                                lost += made ? 0 : 1;
-                            }
-                            for (lost += append(function, rows, m_recordingGroupModel); lost > 0; --lost)
-                                TRACE_ERROR("%s, new RecordingGroupItem failed", function);
-                        });
-    if (!filled)
+    const auto fill = [&] {
+        enum Field { Id, Name, Paths, NodeIds, NasPaths };
+        RecordReader group({&FieldKey::recordingGroupID, &FieldKey::recordingGroupName,
+                            &FieldKey::recordingGroupPathList, &FieldKey::recordingGroupNodeIdList,
+                            &FieldKey::recordingGroupNASPathList});
+        RowMaker maker = recordingGroupRows();
+        RowBatch rows;
+        int lost = 0;
+        const QVariantList groups = data.toList();
+        for (const QVariant &element : groups) {
+            const bool made = rows.add([&] {
+                group.read(element);
+                return maker.row(asText(group[Id]), asText(group[Name]), asTextList(group[Paths]),
+                                 asTextList(group[NodeIds]), asTextList(group[NasPaths]));
+            });
+            lost += made ? 0 : 1;
+        }
+        for (lost += append(function, rows, m_recordingGroupModel); lost > 0; --lost)
+            TRACE_ERROR("%s, new RecordingGroupItem failed", function);
+    };
+    if (!cleared(function, m_recordingGroupModel) || !noThrow(function, fill))
         return; // as after a refusal: the model does not hold the reply
     noThrow(function, [this] { setRecordingGroupRetrieved(true); });
     emit getRecordingGroupResponded(requestId ? *requestId : QString());
@@ -172,7 +196,7 @@ void PluginRecordingManagement::saveRecordingGroupData(const QVariant &data)
     m_groupIndex.reset();
     const QVariantList groups = data.toList();
     for (const QVariant &element : groups) {
-        const bool saved = noThrow(function, [&] {
+        const bool saved = noThrow(function, false, [&] {
             const QVariantMap group = element.toMap();
             m_recordingGroups.push_back({
                 group.value(FieldKey::recordingGroupID).toString(),
@@ -185,6 +209,7 @@ void PluginRecordingManagement::saveRecordingGroupData(const QVariant &data)
                 group.value(FieldKey::recordingGroupReservedTime).toInt(),
                 group.value(FieldKey::recordingGroupMemberList).toList(),
             });
+            return true;
         });
         if (!saved)
             TRACE_ERROR("%s, new RecordingGroupData failed", function); // the next group may need less memory
@@ -248,45 +273,37 @@ void PluginRecordingManagement::handleRetrieveRecordingGroupTreeModel(const QVar
 void PluginRecordingManagement::appendRecordingGroupToTreeModel(const QVariant &data)
 {
     constexpr auto function = "PluginRecordingManagement::appendRecordingGroupToTreeModel";
-    struct Branch
-    {
-        explicit Branch(QVariant path)
-            : relayPath(std::move(path))
-        {
-        }
-
-        QVariant relayPath;
-        RowBatch groups;
-    };
-    std::vector<Branch> branches;
-    const auto station = [this](const QVariant &relayPath) {
-        return m_treeModel ? findStation(m_treeModel->invisibleRootItem(), relayPath) : nullptr;
-    };
-    const auto branch = [&](const QVariant &relayPath) -> Branch & {
-        const auto known = std::find_if(branches.begin(), branches.end(), [&relayPath](const Branch &candidate) {
-            return candidate.relayPath == relayPath;
-        });
-        return known == branches.end() ? branches.emplace_back(relayPath) : *known;
-    };
-
     enum Field { Name, RelayPath, Id };
     RecordReader group({&FieldKey::recordingGroupName, &FieldKey::relayPath, &FieldKey::recordingGroupID});
     RowMaker maker = treeGroupRows();
+    std::vector<Branch> branches;
+    const bool isReady = noThrow(function, false, [&] {
+        if (m_treeModel)
+            collectBranches(m_treeModel->invisibleRootItem(), branches);
+        return true;
+    });
     int lost = 0;
     const QVariantList groups = data.toList();
     for (const QVariant &element : groups) {
-        const bool made = noThrow(function, false, [&] {
-            group.read(element);
-            return branch(group[RelayPath]).groups.add([&] {
-                return maker.row(m_rowIds.next(), group[Name], group[RelayPath], group[Id]);
-            });
-        });
+        const bool made = isReady && noThrow(function, false, [&] {
+                              group.read(element);
+                              RowBatch unlisted; // groups of a station that is not in the tree
+                              const auto branch =
+                                  std::find_if(branches.begin(), branches.end(), [&](const Branch &candidate) {
+                                      return candidate.relayPath == group[RelayPath];
+                                  });
+                              return (branch == branches.end() ? unlisted : branch->groups).add([&] {
+                                  return maker.row(m_rowIds.next(), group[Name], group[RelayPath], group[Id]);
+                              });
+                          });
         lost += made ? 0 : 1;
     }
-    for (Branch &rows : branches) {
-        const auto parent = [&] { return station(rows.relayPath); };
-        if (parent()) // groups of a station that is not in the tree are shown nowhere
-            lost += append(function, rows.groups, parent);
+    for (Branch &branch : branches) {
+        const auto station = [&] {
+            return m_treeModel ? findStation(m_treeModel->invisibleRootItem(), branch.relayPath) : nullptr;
+        };
+        if (station()) // a slot may have removed it since
+            lost += append(function, branch.groups, station);
     }
     for (; lost > 0; --lost)
         TRACE_ERROR("%s, new RecordingGroupTreeModelItem failed", function);
