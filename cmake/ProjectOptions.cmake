@@ -13,7 +13,7 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 add_library(recording-options INTERFACE)
 target_compile_features(recording-options INTERFACE cxx_std_20)
 target_compile_options(recording-options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
-target_compile_definitions(recording-options INTERFACE QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+target_compile_definitions(recording-options INTERFACE QT_DISABLE_DEPRECATED_BEFORE=0x060800)
 
 if(RECORDING_SANITIZE)
     # vptr: a client and the plug-in each have their own declaration of the interface between them, as is meant.

@@ -40,7 +40,7 @@ struct PluginRecordingManagement::ListModel
     QStandardItemModel *PluginRecordingManagement::*member;
     const QHash<int, QByteArray> &(*roleNames)();
     const char *failure;
-    int line; // under which the trace library's filters know the failure
+    int line; // fixed, for filters of the trace library
 };
 
 const PluginRecordingManagement::ListModel PluginRecordingManagement::listModels[] = {
@@ -154,7 +154,7 @@ bool PluginRecordingManagement::Init(QQmlContext *)
 
 void PluginRecordingManagement::PluginServerConnected()
 {
-    std::exchange(m_storageUsageModels, {}); // emptied first: a model's end may bring QML back in here
+    std::exchange(m_storageUsageModels, {}); // QML may call again from a model's end, and finds the map empty
     getNASServers(QString());
     getRecordingGroup();
     reloadStorageUsageInfo(QString());

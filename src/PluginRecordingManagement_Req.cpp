@@ -23,7 +23,7 @@
 
 namespace {
 
-constexpr int sendFailedLine = 55; // under which the trace library's filters know a failed send
+constexpr int sendFailedLine = 55; // fixed, for filters of the trace library
 
 // A copy of @p value that crosses the framework as a context; throws std::bad_alloc.
 template<typename Context>
@@ -44,7 +44,7 @@ QVariantMap nasPathRequest(const QString &basePath, const QString &logonDomain, 
     };
 }
 
-// What the station plug-in says of its station; empty when the object or its method is missing.
+// The station plug-in's description of its station; empty when the object or its method is missing.
 QVariantMap stationTree(QObject *stationPlugin)
 {
     if (!stationPlugin)
@@ -64,7 +64,7 @@ qsizetype nextName(const QString &cameraId, qsizetype name)
     return slash < 0 ? -1 : slash + 1;
 }
 
-// Whether what precedes @p name in @p cameraId is @p relayPath and the slash between them.
+// Whether @p cameraId has @p relayPath and a slash before the name that begins at @p name.
 bool isRelayPath(const QString &relayPath, const QString &cameraId, qsizetype name)
 {
     return relayPath.isEmpty() ? name == 0 : relayPath.size() + 1 == name && cameraId.startsWith(relayPath);

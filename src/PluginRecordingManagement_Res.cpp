@@ -329,7 +329,7 @@ std::shared_ptr<VolumeReport> PluginRecordingManagement::calculateGroupUsage(con
 void PluginRecordingManagement::updateRecordingGroupVolumeModel(const QString &source,
                                                                 const std::shared_ptr<VolumeReport> &report)
 {
-    // The old models end while the map holds none: QML may come back in here. The new ones have their places by then.
+    // The map no longer holds the old models when they are destroyed: QML may call again from there.
     std::exchange(m_volumeReports[source], nullptr);
     std::exchange(m_volumeReports[source], report);
 }
@@ -337,7 +337,7 @@ void PluginRecordingManagement::updateRecordingGroupVolumeModel(const QString &s
 void PluginRecordingManagement::updateRecordingGroupUsageModel(const QString &source, const VolumeReport &report)
 {
     constexpr auto function = "PluginRecordingManagement::updateRecordingGroupUsageModel";
-    // Held here: a slot of unsupportedStorages() may come back and drop the plug-in's own reference.
+    // Held here: a slot of unsupportedStorages() may call again and release the plug-in's own reference.
     const QSharedPointer<QStandardItemModel> model = storageUsageModel(source);
     if (!cleared(function, model.data()))
         return;

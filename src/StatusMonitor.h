@@ -6,7 +6,7 @@
 #include <QPointer>
 #include <QString>
 
-/// The client's status monitor, as far as it is there: a missing object or method is passed over in silence.
+/// The client's status monitor. A call does nothing where the object or the method is missing.
 class StatusMonitor
 {
 public:
@@ -14,7 +14,7 @@ public:
     class Method
     {
     public:
-        /// Calls it with as many strings as it was looked up for. It may come back into the plug-in.
+        /// Calls it with as many strings as it was looked up for. The monitor may call the plug-in again from there.
         template<typename... Strings>
         void call(const Strings &...arguments) const
         {
@@ -25,14 +25,14 @@ public:
     private:
         friend class StatusMonitor;
 
-        QPointer<QObject> m_monitor; // may go away in the middle of a call
+        QPointer<QObject> m_monitor; // may be destroyed during a call
         QMetaMethod m_method;
     };
 
-    /// Under which the client's framework knows it.
+    /// Its identifier in the client's framework.
     static QString pluginId() { return QStringLiteral("{CA5B02D6-F3E0-4FD7-A55C-17F425D5B415}"); }
 
-    /// @param monitor not owned; may be null, and may go away in the middle of a call
+    /// @param monitor not owned; may be null, and may be destroyed during a call
     explicit StatusMonitor(QObject *monitor)
         : m_monitor(monitor)
     {

@@ -15,7 +15,7 @@ enum class Severity : std::uint32_t {
 /// Asks the library whether a line of @p severity from this place of the source is to be written.
 bool shouldLog(Severity severity, const char *sourceFile, int line);
 
-/// Hands a printf format and its arguments to the library. Call it only after shouldLog() said yes.
+/// Passes a printf format and its arguments to the library. Call it only after shouldLog() returned true.
 #if defined(__GNUC__)
 __attribute__((format(printf, 1, 2)))
 #endif

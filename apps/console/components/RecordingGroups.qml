@@ -75,11 +75,13 @@ QtObject {
     function volumeOf(path: string, onNas: bool): var {
         const key = onNas ? NasPath.key(path) : path;
         let holder = null;
+        let longest = -1;
         for (const volume of volumes.filter(candidate => candidate.isNas === onNas)) {
             const place = onNas ? NasPath.key(volume.path) : volume.path;
-            if ((key === place || key.startsWith(place.endsWith("/") ? place : place + "/"))
-                && (holder === null || place.length > holder.path.length))
+            if ((key === place || key.startsWith(place.endsWith("/") ? place : place + "/")) && place.length > longest) {
                 holder = volume;
+                longest = place.length;
+            }
         }
         return holder;
     }
