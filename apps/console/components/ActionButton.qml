@@ -1,6 +1,5 @@
 import QtQuick
 import QtQuick.Controls.Basic
-import QtQuick.Layouts
 import RecordingConsole
 
 /// A button with a drawing, a text, or both. Without a text the accessible name and the tool tip say what it does.
@@ -27,25 +26,37 @@ Button {
     Keys.onReturnPressed: button.clicked()
     Keys.onEnterPressed: button.clicked()
 
-    contentItem: RowLayout {
-        spacing: Theme.small
+    // No layout: it would tell its width too late to the one that the button stands in.
+    contentItem: Item {
+        readonly property real textX: icon.visible ? icon.width + (label.visible ? Theme.small : 0) : 0
+
+        implicitWidth: textX + (label.visible ? Math.ceil(label.implicitWidth) : 0)
+        implicitHeight: Math.max(icon.height, label.implicitHeight)
 
         Icon {
+            id: icon
+
             visible: button.iconName !== ""
+            x: label.visible ? 0 : (parent.width - width) / 2
+            anchors.verticalCenter: parent.verticalCenter
             name: button.iconName
             color: button.foreground
             size: Theme.iconSize
-            Layout.alignment: Qt.AlignCenter
         }
         Text {
+            id: label
+
             visible: button.text !== ""
+            x: parent.textX
+            width: Math.max(0, parent.width - x)
+            height: parent.height
             text: button.text
             font: button.font
             color: button.foreground
             textFormat: Text.PlainText
             horizontalAlignment: Text.AlignHCenter
+            verticalAlignment: Text.AlignVCenter
             elide: Text.ElideRight
-            Layout.fillWidth: true
         }
     }
 
