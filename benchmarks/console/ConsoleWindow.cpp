@@ -1,22 +1,35 @@
 #include "ConsoleWindow.h"
 
-#include "ConsoleClient.h"
 #include "ConsoleTypes.h"
 #include "Measuring.h"
-#include "Memory.h"
+#include "Program.h"
 
+#include <QBasicTimer>
 #include <QEventLoop>
 #include <QQmlComponent>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QTimer>
 
+#include <algorithm>
 #include <chrono>
+#include <cmath>
 
 namespace {
 
 constexpr std::chrono::minutes patience{1};
-constexpr int framesToRest = 8; // delegates are made a frame late, and the drawings in them one more
+constexpr double framesASecond = 60;
+constexpr double longTurn = 1e-3; // seconds
+
+constexpr auto animation = R"(import QtQuick
+Rectangle {
+    id: dot
+    property bool moving: false
+    width: 8
+    height: 8
+    color: "gray"
+    NumberAnimation on x { to: 100; duration: 1000; loops: Animation.Infinite; running: dot.moving }
+})";
 
 QQuickItem *findBelow(QQuickItem *item, const QString &objectName)
 {
@@ -30,50 +43,93 @@ QQuickItem *findBelow(QQuickItem *item, const QString &objectName)
     return nullptr;
 }
 
+/// Watches a window in which an animation runs, and the event loop of its thread, which is this object's, too, from the
+/// construction to stop(). The loop does not sleep meanwhile: a timer without interval beats in each of its turns.
+class LoopWatch : public QObject
+{
+public:
+    explicit LoopWatch(const QQuickWindow &window)
+    {
+        connect(&window, &QQuickWindow::frameSwapped, this, &LoopWatch::noteFrame);
+        m_heart.start(0, this);
+    }
+    Smoothness stop()
+    {
+        beat();
+        m_heart.stop();
+        return m_seen;
+    }
+
+protected:
+    void timerEvent(QTimerEvent *) override { beat(); }
+
+private:
+    void beat()
+    {
+        const double now = wallSeconds();
+        const double nowCpu = threadSeconds();
+        const double turnCpu = nowCpu - m_lastTurnCpu;
+        m_seen.longestTurn = std::max(m_seen.longestTurn, now - m_lastTurn);
+        m_seen.longestTurnCpu = std::max(m_seen.longestTurnCpu, turnCpu);
+        if (turnCpu > longTurn)
+            m_seen.busyCpu += turnCpu;
+        m_lastTurn = now;
+        m_lastTurnCpu = nowCpu;
+    }
+    void noteFrame()
+    {
+        const double now = wallSeconds();
+        m_seen.droppedFrames += std::max(0, static_cast<int>(std::lround((now - m_lastFrame) * framesASecond)) - 1);
+        m_lastFrame = now;
+    }
+
+    QBasicTimer m_heart;
+    Smoothness m_seen;
+    double m_lastTurn = wallSeconds();
+    double m_lastTurnCpu = threadSeconds();
+    double m_lastFrame = m_lastTurn;
+};
+
 } // namespace
+
+ConsoleClient::ConsoleClient(std::unique_ptr<PluginRecordingManagement> made)
+    : plugin(std::move(made))
+{
+    plugin->InitialPluginBase(nullptr, nullptr, &framework);
+    session.setConnected(true);
+    session.setAlarms(&statusMonitor);
+}
 
 ConsoleWindow::ConsoleWindow(ConsoleClient &client, const QString &page)
 {
     prepareConsoleEngine(m_engine);
     m_engine.setInitialProperties({
-        {"recording", QVariant::fromValue(&client.plugin())},
-        {"session", QVariant::fromValue(&client.session())},
+        {"recording", QVariant::fromValue(client.plugin.get())},
+        {"session", QVariant::fromValue(&client.session)},
         {"startPage", page},
         {"width", 1280},
         {"height", 800},
     });
     m_engine.load(QUrl(QStringLiteral("qrc:/qt/qml/RecordingConsole/Main.qml")));
     m_window = qobject_cast<QQuickWindow *>(m_engine.rootObjects().value(0));
-    if (!m_window)
-        qFatal("The console's window could not be loaded");
+    require(m_window != nullptr, "the console's window could not be loaded");
     QQmlComponent component(&m_engine);
-    component.setData(R"(import QtQuick
-Rectangle {
-    id: dot
-    property bool moving: false
-    width: 8
-    height: 8
-    color: "gray"
-    NumberAnimation on x { to: 100; duration: 1000; loops: Animation.Infinite; running: dot.moving }
-})",
-                      {});
+    component.setData(animation, {});
     m_animation.reset(qobject_cast<QQuickItem *>(component.create()));
-    if (!m_animation)
-        qFatal("%s", qPrintable(component.errorString()));
+    require(m_animation != nullptr, component.errorString().toStdString());
     m_animation->setParentItem(m_window->contentItem());
 }
 
 ConsoleWindow::~ConsoleWindow() = default;
 
-double ConsoleWindow::heapInUse()
-{
-    m_engine.collectGarbage();
-    return ::heapInUse();
-}
-
 void ConsoleWindow::animate(bool moving)
 {
     m_animation->setProperty("moving", moving);
+}
+
+void ConsoleWindow::rest()
+{
+    runUntil([count = framesToRest]() mutable { return --count <= 0; });
 }
 
 void ConsoleWindow::refresh()
@@ -81,55 +137,33 @@ void ConsoleWindow::refresh()
     QMetaObject::invokeMethod(m_window->property("currentPage").value<QObject *>(), "refresh");
 }
 
-void ConsoleWindow::letFramesPass(int count)
+double ConsoleWindow::heapInUse()
 {
-    runUntil([&count] { return --count <= 0; });
+    m_engine.collectGarbage();
+    return ::heapInUse();
 }
 
-std::optional<Arrival> ConsoleWindow::watch(const std::function<void()> &deliver, const std::vector<Fact> &facts)
+Smoothness ConsoleWindow::watch(const std::function<void()> &deliver, const std::vector<Fact> &facts, int frames)
 {
-    Arrival arrival;
-    int framesToCome = framesToRest;
-    const double residentBefore = Memory::beginPeak();
     LoopWatch watch(*m_window);
-    watch.start();
-    const double start = LoopWatch::wallSeconds();
     QTimer::singleShot(0, m_window, deliver);
-    const bool shown = runUntil([&] {
-        if (arrival.shownAfter <= 0 && missing(facts).isEmpty())
-            arrival.shownAfter = LoopWatch::wallSeconds() - start;
-        return arrival.shownAfter > 0 && --framesToCome <= 0;
+    const bool isShown = runUntil([this, &facts, isShown = false, frames]() mutable {
+        isShown = isShown || missing(facts).isEmpty();
+        return isShown && --frames <= 0;
     });
-    if (!shown)
-        return std::nullopt;
-    arrival.smoothness = watch.stop();
-    arrival.peakGrowth = Memory::peak() - residentBefore;
-    return arrival;
-}
-
-Smoothness ConsoleWindow::watchIdle(int milliseconds)
-{
-    LoopWatch watch(*m_window);
-    watch.start();
-    QEventLoop loop;
-    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
-    loop.exec();
+    require(isShown, "not shown: " + missing(facts).toStdString());
     return watch.stop();
 }
 
+// Which of @p facts is not shown; empty when all are.
 QString ConsoleWindow::missing(const std::vector<Fact> &facts) const
 {
     for (const auto &[name, property, value] : facts) {
-        const QQuickItem *const item = find(name);
+        const QQuickItem *const item = findBelow(m_window->contentItem(), name);
         if (!item || item->property(property) != value)
             return name;
     }
     return {};
-}
-
-QQuickItem *ConsoleWindow::find(const QString &objectName) const
-{
-    return findBelow(m_window->contentItem(), objectName);
 }
 
 // Asks @p done after each frame; false when it did not come true in time.

@@ -1,34 +1,36 @@
 #pragma once
 
-#include "LoopWatch.h"
+#include "Client.h"
+#include "ConsoleSession.h"
+#include "Scenario.h"
+#include "companions/StatusMonitorPlugin.h"
 
 #include <QQmlApplicationEngine>
-#include <QString>
-#include <QVariant>
 
 #include <functional>
 #include <memory>
-#include <optional>
-#include <vector>
 
-class ConsoleClient;
 class QQuickItem;
 class QQuickWindow;
 
-/// What an item of the page has to say, by the item's object name.
-struct Fact
+/// What a window and its thread's event loop went through in a span of time; times in seconds.
+struct Smoothness
 {
-    QString item;
-    const char *property;
-    QVariant value;
+    double longestTurn = 0; ///< the longest time in which the event loop did not come round
+    double longestTurnCpu = 0; ///< likewise, in CPU time of the thread
+    double busyCpu = 0; ///< CPU time of the turns that took longer than a millisecond
+    int droppedFrames = 0; ///< that an animation of 60 frames a second needed and the window did not swap
 };
 
-/// What one message did to a window; times in seconds, memory in bytes.
-struct Arrival
+/// A plug-in with what the console's pages ask for beside it.
+struct ConsoleClient
 {
-    Smoothness smoothness; ///< until some frames after the one that shows the rows
-    double shownAfter = 0; ///< from the delivery to the first frame that shows the rows
-    double peakGrowth = 0; ///< how much memory it took meanwhile
+    explicit ConsoleClient(std::unique_ptr<PluginRecordingManagement> made);
+
+    StatusMonitorPlugin statusMonitor;
+    ConsoleSession session;
+    QuietFramework framework{statusMonitor};
+    std::unique_ptr<PluginRecordingManagement> plugin; // goes first
 };
 
 /// The console's own window with one of its pages, on a client whose station the benchmark plays. In a corner runs an
@@ -42,26 +44,21 @@ public:
 
     /// Lets the animation run, or stand still while another window is watched.
     void animate(bool moving);
-    /// Waits for frames; the animation has to run.
-    void letFramesPass(int count);
-
+    /// Waits until the delegates are made that the page needs; the animation has to run.
+    void rest();
+    /// What F5 does.
+    void refresh();
     /// What this process has allocated in bytes, without what JavaScript does not need any more.
     double heapInUse();
 
-    /// What F5 does.
-    void refresh();
-
-    /// Delivers a message in a turn of the event loop of its own and watches until every one of @p facts is shown;
-    /// nothing when that does not come about in time.
-    std::optional<Arrival> watch(const std::function<void()> &deliver, const std::vector<Fact> &facts);
-    /// Which of @p facts is not shown; empty when all are.
-    QString missing(const std::vector<Fact> &facts) const;
-
-    /// The window while nothing arrives.
-    Smoothness watchIdle(int milliseconds);
+    /// Delivers a message in a turn of the event loop of its own and watches until @p frames after the first one in
+    /// which every one of @p facts is shown. Throws when that does not come about in time.
+    Smoothness watch(const std::function<void()> &deliver, const std::vector<Fact> &facts, int frames = framesToRest);
 
 private:
-    QQuickItem *find(const QString &objectName) const;
+    static constexpr int framesToRest = 8; // delegates are made a frame late, and the drawings in them one more
+
+    QString missing(const std::vector<Fact> &facts) const;
     bool runUntil(const std::function<bool()> &done);
 
     QQmlApplicationEngine m_engine;

@@ -1,10 +1,17 @@
 #pragma once
 
-#include "ConsoleClient.h"
-#include "ConsoleWindow.h"
+#include <QVariant>
 
 #include <string>
 #include <vector>
+
+/// What an item of the page has to say, by the item's object name.
+struct Fact
+{
+    QString item;
+    const char *property;
+    QVariant value;
+};
 
 /// A page of the console and the message that fills it.
 struct Scenario
@@ -19,17 +26,14 @@ struct Scenario
     std::string name;
     QString page; ///< its key in Main.qml
     std::vector<Size> sizes;
-    /// The message; @p turn changes what every record says, so that no message repeats the one before.
-    Message (*message)(int records, int turn);
+    QString message; ///< "VolumeChanged", or the command that is answered
+    /// What it says; @p turn changes every record, so that no message repeats the one before.
+    QVariantList (*data)(int records, int turn);
     /// What stands in the window when it has arrived.
     std::vector<Fact> (*facts)(int records, int turn);
     /// What the page asks the plug-in for when it is refreshed, done by hand where there is no page; may be null.
-    void (*request)(PluginRecordingManagement &plugin) = nullptr;
-    /// What has come from the station before the message.
-    std::vector<Message> before = {};
+    const char *request = nullptr;
+    int volumes = 0; ///< in the reply about the station's volumes that comes before the message; 0: none comes
 };
 
 std::vector<Scenario> scenarios();
-
-/// Empty when both plug-ins' models hold the same rows, else what differs.
-std::string difference(PluginRecordingManagement &left, PluginRecordingManagement &right);

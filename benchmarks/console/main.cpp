@@ -1,29 +1,172 @@
-#include "Rounds.h"
-
+#include "ConsoleWindow.h"
+#include "ItemRoles.h"
 #include "Measuring.h"
+#include "PlainPlugin.h"
+#include "Program.h"
+#include "Replies.h"
+#include "Rounds.h"
+#include "Rows.h"
 
 #include <QGuiApplication>
 #include <QQuickStyle>
 #include <QQuickWindow>
 
-#include <benchmark/benchmark.h>
+#include <algorithm>
+#include <array>
+#include <random>
 
 namespace {
 
-constexpr int smokeRecords = 64;
-constexpr int mostRounds = 9;
+constexpr double secondsForASize = 4;
+constexpr int fewestRounds = 3;
+constexpr double megabyte = 1024 * 1024;
 
-void registerAll(bool smoke)
+/// A plug-in with a window, and one of the same kind that nobody looks at.
+struct Contender
 {
-    registerIdle(smoke ? 200 : 2000);
-    for (const Scenario &scenario : scenarios()) {
-        if (smoke) {
-            registerScenario(scenario, {smokeRecords}, 1);
-            continue;
-        }
-        for (const Scenario::Size &size : scenario.sizes)
-            registerScenario(scenario, size, mostRounds);
+    std::string prefix; ///< of its counters
+    QString page;
+    ConsoleClient client;
+    ConsoleClient alone;
+    ConsoleWindow window{client, page}; // goes first
+};
+
+template<typename Plugin>
+Contender contender(const std::string &prefix, const QString &page)
+{
+    return {prefix, page, ConsoleClient(std::make_unique<Plugin>()), ConsoleClient(std::make_unique<Plugin>())};
+}
+
+/// A message of a scenario and what has to come of it.
+struct Turn
+{
+    const Scenario &scenario;
+    QVariant data;
+    std::vector<Fact> facts;
+
+    /// What comes from the station before the message.
+    void prepare(ConsoleClient &client) const
+    {
+        if (scenario.volumes > 0)
+            deliver(*client.plugin, ServerCommand::getVolume, Replies::volumes(scenario.volumes));
     }
+    void reach(ConsoleClient &client) const { deliver(*client.plugin, scenario.message, data); }
+};
+
+double handlerSeconds(const Turn &turn, ConsoleClient &client)
+{
+    if (turn.scenario.request)
+        QMetaObject::invokeMethod(client.plugin.get(), turn.scenario.request);
+    turn.prepare(client);
+    beginPeak(); // as before the window's message
+    const double start = threadSeconds();
+    turn.reach(client);
+    return threadSeconds() - start;
+}
+
+/// One message for one contender. The first one fills an empty page, so it tells of memory alone unless @p isOnly.
+void play(const Turn &turn, Contender &contender, Samples &samples, bool isFirst, bool isOnly)
+{
+    ConsoleWindow &window = contender.window;
+    window.animate(true);
+    const double heapBefore = window.heapInUse();
+    if (!isFirst) // the page asked by itself when it was made
+        window.refresh();
+    turn.prepare(contender.client);
+    window.rest();
+    const double residentBefore = beginPeak();
+    const Smoothness seen = window.watch([&] { turn.reach(contender.client); }, turn.facts);
+    const double peakGrowth = peak() - residentBefore;
+    window.animate(false);
+    const double heapGrowth = window.heapInUse() - heapBefore;
+    const double handler = handlerSeconds(turn, contender.alone);
+    const auto note = [&](const char *name, double value) { samples[contender.prefix + name].push_back(value); };
+    note(isFirst ? "heap, MB" : "grown, MB", heapGrowth / megabyte);
+    if (isFirst && !isOnly)
+        return;
+    note("stall, ms", seen.longestTurn * 1e3);
+    note("stall, CPU ms", seen.longestTurnCpu * 1e3);
+    note("dropped", seen.droppedFrames);
+    note("handler, CPU ms", handler * 1e3);
+    note("window, CPU ms", (seen.busyCpu - handler) * 1e3);
+    note("peak, MB", peakGrowth / megabyte);
+}
+
+/// A model as QML asks for it; with @p keys those of a station, or of its group.
+template<typename... Keys>
+const QStandardItem *rows(const Contender &contender, const char *getter, const Keys &...keys)
+{
+    QObject *model = nullptr;
+    QMetaObject::invokeMethod(contender.client.plugin.get(), getter, Q_RETURN_ARG(QObject *, model),
+                              Q_ARG(QString, keys)...);
+    require(model != nullptr, std::string(getter) + " gives no model");
+    return rowsOf(model).invisibleRootItem();
+}
+
+/// Throws unless both contenders' models hold the same rows. It asks for the volumes of every group, so that an event
+/// after it finds more models than a page would ask for.
+void requireSameModels(const Contender &left, const Contender &right)
+{
+    const QString station;
+    const auto requireSame = [&](int madeUpRole, const char *getter, const auto &...keys) {
+        requireSameRows(rows(left, getter, keys...), rows(right, getter, keys...), madeUpRole);
+    };
+    requireSame(VolumeRole::Id, "getVolumeModel");
+    requireSame(-1, "getStorageUsageModel", station);
+    if (rows(left, "getRecordingGroupTreeModel")->hasChildren())
+        requireSameRows(rows(left, "getRecordingGroupTreeModel")->child(0),
+                        rows(right, "getRecordingGroupTreeModel")->child(0), TreeRole::Id);
+    const QStandardItem *const usage = rows(left, "getStorageUsageModel", station);
+    for (int row = 0; row < usage->rowCount(); ++row)
+        requireSame(VolumeRole::Id, "getGroupVolumeModel", station,
+                    usage->child(row)->data(RecordingGroupRole::Id).toString());
+}
+
+/// In a round the message reaches a window of the plug-in and one of the plain rules, in random order, and once more a
+/// plug-in of each kind that nobody looks at. Reported are medians over the rounds, each for ours and with "plain "
+/// before it: "stall, ms" and "stall, CPU ms" (the longest turn of the event loop), "dropped" (frames), "handler, CPU
+/// ms" (the message where nobody looks), "window, CPU ms" (all that the shown window takes beyond that), "peak, MB"
+/// (memory that the refill takes meanwhile), "grown, MB" (memory that it keeps beyond the rows of before) and "heap,
+/// MB" (what the first message takes, rows and page). "stall, ours/plain" is the ratio in CPU time within a round.
+void playScenario(benchmark::State &state, const Scenario &scenario, const Scenario::Size &size, int mostRounds)
+{
+    Contender ours = contender<PluginRecordingManagement>("", scenario.page);
+    Contender plain = contender<PlainPlugin>("plain ", scenario.page);
+    std::array<Contender *, 2> order{&ours, &plain};
+    std::mt19937 random(std::random_device{}());
+    Samples samples;
+    const double end = wallSeconds() + secondsForASize;
+    for (int number = 0; number <= mostRounds && (number <= fewestRounds || wallSeconds() < end); ++number) {
+        const Turn turn{scenario, scenario.data(size.records, number), scenario.facts(size.records, number)};
+        const bool isFirst = number == 0;
+        std::shuffle(order.begin(), order.end(), random);
+        for (Contender *const contender : order) {
+            const bool isOnly = contender == &plain && size.plainOnce;
+            if (isFirst || !isOnly)
+                play(turn, *contender, samples, isFirst, isOnly);
+        }
+        if (isFirst && size.plainOnce)
+            requireSameModels(ours, plain);
+    }
+    if (!size.plainOnce)
+        requireSameModels(ours, plain);
+    const std::vector<double> &stalls = samples["stall, CPU ms"];
+    const std::vector<double> &plainStalls = samples["plain stall, CPU ms"];
+    for (std::size_t round = 0; round < stalls.size(); ++round)
+        samples["stall, ours/plain"].push_back(stalls[round] / plainStalls[std::min(round, plainStalls.size() - 1)]);
+    report(state, samples);
+    state.counters["rounds"] = static_cast<double>(stalls.size());
+}
+
+/// The window while nothing arrives: "dropped" and "stall, ms" should be next to nothing.
+void watchIdle(benchmark::State &state, int frames)
+{
+    ConsoleClient client(std::make_unique<PluginRecordingManagement>());
+    ConsoleWindow window(client, "volumes");
+    window.animate(true);
+    const Smoothness seen = window.watch([] {}, {}, frames);
+    state.counters["stall, ms"] = seen.longestTurn * 1e3;
+    state.counters["dropped"] = seen.droppedFrames;
 }
 
 } // namespace
@@ -33,13 +176,15 @@ void registerAll(bool smoke)
 int main(int argc, char **argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    const bool smoke = takeArgument("--smoke", argc, argv);
+    const bool isSmoke = takeOption("--smoke", argc, argv).has_value();
     const QGuiApplication application(argc, argv);
     QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
     QQuickStyle::setStyle(QStringLiteral("Basic"));
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    registerAll(smoke);
-    return benchmark::RunSpecifiedBenchmarks() > 0 ? 0 : 1;
+    add("idle page", [isSmoke](auto &state) { watchIdle(state, isSmoke ? 12 : 120); });
+    for (const Scenario &scenario : scenarios()) {
+        for (const Scenario::Size &size : isSmoke ? std::vector<Scenario::Size>{{64}} : scenario.sizes)
+            add(scenario.name, size.records,
+                [=](auto &state) { playScenario(state, scenario, size, isSmoke ? 1 : 9); });
+    }
+    return runBenchmarks(argc, argv);
 }

@@ -1,24 +1,37 @@
 #pragma once
 
-#include <string>
-#include <vector>
+#include "Program.h"
 
-/// Folders for everything that a run writes. They go with all that is in them when the process ends, however it ends:
-/// another process, which hears of nothing else, waits for that.
+#include <cstdio>
+#include <string>
+
+#include <stdlib.h>
+
+/// New folders for everything that a run writes. They go with all that is in them when the process ends, however it
+/// ends: another process, which hears of nothing else, waits for that.
 class Keeper
 {
 public:
-    /// Makes a new folder in each of @p parents. To be called before there are threads. Throws std::system_error.
-    explicit Keeper(const std::vector<std::string> &parents);
+    Keeper()
+        : m_remover(popen("trap '' INT TERM HUP; exec xargs --null rm -rf --", "we")) // begins when the pipe is closed
+    {
+        require(m_remover != nullptr, "no process can be started");
+    }
     /// Waits until the folders are gone.
-    ~Keeper();
+    ~Keeper() { pclose(m_remover); }
     Keeper(const Keeper &) = delete;
     Keeper &operator=(const Keeper &) = delete;
 
-    const std::string &folder(std::size_t index) const { return m_folders.at(index); }
+    /// Makes a new folder in @p parent. Throws std::runtime_error.
+    std::string newFolder(const std::string &parent)
+    {
+        std::string folder = parent + "/station-benchmark-XXXXXX";
+        require(mkdtemp(folder.data()) != nullptr, "no folder can be made in " + parent);
+        std::fwrite(folder.c_str(), 1, folder.size() + 1, m_remover); // with the null
+        std::fflush(m_remover);
+        return folder;
+    }
 
 private:
-    std::vector<std::string> m_folders;
-    int m_pipe = -1; // closed by the end of this process
-    int m_remover = -1;
+    FILE *m_remover;
 };

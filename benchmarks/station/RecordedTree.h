@@ -17,28 +17,23 @@ struct Layout
     int all() const { return groups * cameras * days * files; }
 };
 
-/// What the folder @p path lacks for the files of @p layout, in words; empty where there is room.
-std::string missingRoom(const std::string &path, const Layout &layout);
-
 /// Folders of recordings, laid out as a station has them, with sparse files. Everything may throw std::runtime_error
 /// with a text for people.
 class RecordedTree
 {
 public:
-    /// Makes the files in the new folder @p path. Says how much room is missing where there is too little.
+    /// Makes the files in the new folder @p path.
     RecordedTree(const Layout &layout, const std::string &path);
 
     const Layout &layout() const { return m_layout; }
-    QString path() const { return QString::fromStdString(m_path); } ///< of all groups
-    Volume volume() const; ///< that the path is on
+    const std::string &path() const { return m_path; } ///< of all groups
+    Volume volume() const; ///< that the path is on, of which nothing is used up
     QList<RecordingGroup> groups() const;
-    static QDate newestDay();
-    static QString groupName(int group);
+    static QDate newestDay() { return {2026, 3, 19}; }
 
     /// Of each group, as the files are now.
     const QList<DaySums> &sums() const { return m_sums; }
-    /// All bytes of the files as they are now.
-    qint64 bytes() const;
+    qint64 bytes() const { return m_bytes; } ///< of all files, as they are now
 
     struct File
     {
@@ -54,12 +49,11 @@ public:
     void remove(int group);
 
 private:
-    void makeCamera(int group, int camera) const;
-    std::string cameraPath(int group, int camera) const;
     std::string filePath(const File &file) const;
     void count(const File &file, qint64 files, qint64 bytes);
 
     Layout m_layout;
     std::string m_path;
     QList<DaySums> m_sums;
+    qint64 m_bytes = 0;
 };

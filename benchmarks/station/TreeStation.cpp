@@ -1,23 +1,21 @@
 #include "TreeStation.h"
 
-#include "FixedVolume.h"
+#include "FakeVolumes.h"
+#include "Program.h"
 #include "StationProtocol.h"
+#include "groups/GroupStore.h"
+#include "store/Database.h"
+#include "usage/RecordingIndex.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QTimer>
+
+#include <algorithm>
 
 namespace {
 constexpr qsizetype averagedDays = 7;
-
-StationSettings settings(const RecordedTree &files, const QString &dataFolder)
-{
-    StationSettings settings;
-    settings.dataFolder = dataFolder;
-    settings.volumes = std::make_unique<FixedVolume>(files.volume());
-    settings.usage.tellInterval = std::chrono::milliseconds(1);
-    settings.usage.settleTime = std::chrono::milliseconds(1);
-    settings.usage.volumeInterval = std::chrono::hours(1);
-    // The newest day with recordings is over, so that what comes to it changes the one-day usage.
-    settings.usage.today = [] { return RecordedTree::newestDay().addDays(1); };
-    return settings;
-}
 
 /// Bytes that a group records in a day, as docs/station-protocol.md has them.
 qint64 oneDayUsage(const DaySums &days)
@@ -31,44 +29,120 @@ qint64 oneDayUsage(const DaySums &days)
 }
 } // namespace
 
-TreeStation::TreeStation(RecordedTree &files, const QString &dataFolder)
-    : m_files(files)
-    , m_station(settings(files, dataFolder))
+void waitFor(const std::function<bool()> &isSo, const std::string &what)
 {
-    QObject::connect(&m_station, &Station::eventRaised, &m_waiting, [this](const StationEvent &event) {
+    const QDeadlineTimer limit(std::chrono::seconds(90));
+    QTimer beat; // the loop comes round although nothing else happens
+    beat.start(std::chrono::seconds(1));
+    while (!isSo()) {
+        require(!limit.hasExpired(), "waited in vain for " + what);
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+}
+
+TreeStation::TreeStation(const Layout &layout, std::string path, const std::string &dataFolder)
+    : m_layout(layout)
+    , m_path(std::move(path))
+    , m_dataFolder(QString::fromStdString(dataFolder))
+{
+}
+
+RecordedTree &TreeStation::files()
+{
+    if (!m_files) {
+        m_files = std::make_unique<RecordedTree>(m_layout, m_path);
+        forgetIndex();
+    }
+    return *m_files;
+}
+
+void TreeStation::forgetIndex()
+{
+    stop();
+    QDir(m_dataFolder).removeRecursively();
+    Database database(m_dataFolder);
+    GroupStore store(database);
+    for (const RecordingGroup &group : files().groups())
+        store.insert(group);
+}
+
+void TreeStation::stop()
+{
+    m_station.reset();
+    m_told.clear();
+    m_isSettled = false;
+}
+
+Station &TreeStation::station()
+{
+    if (m_station)
+        return *m_station;
+    StationSettings settings;
+    settings.dataFolder = m_dataFolder;
+    settings.volumes = std::make_unique<FakeVolumes>(QList{files().volume()});
+    settings.usage.tellInterval = std::chrono::milliseconds(1);
+    settings.usage.settleTime = std::chrono::milliseconds(1);
+    settings.usage.volumeInterval = std::chrono::hours(1);
+    // The newest day with recordings is over, so that what comes to it changes the one-day usage.
+    settings.usage.today = [] { return RecordedTree::newestDay().addDays(1); };
+    m_station = std::make_unique<Station>(std::move(settings));
+    QObject::connect(m_station.get(), &Station::eventRaised, m_station.get(), [this](const StationEvent &event) {
         if (event.name != StationEventName::VolumeChanged)
             return;
         ++m_events;
         m_told = event.data.toList();
-        m_waiting.look();
+        m_isTold = areFiguresTold();
     });
+    return *m_station;
 }
 
-bool TreeStation::areFiguresTold() const
+bool TreeStation::areFiguresTold()
 {
-    if (m_told.size() != m_files.sums().size())
-        return false;
-    for (qsizetype group = 0; group < m_told.size(); ++group) {
-        const QVariantMap entry = m_told.at(group).toMap();
-        const DaySums &days = m_files.sums().at(group);
-        if (entry.value(StationKey::volumeRecordedDays) != days.size()
-            || entry.value(StationKey::volumeOneDayUsage) != oneDayUsage(days))
-            return false;
-    }
-    return true;
+    const QList<DaySums> &sums = files().sums();
+    return std::equal(m_told.cbegin(), m_told.cend(), sums.cbegin(), sums.cend(),
+                      [](const QVariant &told, const DaySums &days) {
+                          const QVariantMap entry = told.toMap();
+                          return entry.value(StationKey::volumeRecordedDays) == days.size()
+                              && entry.value(StationKey::volumeOneDayUsage) == oneDayUsage(days);
+                      });
 }
 
 void TreeStation::waitForFigures()
 {
-    m_waiting.waitFor([this] { return areFiguresTold(); }, "the figures of the files");
+    station();
+    m_isTold = areFiguresTold();
+    waitFor([this] { return m_isTold; }, "the figures of the files");
 }
 
-void TreeStation::requireReading()
+void TreeStation::readAll()
 {
-    if (m_hasRead)
-        return;
     const int before = m_events;
-    m_station.handle({StationCommandName::reloadStorageUsageInfo, {}}, {});
-    m_waiting.waitFor([this, before] { return m_events > before; }, "the event after reading all folders");
-    m_hasRead = true;
+    station().handle({StationCommandName::reloadStorageUsageInfo, {}}, [](const StationReply &) {});
+    waitFor([this, before] { return m_events > before; }, "the event after reading all folders");
+}
+
+void TreeStation::settle()
+{
+    waitForFigures();
+    if (!m_isSettled)
+        readAll();
+    m_isSettled = true;
+}
+
+void TreeStation::checkIndex()
+{
+    Database database(m_dataFolder);
+    const PlaceSums sums = RecordingIndex(database).sums();
+    QList<qint64> places = sums.keys();
+    std::sort(places.begin(), places.end()); // in the order of the groups
+    const bool isSame = std::equal(places.cbegin(), places.cend(), files().sums().cbegin(), files().sums().cend(),
+                                   [&sums](qint64 place, const DaySums &days) {
+                                       const auto isEqual = [](const DaySum &a, const DaySum &b) {
+                                           return a.files == b.files && a.bytes == b.bytes;
+                                       };
+                                       const DaySums &read = sums[place].days;
+                                       return read.keys() == days.keys()
+                                           && std::equal(read.cbegin(), read.cend(), days.cbegin(), isEqual);
+                                   });
+    require(isSame, "the station's sums are not those of the files");
 }

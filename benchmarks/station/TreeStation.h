@@ -2,28 +2,59 @@
 
 #include "RecordedTree.h"
 #include "Station.h"
-#include "Waiting.h"
 
-/// A whole station for a tree with an index, on this thread and one that it starts, in a hurry: it waits for nothing
-/// before it reads or tells. Everything throws std::runtime_error where an event does not come.
+#include <memory>
+
+/// Lets the thread's event loop turn until @p isSo. Throws after a minute and a half, naming @p what.
+void waitFor(const std::function<bool()> &isSo, const std::string &what);
+
+/// A tree of recordings and a whole station for it, on this thread and one that it starts, in a hurry: it waits for
+/// nothing before it reads or tells. It runs from the first call that needs it until stop(). Everything may throw
+/// std::exception.
 class TreeStation
 {
 public:
-    /// @param files must outlive this object
-    TreeStation(RecordedTree &files, const QString &dataFolder);
+    /// The files come into the new folder @p path, when they are first asked for, and the database into the data folder
+    /// @p dataFolder.
+    TreeStation(const Layout &layout, std::string path, const std::string &dataFolder);
 
+    int size() const { return m_layout.all(); } ///< files
+    RecordedTree &files();
+
+    /// Leaves the groups in a database without an index.
+    void forgetIndex();
+    void stop();
     /// Until an event has told the figures that the files come to.
     void waitForFigures();
-    /// Has all folders read to the end, unless that was done before.
-    void requireReading();
+    /// Has all folders read through once more.
+    void readAll();
+    /// The index is as the files are, and the station at rest.
+    void settle();
+    /// Throws where the index is not what the files come to.
+    void checkIndex();
+
+    double readingAgain = 0; ///< what reading an unchanged tree took, microseconds; 0 where it was not measured
 
 private:
-    bool areFiguresTold() const;
+    Station &station();
+    bool areFiguresTold();
 
-    RecordedTree &m_files;
-    Station m_station;
-    Waiting m_waiting;
+    Layout m_layout;
+    std::string m_path;
+    QString m_dataFolder;
+    std::unique_ptr<RecordedTree> m_files;
+    std::unique_ptr<Station> m_station;
     QVariantList m_told; // by the last "VolumeChanged"
+    bool m_isTold = false; // what the files come to
     int m_events = 0;
-    bool m_hasRead = false;
+    bool m_isSettled = false;
 };
+
+using TreeStations = std::vector<std::unique_ptr<TreeStation>>;
+
+/// Registers the benchmarks of each kind. @p trees must outlive their run.
+void addReading(const TreeStations &trees);
+void addChanges(const TreeStations &trees);
+void addEvents(const std::vector<int> &groups);
+/// @param folder for the data of the stations
+void addLink(const std::string &folder, const std::vector<int> &records);

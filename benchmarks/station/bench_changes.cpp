@@ -1,7 +1,6 @@
+#include "Program.h"
 #include "Rounds.h"
 #include "TreeStation.h"
-#include "Trees.h"
-#include "Works.h"
 
 namespace {
 constexpr int rounds = 5;
@@ -27,53 +26,37 @@ const Change changes[] = {
     {"a file comes", &RecordedTree::add, &RecordedTree::remove},
 };
 
-void start(benchmark::State &state, IndexedTree &tree, int size)
+void start(benchmark::State &state, TreeStation &tree)
 {
-    tree.requireIndex();
-    const Variant ours{"ours", [&tree] { tree.station().waitForFigures(); }, [&tree] { tree.close(); }};
-    report(state, "start to figures", size, runRounds({ours}, rounds));
+    tree.settle();
+    measure(state, {{"ours", [&] { tree.waitForFigures(); }, [&] { tree.stop(); }}},
+            {.rounds = rounds, .cpuSeconds = processSeconds});
 }
 
-void oneChange(benchmark::State &state, IndexedTree &tree, int size, const Change &change)
+void changeFiles(benchmark::State &state, TreeStation &tree, const Change &change)
 {
-    tree.requireIndex();
     RecordedTree &files = tree.files();
-    TreeStation &station = tree.station();
-    station.waitForFigures();
-    station.requireReading();
+    tree.settle();
     const int groups = files.layout().groups;
     const auto inEveryGroup = [&](const auto &act) {
         for (int group = 0; group < groups; ++group) {
             act(files, group);
-            station.waitForFigures();
+            tree.waitForFigures();
         }
     };
-    const Variant ours{"ours", [&] { inEveryGroup(change.make); }};
-    const Variant back{"taken back", [&] { inEveryGroup(change.takeBack); }};
-    Costs costs;
-    for (int round = 0; round <= rounds; ++round) {
-        for (const Variant &variant : {ours, back}) {
-            Cost cost = costOf(variant.run);
-            cost.cpu /= groups;
-            cost.wall /= groups;
-            if (round > 0)
-                costs[variant.name].push_back(cost);
-        }
-    }
-    report(state, change.name, size, costs);
-    if (const std::optional<double> again = reported("reading again", size))
-        state.counters["ours/reading again"] = state.counters["ours"] / *again;
+    measure(state,
+            {{"ours", [&] { inEveryGroup(change.make); }}, {"taken back", [&] { inEveryGroup(change.takeBack); }}},
+            {.rounds = rounds, .cpuSeconds = processSeconds, .isShuffled = false, .pieces = groups});
+    if (tree.readingAgain > 0)
+        state.counters["ours/reading again"] = state.counters["ours"] / tree.readingAgain;
 }
 } // namespace
 
-void addChanges(Trees &trees)
+void addChanges(const TreeStations &trees)
 {
-    for (const int size : trees.sizes()) {
-        add("start to figures", size,
-            [&trees, size](benchmark::State &state) { start(state, trees.tree(size), size); });
-        for (const Change &change : changes) {
-            add(change.name, size,
-                [&trees, size, &change](benchmark::State &state) { oneChange(state, trees.tree(size), size, change); });
-        }
+    for (const auto &tree : trees) {
+        add("start to figures", tree->size(), [&tree](auto &state) { start(state, *tree); });
+        for (const Change &change : changes)
+            add(change.name, tree->size(), [&tree, &change](auto &state) { changeFiles(state, *tree, change); });
     }
 }

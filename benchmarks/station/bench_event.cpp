@@ -1,13 +1,10 @@
-#include "RecordedTree.h"
+#include "Program.h"
 #include "Rounds.h"
 #include "StationProtocol.h"
-#include "Works.h"
+#include "TreeStation.h"
 #include "usage/UsageFigures.h"
 
-#include <stdexcept>
-
 namespace {
-constexpr int rounds = 31;
 constexpr int days = 25;
 constexpr qint64 bytesOfADay = 70'000'000'000;
 const QDate today(2026, 3, 20);
@@ -52,9 +49,9 @@ void check(const QVariantList &entries)
 {
     for (qsizetype group = 0; group < entries.size(); ++group) {
         const QVariantMap entry = entries.at(group).toMap();
-        if (entry.value(StationKey::volumeRecordedDays) != days
-            || entry.value(StationKey::volumeOneDayUsage) != bytesOfADay + group)
-            throw std::runtime_error("the event's figures are wrong");
+        require(entry.value(StationKey::volumeRecordedDays) == days
+                    && entry.value(StationKey::volumeOneDayUsage) == bytesOfADay + group,
+                "the event's figures are wrong");
     }
 }
 
@@ -65,13 +62,13 @@ void makeEvent(benchmark::State &state, int groups)
     const QVariantList same = again(sent);
     check(sent);
     QVariantList made;
-    const Variant ours{"ours", [&] { made = usageEntries(places, today); }, [&] { made.clear(); }};
-    const Variant floor{"floor", [&] { made = again(sent); }, [&] { made.clear(); }};
-    const Variant compared{"compared", [&] {
-                               if (isWorthTelling(sent, same))
-                                   throw std::runtime_error("what is the same is told");
-                           }};
-    report(state, "making an event", groups, runRounds({ours, floor, compared}, rounds));
+    measure(state,
+            {
+                {"ours", [&] { made = usageEntries(places, today); }, [&] { made.clear(); }},
+                {"floor", [&] { made = again(sent); }, [&] { made.clear(); }},
+                {"compared", [&] { require(!isWorthTelling(sent, same), "what is the same is told"); }},
+            },
+            {.rounds = 31, .cpuSeconds = processSeconds});
     state.counters["us a group"] = state.counters["ours"] / groups;
 }
 } // namespace
@@ -79,5 +76,5 @@ void makeEvent(benchmark::State &state, int groups)
 void addEvents(const std::vector<int> &groups)
 {
     for (const int size : groups)
-        add("making an event", size, [size](benchmark::State &state) { makeEvent(state, size); });
+        add("making an event", size, [size](auto &state) { makeEvent(state, size); });
 }

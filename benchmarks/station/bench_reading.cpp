@@ -1,38 +1,62 @@
+#include "Program.h"
 #include "Rounds.h"
-#include "Trees.h"
-#include "Walks.h"
-#include "Works.h"
+#include "TreeStation.h"
+
+#include <QDirIterator>
 
 #include <algorithm>
-#include <stdexcept>
+#include <filesystem>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
 
 namespace {
 constexpr int changedFiles = 10;
 constexpr qint64 growth = 1024 * 1024;
 
-int roundsFor(int size)
+/// The bytes of all files below a folder: every folder listed and every file asked for its size, as the system's calls
+/// do it, and nothing kept.
+qint64 walk(int parent, const char *name)
 {
-    return std::clamp(300'000 / size, 1, 7);
+    const int descriptor = openat(parent, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const std::unique_ptr<DIR, int (*)(DIR *)> folder(fdopendir(descriptor), closedir);
+    require(folder != nullptr, std::string(name) + " cannot be read");
+    qint64 bytes = 0;
+    while (const dirent *entry = readdir(folder.get())) {
+        struct stat status = {};
+        if (entry->d_name[0] == '.')
+            continue;
+        if (entry->d_type == DT_DIR)
+            bytes += walk(descriptor, entry->d_name);
+        else if (fstatat(descriptor, entry->d_name, &status, AT_SYMLINK_NOFOLLOW) == 0)
+            bytes += status.st_size;
+    }
+    return bytes;
 }
 
-Variant floorOf(IndexedTree &tree)
+/// Days with their files and bytes, by the group's folder: Qt's iterator over everything below @p path.
+QMap<QString, DaySums> readPlainly(const QString &path)
 {
-    return {"floor", [&tree] {
-                if (walk(tree.files().path().toStdString()) != tree.files().bytes())
-                    throw std::runtime_error("the walk's bytes are not those of the files");
-            }};
+    QMap<QString, DaySums> groups;
+    QDirIterator files(path, QDir::Files | QDir::Hidden | QDir::NoSymLinks, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        files.next();
+        const QFileInfo file = files.fileInfo();
+        const QStringList names = file.filePath().mid(path.size()).split(u'/', Qt::SkipEmptyParts);
+        if (names.size() != 4)
+            continue;
+        const QDate day = QDate::fromString(names.at(2), Qt::ISODate);
+        if (!day.isValid())
+            continue;
+        DaySum &sum = groups[names.at(0)][day];
+        ++sum.files;
+        sum.bytes += file.size();
+    }
+    return groups;
 }
 
-Variant plainOf(IndexedTree &tree)
-{
-    return {"plain", [&tree] {
-                const QMap<QString, DaySums> groups = readPlainly(tree.files().path());
-                if (groups.size() != tree.files().sums().size())
-                    throw std::runtime_error("the plain reading's groups are not those of the files");
-            }};
-}
-
-/// Of days that no folder watch hears of.
+/// Of days that no folder watch hears of and no figure of an event is made of: only a reading finds them.
 void growSome(RecordedTree &files)
 {
     const Layout &layout = files.layout();
@@ -40,58 +64,59 @@ void growSome(RecordedTree &files)
         files.grow({i % layout.groups, i % layout.cameras, layout.days / 2, i % layout.files}, growth);
 }
 
-void finish(benchmark::State &state, const std::string &name, int size, const Costs &costs)
+/// One way in which a station comes to read all folders.
+struct Reading
 {
-    report(state, name, size, costs);
+    std::string name;
+    void (*run)(TreeStation &tree);
+    void (*prepare)(TreeStation &tree); ///< before every run
+    bool isPlainToo;
+};
+
+void readAll(benchmark::State &state, TreeStation &tree, const Reading &reading)
+{
+    const RecordedTree &files = tree.files();
+    std::vector<Variant> variants{
+        {"ours", [&] { reading.run(tree); }, [&] { reading.prepare(tree); }},
+        {"floor",
+         [&] { require(walk(AT_FDCWD, files.path().c_str()) == files.bytes(), "the walk's bytes are wrong"); }},
+    };
+    const auto readToMaps = [&] {
+        const auto groups = readPlainly(QString::fromStdString(files.path()));
+        require(groups.size() == files.sums().size(), "the plain reading's groups are wrong");
+    };
+    if (reading.isPlainToo)
+        variants.push_back({"plain", readToMaps});
+    const int size = tree.size();
+    measure(state, variants,
+            {.rounds = std::clamp(300'000 / size, 1, 7), .cpuSeconds = processSeconds, .isMemoryMeasured = true});
+    tree.checkIndex();
     state.counters["us a file"] = state.counters["ours"] / size;
     state.counters["files a second"] = size / state.counters["ours wall"] * 1e6;
 }
 
-void firstReading(benchmark::State &state, IndexedTree &tree, int size)
-{
-    const Variant ours{"ours",
-                       [&tree] {
-                           tree.read();
-                           tree.checkSums();
-                       },
-                       [&tree] { tree.forgetIndex(); }};
-    finish(state, "first reading", size,
-           runRounds({ours, floorOf(tree), plainOf(tree)}, roundsFor(size), Memory::Measured));
-}
-
-void readingAgain(benchmark::State &state, IndexedTree &tree, int size)
-{
-    tree.requireIndex();
-    const Variant ours{"ours", [&tree] {
-                           tree.read();
-                           tree.checkSums();
-                       }};
-    finish(state, "reading again", size,
-           runRounds({ours, floorOf(tree), plainOf(tree)}, roundsFor(size), Memory::Measured));
-}
-
-void readingChanges(benchmark::State &state, IndexedTree &tree, int size)
-{
-    tree.requireIndex();
-    const Variant ours{"ours",
-                       [&tree] {
-                           tree.read();
-                           tree.checkSums();
-                       },
-                       [&tree] { growSome(tree.files()); }};
-    finish(state, "reading ten changes", size, runRounds({ours, floorOf(tree)}, roundsFor(size), Memory::Measured));
-}
+const Reading readings[] = {
+    {"first reading", [](TreeStation &tree) { tree.waitForFigures(); }, [](TreeStation &tree) { tree.forgetIndex(); },
+     true},
+    {"reading again", [](TreeStation &tree) { tree.readAll(); }, [](TreeStation &tree) { tree.settle(); }, true},
+    {"reading ten changes", [](TreeStation &tree) { tree.readAll(); },
+     [](TreeStation &tree) {
+         tree.settle();
+         growSome(tree.files());
+     },
+     false},
+};
 } // namespace
 
-void addReading(Trees &trees)
+void addReading(const TreeStations &trees)
 {
-    using Reading = void (*)(benchmark::State &, IndexedTree &, int);
-    const std::pair<const char *, Reading> readings[] = {
-        {"first reading", firstReading}, {"reading again", readingAgain}, {"reading ten changes", readingChanges}};
-    for (const int size : trees.sizes()) {
-        for (const auto &[name, reading] : readings) {
-            add(name, size,
-                [&trees, size, reading = reading](benchmark::State &state) { reading(state, trees.tree(size), size); });
+    for (const auto &tree : trees) {
+        for (const Reading &reading : readings) {
+            add(reading.name, tree->size(), [&tree, &reading](auto &state) {
+                readAll(state, *tree, reading);
+                if (reading.name == "reading again")
+                    tree->readingAgain = state.counters["ours"];
+            });
         }
     }
 }

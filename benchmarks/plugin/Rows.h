@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QStringList>
+#include <QVariant>
+
+#include <utility>
+#include <vector>
+
+class QStandardItem;
+class QStandardItemModel;
+
+/// Fetches the fields @p keys of every record of a reply and makes nothing of them. Lists are taken as texts where they
+/// are among @p textLists.
+void readFields(const QVariant &data, const QStringList &keys, const QStringList &textLists = {});
+
+/// The values of one row with their roles, at hand.
+using RowValues = std::vector<std::pair<int, QVariant>>;
+
+/// The fields @p keys of every record, at hand.
+std::vector<RowValues> fieldValues(const QVariantList &records, const QStringList &keys);
+
+/// The children of @p parent, value by value, in the order of the roles.
+std::vector<RowValues> rowValues(const QStandardItem *parent);
+
+/// The floor: an item for each row, setData() for each role, one append.
+void appendRows(QStandardItem *parent, const std::vector<RowValues> &rows);
+
+/// The same after clearing the model.
+void refill(QStandardItemModel &model, const std::vector<RowValues> &rows);
+
+/// Throws unless both hold the same rows but for @p differingRole.
+void requireSameRows(const QStandardItem *left, const QStandardItem *right, int differingRole = -1);

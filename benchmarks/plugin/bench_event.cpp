@@ -1,0 +1,135 @@
+#include "Case.h"
+#include "Client.h"
+#include "ItemRoles.h"
+#include "PlainPlugin.h"
+#include "Program.h"
+#include "Replies.h"
+#include "Rows.h"
+
+#include <algorithm>
+#include <random>
+
+namespace {
+
+const QStringList usageKeys{"recordingGroupID",    "recordingGroupName", "recordingGroupReservedTime",
+                            "volumeAvailableSize", "volumeRecordedDays", "volumeOneDayUsage"};
+const QStringList volumeKeys{"recordingGroupID",    "recordingPath",  "volumeName", "volumeSize",
+                             "volumeAvailableSize", "volumeIsSystem", "volumeIsNAS"};
+
+/// What becomes of an event.
+struct Reception
+{
+    std::string name; ///< of the case
+    Replies::Order order;
+    bool isAskedForModels; ///< each group's volume model is asked for afterwards
+    bool arePlainModelsMade; ///< the plain rules make them; else they keep the entries, as nobody asks
+};
+
+const QStandardItem *usageRows(PluginRecordingManagement &plugin)
+{
+    return rowsOf(plugin.getStorageUsageModel({})).invisibleRootItem();
+}
+
+template<typename Plugin>
+const QStandardItem *volumeRows(Plugin &plugin, const QString &group)
+{
+    return rowsOf(plugin.getGroupVolumeModel({}, group)).invisibleRootItem();
+}
+
+/// The models that an event brings, made anew with their values at hand.
+class Floor
+{
+public:
+    Floor(PlainPlugin &plugin, const QStringList &groups)
+        : m_usageRows(rowValues(usageRows(plugin)))
+    {
+        for (const QString &group : groups)
+            m_volumeRows.insert(group, rowValues(volumeRows(plugin, group)));
+    }
+
+    void make()
+    {
+        m_volumes.clear();
+        for (auto group = m_volumeRows.cbegin(); group != m_volumeRows.cend(); ++group) {
+            const QSharedPointer<QStandardItemModel> model(new QStandardItemModel(&m_parent));
+            model->setItemRoleNames(volumeRoleNames());
+            appendRows(model->invisibleRootItem(), *group);
+            m_volumes.insert(group.key(), model);
+        }
+        refill(m_usage, m_usageRows);
+    }
+
+private:
+    std::vector<RowValues> m_usageRows;
+    QMap<QString, std::vector<RowValues>> m_volumeRows;
+    QObject m_parent;
+    QStandardItemModel m_usage;
+    QMap<QString, QSharedPointer<QStandardItemModel>> m_volumes;
+};
+
+void receiveEvent(const Reception &reception, int size, const Measure &measure)
+{
+    const QVariant data = Replies::volumeEntries(size, reception.order);
+    const QStringList groups = Replies::groupIds(size);
+    Client ours;
+    Client<PlainPlugin> plain;
+    deliver(plain.plugin, ServerEvent::VolumeChanged, data);
+    Floor floor(plain.plugin, groups);
+    plain.plugin.setVolumeModelsMade(reception.arePlainModelsMade);
+    measure({
+        {"ours",
+         [&] {
+             deliver(ours.plugin, ServerEvent::VolumeChanged, data);
+             for (const QString &group : reception.isAskedForModels ? groups : QStringList())
+                 benchmark::DoNotOptimize(ours.plugin.getGroupVolumeModel({}, group));
+         }},
+        {"plain", [&] { deliver(plain.plugin, ServerEvent::VolumeChanged, data); }},
+        {"read", [&] { readFields(data, usageKeys), readFields(data, volumeKeys); }},
+        {"floor", [&] { floor.make(); }},
+    });
+    requireSameRows(usageRows(ours.plugin), usageRows(plain.plugin));
+    for (const QString &group : reception.arePlainModelsMade ? groups : QStringList())
+        requireSameRows(volumeRows(ours.plugin, group), volumeRows(plain.plugin, group), VolumeRole::Id);
+}
+
+} // namespace
+
+std::vector<Case> eventCases()
+{
+    using Replies::Order;
+    const Reception receptions[] = {
+        {"05 group volume models", Order::Together, true, true},
+        {"06 usage sums, entries together", Order::Together, false, false},
+        {"06 usage sums, entries spread", Order::Spread, false, false},
+        {"07 the whole event", Order::Together, false, true},
+        {"07 the event, every model asked for", Order::Together, true, true},
+    };
+    std::vector<Case> cases;
+    for (const Reception &reception : receptions) {
+        cases.push_back({
+            reception.name,
+            {100, 1000, 10'000},
+            [reception](int size, const Measure &measure) { receiveEvent(reception, size, measure); },
+            {1000, 4000},
+        });
+    }
+    return cases;
+}
+
+// What the end of one model costs among many children of one parent, in the worst order, at random, as maps have it.
+void addManyModels(const std::vector<int> &sizes)
+{
+    for (const int size : sizes) {
+        add("models of one parent", size, [size](benchmark::State &state) {
+            QObject parent;
+            std::vector<QSharedPointer<QStandardItemModel>> models;
+            const auto make = [&] {
+                for (int i = 0; i < size; ++i)
+                    models.emplace_back(new QStandardItemModel(&parent));
+                std::shuffle(models.begin(), models.end(), std::mt19937(1));
+            };
+            measure(state, {{"ours", [&] { models.clear(); }, make}}, {.rounds = 9, .fewest = 1, .seconds = 1});
+            state.counters["end of one, us"] = state.counters["ours"] / size;
+        });
+    }
+}

@@ -1,0 +1,89 @@
+#include "Case.h"
+#include "Program.h"
+
+#include <QGuiApplication>
+
+#include <algorithm>
+#include <cstdio>
+
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wpedantic"
+#include <valgrind/callgrind.h>
+#pragma GCC diagnostic pop
+
+namespace {
+
+constexpr int smokeSize = 32;
+
+std::vector<Case> allCases()
+{
+    std::vector<Case> cases;
+    for (const auto &part : {replyCases(), eventCases(), queryCases(), viewCases()})
+        cases.insert(cases.end(), part.begin(), part.end());
+    return cases;
+}
+
+constexpr int countedRuns = 10; // one alone shows the lists of freed blocks that the work before left behind
+
+void count(const std::vector<Variant> &variants, const std::string &name)
+{
+    const auto ours =
+        std::find_if(variants.begin(), variants.end(), [](const Variant &variant) { return variant.name == "ours"; });
+    for (int run = 0; run < countedRuns; ++run) {
+        if (ours->prepare)
+            ours->prepare();
+        CALLGRIND_START_INSTRUMENTATION;
+        ours->run();
+        CALLGRIND_STOP_INSTRUMENTATION;
+    }
+    CALLGRIND_DUMP_STATS_AT(name.c_str());
+    CALLGRIND_ZERO_STATS;
+}
+
+// Under callgrind (--instr-atstart=no): the instructions of "ours" alone go into a dump named "<case>/<size>".
+int countInstructions()
+{
+    if (!RUNNING_ON_VALGRIND) {
+        std::fputs("--growth counts instructions and must run under valgrind --tool=callgrind\n", stderr);
+        return 1;
+    }
+    for (const Case &entry : allCases()) {
+        for (const int size : entry.growth) {
+            const std::string name = entry.name + '/' + std::to_string(size);
+            entry.run(size, [&name](const std::vector<Variant> &variants) { count(variants, name); });
+        }
+    }
+    return 0;
+}
+
+void addAll(bool isSmoke)
+{
+    const Plan plan = isSmoke ? Plan{.rounds = 2} : Plan{.rounds = 51, .seconds = 3};
+    for (const Case &entry : allCases()) {
+        for (const int size : isSmoke ? std::vector{smokeSize} : entry.sizes) {
+            add(entry.name, size, [=](benchmark::State &state) {
+                entry.run(size, [&](const std::vector<Variant> &variants) { measure(state, variants, plan); });
+            });
+        }
+    }
+    addSignalCounts();
+    addHeapCounts();
+    addManyModels(isSmoke ? std::vector{smokeSize} : std::vector{100, 1000, 10'000, 50'000});
+}
+
+} // namespace
+
+/// Google Benchmark with its own options, and two of ours:
+/// --smoke runs everything in one small size, to see that it works;
+/// --growth counts instructions under callgrind, see countInstructions().
+int main(int argc, char **argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const bool isSmoke = takeOption("--smoke", argc, argv).has_value();
+    const bool isGrowth = takeOption("--growth", argc, argv).has_value();
+    const QGuiApplication application(argc, argv);
+    if (isGrowth)
+        return countInstructions();
+    addAll(isSmoke);
+    return runBenchmarks(argc, argv);
+}
