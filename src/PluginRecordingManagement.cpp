@@ -39,17 +39,20 @@ struct PluginRecordingManagement::ListModel
 {
     QStandardItemModel *PluginRecordingManagement::*member;
     const QHash<int, QByteArray> &(*roleNames)();
-    const char *failure;
-    int line; // fixed, for filters of the trace library
+    void (*reportFailure)(); // under a fixed line, for filters of the trace library
 };
 
 const PluginRecordingManagement::ListModel PluginRecordingManagement::listModels[] = {
-    {&PluginRecordingManagement::m_volumeModel, volumeRoleNames, "Create volume model failed", 23},
-    {&PluginRecordingManagement::m_recordingGroupModel, recordingGroupRoleNames, "Create recording group model failed",
-     31},
-    {&PluginRecordingManagement::m_nasServerModel, nasServerRoleNames, "Create NAS server model failed", 39},
-    {&PluginRecordingManagement::m_nasDirModel, directoryRoleNames, "Create NAS server dir model failed", 47},
-    {&PluginRecordingManagement::m_serverDirModel, directoryRoleNames, "Create server dir model failed", 55},
+    {&PluginRecordingManagement::m_volumeModel, volumeRoleNames,
+     [] { TRACE_ERROR_AT(23, "Create volume model failed"); }},
+    {&PluginRecordingManagement::m_recordingGroupModel, recordingGroupRoleNames,
+     [] { TRACE_ERROR_AT(31, "Create recording group model failed"); }},
+    {&PluginRecordingManagement::m_nasServerModel, nasServerRoleNames,
+     [] { TRACE_ERROR_AT(39, "Create NAS server model failed"); }},
+    {&PluginRecordingManagement::m_nasDirModel, directoryRoleNames,
+     [] { TRACE_ERROR_AT(47, "Create NAS server dir model failed"); }},
+    {&PluginRecordingManagement::m_serverDirModel, directoryRoleNames,
+     [] { TRACE_ERROR_AT(55, "Create server dir model failed"); }},
 };
 
 struct PluginRecordingManagement::Reply
@@ -141,7 +144,7 @@ bool PluginRecordingManagement::Init(QQmlContext *)
     for (const ListModel &entry : listModels) {
         this->*entry.member = newListModel(entry.roleNames(), this);
         if (!(this->*entry.member)) {
-            TRACE_ERROR_AT(entry.line, entry.failure);
+            entry.reportFailure();
             return false;
         }
     }
