@@ -123,6 +123,7 @@ void StationNasSharesTest::capacityIsInKilobytes()
 {
     constexpr int attempts = 100;
     constexpr qint64 kilobyte = 1024;
+    constexpr qint64 ownUse = 1024; // files that the server keeps for a connection
     bool agrees = false;
     for (int attempt = 0; attempt < attempts && !agrees; ++attempt) {
         const DiskSpace before = diskSpaceOf(m_server.folderOf(QStringLiteral("video")), kilobyte);
@@ -135,7 +136,7 @@ void StationNasSharesTest::capacityIsInKilobytes()
         QCOMPARE(data.value(QStringLiteral("used")).metaType(), QMetaType::fromType<qlonglong>());
         const qint64 total = data.value(QStringLiteral("total")).toLongLong();
         const DiskSpace told{total, total - data.value(QStringLiteral("used")).toLongLong()};
-        agrees = told.isBetween(before, after);
+        agrees = told.isBetween(before, after, ownUse);
         if (!agrees)
             qInfo("%s, expected %s", qPrintable(told.text()), qPrintable(after.text()));
     }

@@ -16,11 +16,13 @@ struct DiskSpace
     /// Others write to the disks of this machine while a test runs: what was told between two looks of the system is
     /// right if it is one of them or lies between them. The space may also rise and fall again meanwhile; then ask once
     /// more, a few times.
-    bool isBetween(const DiskSpace &before, const DiskSpace &after) const
+    /// @param ownUse what the one who is asked may itself take and give back meanwhile
+    bool isBetween(const DiskSpace &before, const DiskSpace &after, qint64 ownUse = 0) const
     {
         const auto [leastTotal, mostTotal] = std::minmax(before.total, after.total);
         const auto [leastAvailable, mostAvailable] = std::minmax(before.available, after.available);
-        return total >= leastTotal && total <= mostTotal && available >= leastAvailable && available <= mostAvailable;
+        return total >= leastTotal && total <= mostTotal && available >= leastAvailable - ownUse
+            && available <= mostAvailable + ownUse;
     }
 
     QString text() const { return QStringLiteral("%1 free of %2").arg(available).arg(total); }
