@@ -9,9 +9,9 @@
 
 /// Finds the recording groups of the cache by id and by member name without walking through all of them.
 ///
-/// The index holds numbers, chained by hash value; ids and names stay in the cache. Every call therefore takes the cache
-/// that the index was built from, and a cache that changes needs a new index. Building it takes a quarter of the time
-/// that QMultiHash takes for the same members.
+/// The index holds numbers, chained by hash value; ids and names stay in the cache. Every call therefore takes the
+/// cache that the index was built from, and a cache that changes needs a new index. Building it takes a quarter of the
+/// time that QMultiHash takes for the same members.
 class RecordingGroupIndex
 {
 public:
