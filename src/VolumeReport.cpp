@@ -31,7 +31,6 @@ VolumeReport::VolumeReport(const QVariant &data)
                         &FieldKey::volumeIsNAS});
     QString convertedText;
     const QVariantList entries = data.toList();
-    m_volumes.reserve(static_cast<std::size_t>(entries.size()));
     for (const QVariant &element : entries) {
         entry.read(element);
         Group &group = m_groups[textIn(entry[Id], convertedText)];
@@ -45,22 +44,18 @@ VolumeReport::VolumeReport(const QVariant &data)
         GroupUsage::addKnown(usage.recordedDays, entry[RecordedDays].toLongLong());
         GroupUsage::addKnown(usage.oneDayUsage, entry[OneDayUsage].toLongLong());
 
-        append(group,
-               {entry[Path].toString(), entry[VolumeName].toString(), size, available, none, entry[IsSystem].toBool(),
-                entry[IsNas].toBool()});
+        group.volumes.push_back({entry[Path].toString(), entry[VolumeName].toString(), size, available,
+                                 entry[IsSystem].toBool(), entry[IsNas].toBool()});
         m_hasLostVolume = m_hasLostVolume || (size == 0 && available == 0);
     }
+    m_groups.forEach([](const QString &, Group &group) { group.volumes.shrink_to_fit(); });
 }
 
-void VolumeReport::append(Group &group, Volume volume)
+VolumeReport::Volume VolumeReport::volumeOf(const QModelIndex &row)
 {
-    const auto number = static_cast<quint32>(m_volumes.size());
-    m_volumes.push_back(std::move(volume));
-    if (group.first == none)
-        group.first = number;
-    else
-        m_volumes[group.last].next = number;
-    group.last = number;
+    return {row.data(VolumeRole::RootPath).toString(), row.data(VolumeRole::Name).toString(),
+            row.data(VolumeRole::Size).toLongLong(),   row.data(VolumeRole::AvailableSize).toLongLong(),
+            row.data(VolumeRole::IsSystem).toBool(),   row.data(VolumeRole::IsNas).toBool()};
 }
 
 QStandardItemModel *VolumeReport::model(const QString &groupId, RowIds &ids, QObject *parent)
@@ -71,28 +66,29 @@ QStandardItemModel *VolumeReport::model(const QString &groupId, RowIds &ids, QOb
     if (!group->model) {
         try {
             group->model.emplace();
-            fill(*group->model, *group, ids);
+            fill(*group->model, group->volumes, ids);
             group->model->setParent(parent); // last: a child that failed half made would stay in its parent's list
         } catch (...) {
             group->model.reset(); // some of the rows would look like all of them
             throw;
         }
+        std::exchange(group->volumes, {});
     }
     return &*group->model;
 }
 
-void VolumeReport::fill(QStandardItemModel &model, const Group &group, RowIds &ids) const
+void VolumeReport::fill(QStandardItemModel &model, const std::vector<Volume> &volumes, RowIds &ids)
 {
     model.setItemRoleNames(volumeRoleNames());
     RowMaker maker = volumeRows();
     RowBatch rows;
     bool complete = true;
-    forEachVolume(group, [&](const Volume &volume) {
+    for (const Volume &volume : volumes) {
         complete = rows.add([&] {
             return maker.row(ids.nextText(), volume.path, volume.name, volume.size, volume.availableSize,
                              trueOrNothing(volume.isSystem), trueOrNothing(volume.isNas));
         }) && complete;
-    });
+    }
     if (rows.append(&model) > 0 || !complete)
         throw std::bad_alloc();
 }

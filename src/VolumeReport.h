@@ -14,10 +14,10 @@ class RowIds;
 /// What a station's last "VolumeChanged" event said about the storage paths of its recording groups, and the models of
 /// those groups that somebody asked for.
 ///
-/// The event is read once. Of each entry only what a row needs is kept; a group's model is made when it is first asked
-/// for, with a row for each entry of the group, and is the same from then on until the report ends. Its place in memory
-/// is inside the report: as long as a new report is made while the old one is there, no new model has the address of an
-/// old one, which would look unchanged to a view.
+/// The event is read once. Of each entry only what a row needs is kept, and only until the group's model takes its
+/// place: that is made when it is first asked for, with a row for each entry, and is the same until the report ends.
+/// Its place in memory is inside the report: as long as a new report is made while the old one is there, no new model
+/// has the address of an old one, which would look unchanged to a view.
 class VolumeReport
 {
 public:
@@ -28,7 +28,6 @@ public:
         QString name;
         qlonglong size;
         qlonglong availableSize;
-        quint32 next; ///< of the same group, or none
         bool isSystem;
         bool isNas;
     };
@@ -50,8 +49,13 @@ public:
     template<typename Visit>
     void forEachVolume(const QString &groupId, Visit visit)
     {
-        if (const Group *const group = m_groups.find(groupId))
-            forEachVolume(*group, visit);
+        const Group *const group = m_groups.find(groupId);
+        if (!group)
+            return;
+        for (const Volume &volume : group->volumes)
+            visit(volume);
+        for (int row = 0; group->model && row < group->model->rowCount(); ++row)
+            visit(volumeOf(group->model->index(row, 0)));
     }
 
     /// The group's model (roles: VolumeRole), a child of @p parent; null where the event named no such group. Throws
@@ -59,26 +63,16 @@ public:
     QStandardItemModel *model(const QString &groupId, RowIds &ids, QObject *parent);
 
 private:
-    static constexpr quint32 none = 0xffffffff;
-
     struct Group
     {
         GroupUsage usage;
-        quint32 first = none; // of m_volumes
-        quint32 last = none;
+        std::vector<Volume> volumes; // while there is no model
         std::optional<QStandardItemModel> model;
     };
 
-    template<typename Visit>
-    void forEachVolume(const Group &group, Visit visit) const
-    {
-        for (quint32 number = group.first; number != none; number = m_volumes[number].next)
-            visit(m_volumes[number]);
-    }
-    void append(Group &group, Volume volume);
-    void fill(QStandardItemModel &model, const Group &group, RowIds &ids) const;
+    static Volume volumeOf(const QModelIndex &row);
+    static void fill(QStandardItemModel &model, const std::vector<Volume> &volumes, RowIds &ids);
 
-    std::vector<Volume> m_volumes;
     GroupMap<Group> m_groups;
     bool m_hasLostVolume = false;
 };

@@ -420,13 +420,15 @@ void StorageUsageTest::groupModelIsWholeOrNull()
 void StorageUsageTest::groupModelsAreMadeWhenTheyAreAskedFor()
 {
     const qsizetype children = m_plugin->children().size();
-    event(QVariantList{entry("{1}", 0, -1, -1), entry("{2}", 0, -1, -1)});
+    const QVariantMap path = with(with(entry("{2}", 7, -1, -1), "recordingPath", "D:/Rec"), "volumeIsNAS", true);
+    event(QVariantList{entry("{1}", 0, -1, -1), path, entry("{2}", 0, -1, -1)});
     QCOMPARE(m_plugin->children().size(), children + 1); // the usage model
+    const QVariantList infos = m_plugin->getRecordingGroupInfoList();
     const QStandardItemModel *const model = groupModel("", "{2}");
     QCOMPARE(m_plugin->children().size(), children + 2);
     QCOMPARE(groupModel("", "{2}"), model);
     m_plugin->getStorageUsageModel("");
-    m_plugin->getRecordingGroupInfoList();
+    QCOMPARE(m_plugin->getRecordingGroupInfoList(), infos);
     QCOMPARE(m_plugin->children().size(), children + 2);
 }
 
