@@ -38,6 +38,13 @@ void count(const std::vector<Variant> &variants, const std::string &name)
     }
     CALLGRIND_DUMP_STATS_AT(name.c_str());
     CALLGRIND_ZERO_STATS;
+    for (const Variant &other : variants) { // the results are compared when all are there
+        if (other.name == ours->name)
+            continue;
+        if (other.prepare)
+            other.prepare();
+        other.run();
+    }
 }
 
 // Under callgrind (--instr-atstart=no): the instructions of "ours" alone go into a dump named "<case>/<size>".
