@@ -13,6 +13,16 @@
 #include <functional>
 #include <stdexcept>
 
+#ifdef __SANITIZE_ADDRESS__
+#include <sanitizer/lsan_interface.h>
+using MayLeak = __lsan::ScopedDisabler;
+#else
+struct MayLeak
+{
+    MayLeak() { }
+};
+#endif
+
 namespace {
 
 using Plugin = PluginRecordingManagement;
@@ -353,7 +363,10 @@ void ReplyFaultsTest::updatedAndRemovedServersSurviveThrowingSlots()
     connect(&model, &QAbstractItemModel::rowsRemoved, &thrower, &Thrower::fail);
     SignalLog log(&plugin);
     plugin.updateNASServer("1", "b", "d", "u", "p");
-    site.reply();
+    {
+        const MayLeak qtGui; // built without exceptions: it keeps the list of roles that it tells
+        site.reply();
+    }
     QCOMPARE(modelText(model, {257, 258, 259, 260, 261}), QStringList{"1 | b | d | u | p"});
     plugin.removeNASServer("1");
     site.reply();
