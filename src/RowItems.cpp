@@ -29,10 +29,17 @@ QStandardItem *withColumn(const std::function<QStandardItem *()> &parent)
     return item && item->columnCount() > 0 ? item : nullptr;
 }
 
+// Any model's reset can be ended through this name.
+struct ResetEnd : QStandardItemModel
+{
+    using QStandardItemModel::endResetModel;
+};
+
 // After a reset that was broken off: views that heard of its begin wait for its end.
 void clearAgain(QStandardItemModel &model)
 {
     try {
+        (model.*&ResetEnd::endResetModel)();
         model.clear();
     } catch (...) {
         model.removeRows(0, model.rowCount());

@@ -268,7 +268,7 @@ void RowItemsTest::clearingIsCompletedWhenItIsBrokenOff()
     }
     QCOMPARE(model.rowCount(), 0);
     QCOMPARE(begun.size(), 2);
-    QCOMPARE(ended.size(), 1);
+    QCOMPARE(ended.size(), 2);
 }
 
 void RowItemsTest::clearingEndsWithTheRowsWhenASlotThrows()
