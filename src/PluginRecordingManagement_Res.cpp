@@ -16,8 +16,6 @@
 #include <algorithm>
 #include <iterator>
 #include <memory>
-#include <new>
-#include <optional>
 #include <utility>
 #include <vector>
 
