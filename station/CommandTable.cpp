@@ -14,8 +14,8 @@ void answerFailures(const QString &command, const Answer &answer, const std::fun
         qCInfo(stationLog, "%s: %s", qPrintable(command), error.what());
         answer(lastPart(StationReturnCode::BadRequest));
     } catch (const DatabaseError &error) {
-        qCWarning(stationLog, "%s: %s", qPrintable(command), error.what());
-        answer(lastPart(StationReturnCode::DatabaseFailed));
+        qCInfo(stationLog, "%s: %s", qPrintable(command), error.what());
+        answer(lastPart(returnCodeOf(error.trouble())));
     } catch (const VaultError &error) {
         qCWarning(stationLog, "%s: %s", qPrintable(command), error.what());
         answer(lastPart(StationReturnCode::NasKeyUnusable));

@@ -1,3 +1,3 @@
 #include "StationLog.h"
 
-Q_LOGGING_CATEGORY(stationLog, "recording.station")
+Q_LOGGING_CATEGORY(stationLog, "recording.station", QtWarningMsg)

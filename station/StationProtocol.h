@@ -34,7 +34,13 @@ extern const QString listCameras; ///< "station.listCameras"
 extern const QString addCamera; ///< "station.addCamera"
 extern const QString removeCamera; ///< "station.removeCamera"
 extern const QString createSampleSite; ///< "station.createSampleSite"
+extern const QString listAlarms;
 } // namespace StationOwnCommandName
+
+/// Events that no plug-in knows.
+namespace StationOwnEventName {
+extern const QString AlarmsChanged;
+} // namespace StationOwnEventName
 
 /// Events that the station raises.
 namespace StationEventName {
@@ -104,9 +110,41 @@ extern const QString volumeRecordedDays;
 extern const QString volumeIsNAS;
 extern const QString done;
 extern const QString running;
+// Alarms.
+extern const QString alarms;
+extern const QString pending;
+extern const QString kind;
+extern const QString severity;
+extern const QString subject;
+extern const QString text;
+extern const QString remedy;
+extern const QString since;
 // Sample site.
 extern const QString created;
 } // namespace StationKey
+
+/// How bad an alarm is.
+namespace StationSeverity {
+extern const QString error; ///< something is broken
+extern const QString warning; ///< it works, and will not for long or not as expected
+} // namespace StationSeverity
+
+/// What an alarm is about. Those of the database are the words of its return codes.
+namespace StationAlarmKind {
+extern const QString VolumeGone; ///< a recording group's path is not there, or not on its volume
+extern const QString VolumeNotAnswering; ///< a mount says nothing
+extern const QString FolderNotReadable; ///< recordings that the station may not read, or that the disk does not give
+extern const QString FolderNotAnswering; ///< the disk takes longer than a disk does
+extern const QString RecordingsNotCounted; ///< all folders of recordings are being read
+extern const QString ShareNotAnswering; ///< a NAS server is silent
+extern const QString ShareRefused; ///< it refuses the registered account
+extern const QString ShareMissing; ///< there is no such share or folder on it, or it is not registered
+extern const QString SharePending; ///< it was asked and has not answered yet
+extern const QString NasKeyUnusable; ///< the stored passwords cannot be read
+extern const QString ClockBehind; ///< the machine's clock was ahead of what it says now
+extern const QString ClockAhead; ///< it is far ahead of everything that was recorded
+extern const QString RecordingsOfTheFuture; ///< folders of days that have not come yet
+} // namespace StationAlarmKind
 
 /// What a StationReply says in its return code: "0" for success, else one word for each kind of refusal.
 namespace StationReturnCode {
@@ -114,7 +152,16 @@ extern const QString Success; ///< "0"
 // Any command.
 extern const QString UnknownCommand; ///< the station has no command of that name
 extern const QString BadRequest; ///< the data is not of the type that the command takes
-extern const QString DatabaseFailed; ///< the station could not read or write its database; its log says why
+extern const QString DatabaseMissing; ///< the station's database is gone; there was one before
+extern const QString DatabaseDamaged; ///< it is damaged: what can be read is read, nothing is written any more
+extern const QString DatabaseNewer; ///< a newer station wrote it
+extern const QString DatabaseNotAllowed; ///< the station's user may not read or write it
+extern const QString DatabaseNotOwned; ///< it belongs to another user
+extern const QString DatabaseFull; ///< its disk is full: it can be read, and nothing can be changed
+extern const QString DatabaseReadOnly; ///< its disk is mounted read-only: the same
+extern const QString DatabaseBusy; ///< another program keeps it locked
+extern const QString DatabaseReplaced; ///< the data folder or the database was replaced while the station ran
+extern const QString DatabaseFailed; ///< it cannot be used for another reason; the station's log says why
 extern const QString InternalError; ///< the station failed where it should not have, out of memory for instance
 // Paths.
 extern const QString PathNotAbsolute; ///< the path does not start with a slash

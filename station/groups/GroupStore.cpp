@@ -16,13 +16,10 @@ const QString selectMembers =
     QStringLiteral("SELECT group_number, camera, stream, time_shift, seamless FROM group_member ORDER BY number");
 const QString selectNodes = QStringLiteral("SELECT group_number, node FROM group_node ORDER BY number");
 
-/// The number under which the tables know the group with @p id.
-std::optional<qint64> numberOf(Database &database, const QString &id)
+/// The number under which the tables know the group with @p id; invalid where they do not.
+QVariant numberOf(Database &database, const QString &id)
 {
-    QSqlQuery query = database.run(QStringLiteral("SELECT number FROM recording_group WHERE id = ?"), {id});
-    if (!query.next())
-        return {};
-    return query.value(0).toLongLong();
+    return database.value(QStringLiteral("SELECT number FROM recording_group WHERE id = ?"), {id});
 }
 
 /// An empty text is bound as such: a null QString would be NULL.
@@ -31,29 +28,54 @@ QVariant text(const QString &value)
     return value.isNull() ? QStringLiteral("") : value;
 }
 
-void executeWith(QSqlQuery &query, const QVariantList &values)
-{
-    for (const QVariant &value : values)
-        query.addBindValue(value);
-    execute(query);
-}
-
 void insertLists(Database &database, qint64 number, const RecordingGroup &group)
 {
-    QSqlQuery insert = database.prepared(QStringLiteral(
+    Statement insertPath = database.prepared(QStringLiteral(
         "INSERT INTO group_path (group_number, path, kind, reserved_megabytes, recovery) VALUES (?, ?, ?, ?, ?)"));
     for (const GroupPath &path : group.paths) {
-        executeWith(insert,
-                    {number, text(path.path), static_cast<int>(path.kind), path.reservedMegabytes, path.isRecovery});
+        insertPath.run({number, text(path.path), static_cast<int>(path.kind), path.reservedMegabytes, path.isRecovery});
     }
-    insert = database.prepared(QStringLiteral(
+    Statement insertMember = database.prepared(QStringLiteral(
         "INSERT INTO group_member (group_number, camera, stream, time_shift, seamless) VALUES (?, ?, ?, ?, ?)"));
     for (const GroupMember &member : group.members)
-        executeWith(insert, {number, text(member.camera), member.stream, member.timeShift, member.seamless});
-    insert = database.prepared(QStringLiteral("INSERT INTO group_node (group_number, node) VALUES (?, ?)"));
+        insertMember.run({number, text(member.camera), member.stream, member.timeShift, member.seamless});
+    Statement insertNode =
+        database.prepared(QStringLiteral("INSERT INTO group_node (group_number, node) VALUES (?, ?)"));
     for (const QString &node : group.nodeIds)
-        executeWith(insert, {number, text(node)});
+        insertNode.run({number, text(node)});
 }
+
+/// The groups by their numbers in the tables, and what their lists have of groups that are not there.
+class GroupList
+{
+public:
+    void append(qint64 number, const RecordingGroup &group)
+    {
+        m_places.insert(number, m_groups.size());
+        m_groups.append(group);
+    }
+
+    /// Calls @p take with the group that @p rows names in its first column, for every row.
+    template<typename Take>
+    void fill(Rows rows, const Take &take)
+    {
+        while (rows.next()) {
+            const auto place = m_places.constFind(rows.value(0).toLongLong());
+            if (place == m_places.cend())
+                ++m_orphans;
+            else
+                take(m_groups[*place], rows);
+        }
+    }
+
+    const QList<RecordingGroup> &groups() const { return m_groups; }
+    int orphans() const { return m_orphans; }
+
+private:
+    QList<RecordingGroup> m_groups;
+    QHash<qint64, qsizetype> m_places;
+    int m_orphans = 0;
+};
 } // namespace
 
 GroupStore::GroupStore(Database &database)
@@ -64,36 +86,33 @@ GroupStore::GroupStore(Database &database)
 QList<RecordingGroup> GroupStore::groups() const
 {
     const Snapshot snapshot(m_database);
-    QList<RecordingGroup> groups;
-    QHash<qint64, qsizetype> places;
-    QSqlQuery query = m_database.run(selectGroups);
-    while (query.next()) {
-        places.insert(query.value(0).toLongLong(), groups.size());
+    GroupList list;
+    Rows rows = m_database.rows(selectGroups);
+    while (rows.next()) {
         RecordingGroup group;
-        group.id = query.value(1).toString();
-        group.name = query.value(2).toString();
-        group.folder = query.value(3).toString();
-        group.reservedMinutes = query.value(4).toInt();
-        group.isReservedTimeEnabled = query.value(5).toBool();
-        groups.append(group);
+        group.id = rows.value(1).toString();
+        group.name = rows.value(2).toString();
+        group.folder = rows.value(3).toString();
+        group.reservedMinutes = rows.value(4).toInt();
+        group.isReservedTimeEnabled = rows.value(5).toBool();
+        list.append(rows.value(0).toLongLong(), group);
     }
-    const auto groupOf = [&groups, &places](const QSqlQuery &row) -> RecordingGroup & {
-        return groups[places.value(row.value(0).toLongLong())];
-    };
-    query = m_database.run(selectPaths);
-    while (query.next()) {
-        groupOf(query).paths.append({query.value(1).toString(), static_cast<PathKind>(query.value(2).toInt()),
-                                     query.value(3).toLongLong(), query.value(4).toBool()});
+    list.fill(m_database.rows(selectPaths), [](RecordingGroup &group, const Rows &row) {
+        group.paths.append({row.value(1).toString(), static_cast<PathKind>(row.value(2).toInt()),
+                            row.value(3).toLongLong(), row.value(4).toBool()});
+    });
+    list.fill(m_database.rows(selectMembers), [](RecordingGroup &group, const Rows &row) {
+        group.members.append(
+            {row.value(1).toString(), row.value(2).toInt(), row.value(3).toBool(), row.value(4).toBool()});
+    });
+    list.fill(m_database.rows(selectNodes),
+              [](RecordingGroup &group, const Rows &row) { group.nodeIds.append(row.value(1).toString()); });
+    if (list.orphans() > 0) {
+        m_database.warnOnce(
+            QStringLiteral("The database has %1 entries of recording groups that it does not have; they are left out.")
+                .arg(list.orphans()));
     }
-    query = m_database.run(selectMembers);
-    while (query.next()) {
-        groupOf(query).members.append(
-            {query.value(1).toString(), query.value(2).toInt(), query.value(3).toBool(), query.value(4).toBool()});
-    }
-    query = m_database.run(selectNodes);
-    while (query.next())
-        groupOf(query).nodeIds.append(query.value(1).toString());
-    return groups;
+    return list.groups();
 }
 
 std::optional<RecordingGroup> GroupStore::group(const QString &id) const
@@ -108,25 +127,27 @@ std::optional<RecordingGroup> GroupStore::group(const QString &id) const
 
 void GroupStore::insert(const RecordingGroup &group)
 {
-    const QSqlQuery query = m_database.run(
+    const Effect inserted = m_database.run(
         QStringLiteral("INSERT INTO recording_group (id, name, folder, reserved_minutes, reserved_time_enabled) "
                        "VALUES (?, ?, ?, ?, ?)"),
         {text(group.id), text(group.name), text(group.folder), group.reservedMinutes, group.isReservedTimeEnabled});
-    insertLists(m_database, query.lastInsertId().toLongLong(), group);
+    insertLists(m_database, inserted.lastNumber, group);
 }
 
 void GroupStore::replace(const RecordingGroup &group)
 {
-    const std::optional<qint64> number = numberOf(m_database, group.id);
-    if (!number)
-        throw DatabaseError(QStringLiteral("There is no recording group %1 to replace").arg(group.id));
+    const QVariant number = numberOf(m_database, group.id);
+    if (!number.isValid()) {
+        throw DatabaseError(DatabaseTrouble::Failed,
+                            QStringLiteral("There is no recording group %1 to replace").arg(group.id));
+    }
     m_database.run(QStringLiteral("UPDATE recording_group SET name = ?, folder = ?, reserved_minutes = ?, "
                                   "reserved_time_enabled = ? WHERE number = ?"),
-                   {text(group.name), text(group.folder), group.reservedMinutes, group.isReservedTimeEnabled, *number});
+                   {text(group.name), text(group.folder), group.reservedMinutes, group.isReservedTimeEnabled, number});
     for (const char *table : {"group_path", "group_member", "group_node"}) {
-        m_database.run(QStringLiteral("DELETE FROM %1 WHERE group_number = ?").arg(QLatin1String(table)), {*number});
+        m_database.run(QStringLiteral("DELETE FROM %1 WHERE group_number = ?").arg(QLatin1String(table)), {number});
     }
-    insertLists(m_database, *number, group);
+    insertLists(m_database, number.toLongLong(), group);
 }
 
 void GroupStore::remove(const QString &id)
@@ -137,9 +158,9 @@ void GroupStore::remove(const QString &id)
 QList<Camera> GroupStore::cameras() const
 {
     QList<Camera> cameras;
-    QSqlQuery query = m_database.run(QStringLiteral("SELECT name, streams FROM camera"));
-    while (query.next())
-        cameras.append({query.value(0).toString(), query.value(1).toInt()});
+    Rows rows = m_database.rows(QStringLiteral("SELECT name, streams FROM camera"));
+    while (rows.next())
+        cameras.append({rows.value(0).toString(), rows.value(1).toInt()});
     std::sort(cameras.begin(), cameras.end(),
               [](const Camera &left, const Camera &right) { return nameLess(left.name, right.name); });
     return cameras;

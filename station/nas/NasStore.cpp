@@ -28,11 +28,11 @@ NasStore::NasStore(Database &database)
 QList<NasServer> NasStore::servers() const
 {
     QList<NasServer> servers;
-    QSqlQuery query = m_database.run(
+    Rows rows = m_database.rows(
         QStringLiteral("SELECT id, host, logon_domain, user_name, sealed_password FROM nas_server ORDER BY number"));
-    while (query.next()) {
-        servers.append({query.value(0).toString(), query.value(1).toString(), query.value(2).toString(),
-                        query.value(3).toString(), query.value(4).toByteArray()});
+    while (rows.next()) {
+        servers.append({rows.value(0).toString(), rows.value(1).toString(), rows.value(2).toString(),
+                        rows.value(3).toString(), rows.value(4).toByteArray()});
     }
     return servers;
 }
@@ -46,10 +46,10 @@ std::optional<NasServer> NasStore::server(const QString &id) const
 
 bool NasStore::isTaken(const QString &host, const QString &userName, const QString &id) const
 {
-    QSqlQuery query =
-        m_database.run(QStringLiteral("SELECT 1 FROM nas_server WHERE host_key = ? AND user_name = ? AND id <> ?"),
-                       {hostKey(host), text(userName), text(id)});
-    return query.next();
+    return m_database
+        .value(QStringLiteral("SELECT 1 FROM nas_server WHERE host_key = ? AND user_name = ? AND id <> ?"),
+               {hostKey(host), text(userName), text(id)})
+        .isValid();
 }
 
 void NasStore::insert(const NasServer &server)
@@ -71,5 +71,8 @@ void NasStore::replace(const NasServer &server)
 
 bool NasStore::remove(const QString &id)
 {
-    return m_database.run(QStringLiteral("DELETE FROM nas_server WHERE id = ?"), {text(id)}).numRowsAffected() > 0;
+    Transaction transaction(m_database);
+    const bool isRemoved = m_database.run(QStringLiteral("DELETE FROM nas_server WHERE id = ?"), {text(id)}).rows > 0;
+    transaction.commit();
+    return isRemoved;
 }

@@ -1,93 +1,319 @@
 #include "Database.h"
 
 #include "Schema.h"
+#include "StationLog.h"
 
-#include <QDir>
 #include <QFile>
+#include <QRandomGenerator>
+#include <QScopeGuard>
 #include <QSqlDatabase>
 #include <QSqlError>
+#include <QUrl>
 #include <QUuid>
+
+#include <utility>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace {
 constexpr auto patience = "QSQLITE_BUSY_TIMEOUT=10000"; // milliseconds that a writer waits for another one
+const QString longPatience = QStringLiteral("PRAGMA busy_timeout = 10000");
+const QString shortPatience = QStringLiteral("PRAGMA busy_timeout = 100");
 
-QString fileIn(const QString &folder)
+/// What SQLite's numbers of errors mean; the upper bytes of a number only say more of the same.
+DatabaseTrouble troubleOf(const QSqlError &error)
 {
-    return QDir(folder).filePath(QStringLiteral("station.db"));
+    switch (error.nativeErrorCode().toInt() & 0xff) {
+    case 3: // permission
+    case 14: // cannot open
+    case 23: // authorization
+        return DatabaseTrouble::NotAllowed;
+    case 5: // busy
+    case 6: // locked
+        return DatabaseTrouble::Busy;
+    case 8:
+        return DatabaseTrouble::ReadOnly;
+    case 11: // corrupt
+    case 26: // no database
+        return DatabaseTrouble::Damaged;
+    case 13:
+        return DatabaseTrouble::Full;
+    default:
+        return DatabaseTrouble::Failed;
+    }
 }
 
-void closeConnection(const QString &name)
+DatabaseError failed(const QString &what, const QSqlError &error)
 {
-    QSqlDatabase::database(name, false).close();
-    QSqlDatabase::removeDatabase(name);
+    return {troubleOf(error), QStringLiteral("%1: %2").arg(what.simplified(), error.text())};
+}
+
+bool mayBeReadAnyway(DatabaseTrouble trouble)
+{
+    return trouble == DatabaseTrouble::Full || trouble == DatabaseTrouble::ReadOnly
+        || trouble == DatabaseTrouble::NotAllowed || trouble == DatabaseTrouble::Failed;
+}
+
+/// Without closing it: SQLite would bring what it holds into a file that is not its own, and remove another's.
+void abandon(const QString &connection)
+{
+    static auto *const abandoned = new QList<QSqlDatabase>;
+    abandoned->append(QSqlDatabase::database(connection, false));
 }
 } // namespace
 
-DatabaseError::DatabaseError(const QString &what)
-    : std::runtime_error(what.toStdString())
+Rows::Rows(QSqlQuery &&query)
+    : m_query(std::move(query))
 {
 }
 
-Database::Database(const QString &folder)
-    : m_connection(QUuid::createUuid().toString())
+bool Rows::next()
 {
-    if (!QDir().mkpath(folder))
-        throw DatabaseError(QStringLiteral("The data folder %1 cannot be made").arg(folder));
+    if (m_query.next())
+        return true;
+    if (m_query.lastError().isValid())
+        throw failed(m_query.lastQuery(), m_query.lastError());
+    return false;
+}
+
+Statement::Statement(QSqlQuery &&query, const QString &text)
+    : m_query(std::move(query))
+{
+    m_query.setForwardOnly(true);
+    if (!m_query.prepare(text))
+        throw failed(text, m_query.lastError());
+}
+
+void Statement::execute(const QVariantList &values)
+{
+    for (qsizetype i = 0; i < values.size(); ++i)
+        m_query.bindValue(static_cast<int>(i), values.at(i));
+    if (!m_query.exec())
+        throw failed(m_query.lastQuery(), m_query.lastError());
+}
+
+Effect Statement::run(const QVariantList &values)
+{
+    execute(values);
+    return {m_query.numRowsAffected(), m_query.lastInsertId().toLongLong()};
+}
+
+Rows Statement::rows(const QVariantList &values) &&
+{
+    execute(values);
+    return Rows(std::move(m_query));
+}
+
+QVariant Statement::value(const QVariantList &values)
+{
+    execute(values);
+    QVariant value;
+    if (m_query.next())
+        value = m_query.value(0);
+    else if (m_query.lastError().isValid())
+        throw failed(m_query.lastQuery(), m_query.lastError());
+    m_query.finish();
+    return value;
+}
+
+Database::Database(const QString &folder)
+    : m_file(folder)
+{
+    m_file.makeFolder();
+    if (!m_file.isThere())
+        make();
+    const bool wasLeftOpen = m_file.enterUse();
     try {
-        QSqlDatabase connection = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
-        connection.setDatabaseName(fileIn(folder));
-        connection.setConnectOptions(QString::fromLatin1(patience));
-        if (!connection.open()) {
-            throw DatabaseError(QStringLiteral("The database %1 cannot be opened: %2")
-                                    .arg(connection.databaseName(), connection.lastError().text()));
-        }
-        run(QStringLiteral("PRAGMA journal_mode = WAL"));
-        run(QStringLiteral("PRAGMA synchronous = FULL"));
-        run(QStringLiteral("PRAGMA foreign_keys = ON"));
-        updateSchema(*this);
+        open(wasLeftOpen);
+        m_file.remember();
     } catch (...) {
-        closeConnection(m_connection);
+        disconnect();
         throw;
     }
 }
 
 Database::~Database()
 {
-    closeConnection(m_connection);
+    if (m_isReplaced)
+        abandon(m_connection);
+    else
+        disconnect();
 }
 
 bool Database::isIn(const QString &folder)
 {
-    return QFile::exists(fileIn(folder));
+    try {
+        return DatabaseFile(folder).isThere();
+    } catch (const DatabaseError &) { // something is there, and opening it says what is wrong
+        return true;
+    }
 }
 
-QSqlQuery Database::prepared(const QString &statement)
+/// Under another name first, so that a file with the database's name always is a whole database.
+void Database::make()
 {
-    QSqlQuery query(QSqlDatabase::database(m_connection, false));
-    query.setForwardOnly(true);
-    if (!query.prepare(statement))
-        throw DatabaseError(QStringLiteral("%1: %2").arg(statement.simplified(), query.lastError().text()));
-    return query;
+    const QString made = m_file.path() + QStringLiteral(".new-") + QUuid::createUuid().toString(QUuid::Id128);
+    const int file =
+        ::open(QFile::encodeName(made).constData(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600);
+    if (file >= 0)
+        ::close(file);
+    try {
+        connect(made, Access::ReadWrite);
+        updateSchema(*this);
+        setId();
+        disconnect();
+        m_file.place(made);
+    } catch (const DatabaseError &error) {
+        disconnect();
+        QFile::remove(made);
+        throw m_file.whyDiskTakesNothing().value_or(error);
+    }
+    qCInfo(stationLog, "A new database was made: %s", qPrintable(m_file.path()));
 }
 
-QSqlQuery Database::run(const QString &statement, const QVariantList &values)
+void Database::open(bool wasLeftOpen)
 {
-    QSqlQuery query = prepared(statement);
-    for (const QVariant &value : values)
-        query.addBindValue(value);
-    execute(query);
-    return query;
+    try {
+        connect(m_file.path(), Access::ReadWrite);
+        if (wasLeftOpen)
+            check();
+        if (m_limitation)
+            return requireSchema(*this);
+        updateSchema(*this);
+        return setId();
+    } catch (const DatabaseError &error) {
+        disconnect();
+        m_limitation = mayBeReadAnyway(error.trouble()) ? m_file.whyNotWritable() : std::nullopt;
+        if (!m_limitation)
+            throw;
+    }
+    // SQLite reads as well without its files beside the database, but not past a write-ahead file that is there.
+    const Access first = m_file.writeAheadBytes() == 0 ? Access::Unchanging : Access::ReadOnly;
+    if (!openForReading(first) && !openForReading(Access::Alone))
+        throw *m_limitation;
+    qCInfo(stationLog, "The database can only be read: %s", m_limitation->what());
 }
 
-void execute(QSqlQuery &query)
+bool Database::openForReading(Access access)
 {
-    if (!query.exec())
-        throw DatabaseError(QStringLiteral("%1: %2").arg(query.lastQuery().simplified(), query.lastError().text()));
+    try {
+        connect(m_file.path(), access);
+        requireSchema(*this);
+        return true;
+    } catch (const DatabaseError &error) {
+        disconnect();
+        if (!mayBeReadAnyway(error.trouble()))
+            throw;
+        return false;
+    }
 }
 
-Transaction::Transaction(Database &database)
+void Database::connect(const QString &path, Access access)
+{
+    m_connection = QUuid::createUuid().toString();
+    QSqlDatabase connection = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
+    QString options = QString::fromLatin1(patience);
+    QString name = path;
+    if (access == Access::ReadOnly || access == Access::Unchanging)
+        options += QStringLiteral(";QSQLITE_OPEN_READONLY");
+    if (access == Access::Unchanging) {
+        options += QStringLiteral(";QSQLITE_OPEN_URI");
+        name = QStringLiteral("file:%1?immutable=1").arg(QString::fromLatin1(QUrl::toPercentEncoding(path, "/")));
+    }
+    connection.setDatabaseName(name);
+    connection.setConnectOptions(options);
+    if (!connection.open())
+        throw failed(QStringLiteral("The database %1 cannot be opened").arg(path), connection.lastError());
+    if (access == Access::Alone)
+        value(QStringLiteral("PRAGMA locking_mode = EXCLUSIVE"));
+    if (access == Access::ReadWrite) {
+        value(QStringLiteral("PRAGMA journal_mode = WAL"));
+        run(QStringLiteral("PRAGMA synchronous = FULL"));
+        run(QStringLiteral("PRAGMA foreign_keys = ON"));
+    }
+}
+
+void Database::disconnect()
+{
+    if (m_connection.isEmpty())
+        return;
+    const QString name = std::exchange(m_connection, {});
+    QSqlDatabase::database(name, false).close();
+    QSqlDatabase::removeDatabase(name);
+}
+
+/// SQLite takes most damage for data.
+void Database::check()
+{
+    const QString found = value(QStringLiteral("PRAGMA quick_check(1)")).toString();
+    if (found == QStringLiteral("ok"))
+        return;
+    m_limitation = DatabaseError(DatabaseTrouble::Damaged, found.simplified());
+    qCInfo(stationLog, "The database is damaged: %s", m_limitation->what());
+}
+
+/// Tells this database from any other that is written over it; databases of older stations have none.
+void Database::setId()
+{
+    if (value(QStringLiteral("PRAGMA application_id")).toInt() != 0)
+        return;
+    const int id = QRandomGenerator::system()->bounded(1, std::numeric_limits<int>::max());
+    run(QStringLiteral("PRAGMA application_id = %1").arg(id));
+    value(QStringLiteral("PRAGMA wal_checkpoint(TRUNCATE)"));
+}
+
+void Database::verify()
+{
+    try {
+        m_file.verify();
+    } catch (const DatabaseError &error) {
+        m_isReplaced = true;
+        m_limitation = error;
+        throw;
+    }
+}
+
+void Database::warnOnce(const QString &line)
+{
+    if (m_warnings.contains(line))
+        return;
+    m_warnings.append(line);
+    qCWarning(stationLog, "%s", qPrintable(line));
+}
+
+Statement Database::prepared(const QString &statement)
+{
+    return {QSqlQuery(QSqlDatabase::database(m_connection, false)), statement};
+}
+
+Effect Database::run(const QString &statement, const QVariantList &values)
+{
+    return prepared(statement).run(values);
+}
+
+Rows Database::rows(const QString &statement, const QVariantList &values)
+{
+    return prepared(statement).rows(values);
+}
+
+QVariant Database::value(const QString &statement, const QVariantList &values)
+{
+    return prepared(statement).value(values);
+}
+
+Transaction::Transaction(Database &database, Patience patience)
     : m_database(database)
 {
+    if (m_database.limitation())
+        throw *m_database.limitation();
+    m_database.verify(); // SQLite would take a file that was written over for a damaged one
+    if (patience == Patience::Short)
+        m_database.value(shortPatience);
+    const auto back = qScopeGuard([this, patience] {
+        if (patience == Patience::Short)
+            m_database.value(longPatience);
+    });
     m_database.run(QStringLiteral("BEGIN IMMEDIATE"));
 }
 
@@ -103,8 +329,10 @@ Transaction::~Transaction()
 
 void Transaction::commit()
 {
+    m_database.verify();
     m_database.run(QStringLiteral("COMMIT"));
     m_isOpen = false;
+    m_database.verify();
 }
 
 Snapshot::Snapshot(Database &database)

@@ -83,9 +83,22 @@ constexpr Step steps[] = {
 
 int version(Database &database)
 {
-    QSqlQuery query = database.run(QStringLiteral("PRAGMA user_version"));
-    query.next();
-    return query.value(0).toInt();
+    return database.value(QStringLiteral("PRAGMA user_version")).toInt();
+}
+
+/// Throws unless a station wrote @p found at some time.
+void requireKnown(int found)
+{
+    constexpr int newest = std::size(steps);
+    if (found < 0)
+        throw DatabaseError(DatabaseTrouble::Damaged,
+                            QStringLiteral("its version is %1, which no station writes").arg(found));
+    if (found > newest) {
+        throw DatabaseError(DatabaseTrouble::Newer,
+                            QStringLiteral("A newer station wrote the database: it has version %1, expected %2 at most")
+                                .arg(found)
+                                .arg(newest));
+    }
 }
 
 void take(Database &database, const Step &step)
@@ -99,19 +112,34 @@ void take(Database &database, const Step &step)
 void updateSchema(Database &database)
 {
     constexpr int newest = std::size(steps);
+    requireKnown(version(database));
     while (version(database) < newest) {
-        Transaction transaction(database);
-        const int taken = version(database); // another process may have been quicker
-        if (taken >= newest)
-            break;
-        take(database, steps[taken]);
-        database.run(QStringLiteral("PRAGMA user_version = %1").arg(taken + 1));
-        transaction.commit();
+        database.run(QStringLiteral("BEGIN IMMEDIATE"));
+        try {
+            const int taken = version(database); // another process may have been quicker
+            requireKnown(taken);
+            if (taken < newest) {
+                take(database, steps[taken]);
+                database.run(QStringLiteral("PRAGMA user_version = %1").arg(taken + 1));
+            }
+            database.run(QStringLiteral("COMMIT"));
+        } catch (...) {
+            database.run(QStringLiteral("ROLLBACK"));
+            throw;
+        }
     }
+}
+
+void requireSchema(Database &database)
+{
+    constexpr int newest = std::size(steps);
     const int found = version(database);
-    if (found > newest) {
-        throw DatabaseError(QStringLiteral("A newer station wrote the database: it has version %1, expected %2 at most")
-                                .arg(found)
-                                .arg(newest));
+    requireKnown(found);
+    if (found < newest) {
+        throw DatabaseError(
+            DatabaseTrouble::Failed,
+            QStringLiteral("an older station wrote it (version %1 of %2), and it cannot be brought up to date")
+                .arg(found)
+                .arg(newest));
     }
 }

@@ -7,5 +7,8 @@ class Database;
 /// Brings the tables of @p database up to date, one version after the other, each in a transaction of its own.
 ///
 /// The version is the number of steps taken, kept in SQLite's user_version. A step that was published is never changed;
-/// what comes later is a step behind it. Throws DatabaseError where a newer station wrote the database.
+/// what comes later is a step behind it. Throws DatabaseError where a newer station wrote the database, or nobody did.
 void updateSchema(Database &database);
+
+/// Throws DatabaseError unless the tables of @p database, which may not be written, are up to date.
+void requireSchema(Database &database);

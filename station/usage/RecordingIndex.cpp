@@ -7,20 +7,14 @@
 #include <QJsonObject>
 
 namespace {
-QStringList firstColumn(QSqlQuery query)
+QStringList firstColumn(Rows rows)
 {
     QStringList values;
-    while (query.next())
-        values.append(query.value(0).toString());
+    while (rows.next())
+        values.append(rows.value(0).toString());
     return values;
 }
 
-void executeWith(QSqlQuery &query, const QVariantList &values)
-{
-    for (qsizetype i = 0; i < values.size(); ++i)
-        query.bindValue(static_cast<int>(i), values.at(i));
-    execute(query);
-}
 /// All files of a day in one value: a row at a time costs about twice as much.
 QString json(const QJsonDocument &document)
 {
@@ -54,24 +48,24 @@ RecordingIndex::RecordingIndex(Database &database)
 QStringList RecordingIndex::cameras(qint64 place) const
 {
     return firstColumn(
-        m_database.run(QStringLiteral("SELECT DISTINCT camera FROM recorded_day WHERE place = ?"), {place}));
+        m_database.rows(QStringLiteral("SELECT DISTINCT camera FROM recorded_day WHERE place = ?"), {place}));
 }
 
 QStringList RecordingIndex::days(qint64 place, const QString &camera) const
 {
-    return firstColumn(
-        m_database.run(QStringLiteral("SELECT day FROM recorded_day WHERE place = ? AND camera = ?"), {place, camera}));
+    return firstColumn(m_database.rows(QStringLiteral("SELECT day FROM recorded_day WHERE place = ? AND camera = ?"),
+                                       {place, camera}));
 }
 
 std::optional<QHash<QString, qint64>> RecordingIndex::files(const DayFolder &folder) const
 {
-    QSqlQuery query = m_database.run(
+    Rows rows = m_database.rows(
         QStringLiteral("SELECT (SELECT json_group_object(name, bytes) FROM recorded_file WHERE day_number = number)"
                        " FROM recorded_day WHERE place = ? AND camera = ? AND day = ?"),
         {folder.place, folder.camera, folder.day});
-    if (!query.next())
+    if (!rows.next())
         return {};
-    const QJsonObject object = QJsonDocument::fromJson(query.value(0).toString().toUtf8()).object();
+    const QJsonObject object = QJsonDocument::fromJson(rows.value(0).toString().toUtf8()).object();
     QHash<QString, qint64> files;
     files.reserve(object.size());
     for (auto file = object.begin(); file != object.end(); ++file)
@@ -94,14 +88,14 @@ void RecordingIndex::updateSum(PlaceSums &sums, qint64 number) const
 
 void RecordingIndex::readSums(PlaceSums &sums, const QString &condition, const QVariantList &values) const
 {
-    QSqlQuery places = m_database.run(
+    Rows places = m_database.rows(
         QStringLiteral("SELECT number AS place, is_read FROM recording_place WHERE %1").arg(condition), values);
     while (places.next())
         sums[places.value(0).toLongLong()].isRead = places.value(1).toBool();
-    QSqlQuery days = m_database.run(QStringLiteral("SELECT place, day, sum(files), sum(bytes) FROM recorded_day"
-                                                   " WHERE files > 0 AND %1 GROUP BY place, day")
-                                        .arg(condition),
-                                    values);
+    Rows days = m_database.rows(QStringLiteral("SELECT place, day, sum(files), sum(bytes) FROM recorded_day"
+                                               " WHERE files > 0 AND %1 GROUP BY place, day")
+                                    .arg(condition),
+                                values);
     while (days.next()) {
         const QDate day = QDate::fromString(days.value(1).toString(), Qt::ISODate);
         sums[days.value(0).toLongLong()].days.insert(day, {days.value(2).toLongLong(), days.value(3).toLongLong()});
@@ -111,25 +105,23 @@ void RecordingIndex::readSums(PlaceSums &sums, const QString &condition, const Q
 void RecordingIndex::apply(const QList<DayChange> &changes)
 {
     Transaction transaction(m_database);
-    QSqlQuery setDay = m_database.prepared(
+    Statement setDay = m_database.prepared(
         QStringLiteral("INSERT INTO recorded_day (place, camera, day, files, bytes) VALUES (?, ?, ?, ?, ?)"
                        " ON CONFLICT (place, camera, day) DO UPDATE SET files = excluded.files, bytes = excluded.bytes"
                        " RETURNING number"));
-    QSqlQuery write =
+    Statement write =
         m_database.prepared(QStringLiteral("INSERT OR REPLACE INTO recorded_file (day_number, name, bytes)"
                                            " SELECT ?, key, value FROM json_each(?)"));
-    QSqlQuery remove = m_database.prepared(
+    Statement remove = m_database.prepared(
         QStringLiteral("DELETE FROM recorded_file WHERE day_number = ? AND name IN (SELECT value FROM json_each(?))"));
     for (const DayChange &change : changes) {
         const DayFolder &folder = change.folder;
-        executeWith(setDay, {folder.place, folder.camera, folder.day, change.sum.files, change.sum.bytes});
-        setDay.next();
-        const qint64 number = setDay.value(0).toLongLong();
-        setDay.finish();
+        const QVariant number =
+            setDay.value({folder.place, folder.camera, folder.day, change.sum.files, change.sum.bytes});
         if (!change.written.isEmpty())
-            executeWith(write, {number, json(QJsonDocument(objectOf(change.written)))});
+            write.run({number, json(QJsonDocument(objectOf(change.written)))});
         if (!change.removed.isEmpty())
-            executeWith(remove, {number, json(QJsonDocument(QJsonArray::fromStringList(change.removed)))});
+            remove.run({number, json(QJsonDocument(QJsonArray::fromStringList(change.removed)))});
     }
     transaction.commit();
 }
@@ -137,15 +129,14 @@ void RecordingIndex::apply(const QList<DayChange> &changes)
 bool RecordingIndex::resize(const DayFolder &folder, const QString &name, qint64 bytes)
 {
     Transaction transaction(m_database);
-    QSqlQuery query = m_database.run(QStringLiteral("SELECT number, recorded_file.bytes FROM recorded_day"
-                                                    " JOIN recorded_file ON day_number = number"
-                                                    " WHERE place = ? AND camera = ? AND day = ? AND name = ?"),
-                                     {folder.place, folder.camera, folder.day, name});
-    if (!query.next())
+    Rows rows = m_database.rows(QStringLiteral("SELECT number, recorded_file.bytes FROM recorded_day"
+                                               " JOIN recorded_file ON day_number = number"
+                                               " WHERE place = ? AND camera = ? AND day = ? AND name = ?"),
+                                {folder.place, folder.camera, folder.day, name});
+    if (!rows.next())
         return false;
-    const qint64 number = query.value(0).toLongLong();
-    const qint64 grownBy = bytes - query.value(1).toLongLong();
-    query.finish();
+    const qint64 number = rows.value(0).toLongLong();
+    const qint64 grownBy = bytes - rows.value(1).toLongLong();
     m_database.run(QStringLiteral("UPDATE recorded_file SET bytes = ? WHERE day_number = ? AND name = ?"),
                    {bytes, number, name});
     m_database.run(QStringLiteral("UPDATE recorded_day SET bytes = bytes + ? WHERE number = ?"), {grownBy, number});

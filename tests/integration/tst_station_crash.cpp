@@ -87,10 +87,10 @@ int StationCrashTest::runUntilKilled(int firstEdit, int lastEdit, qint64 microse
 QStringList StationCrashTest::stored() const
 {
     Database database(data());
-    QSqlQuery check = database.run(QStringLiteral("PRAGMA integrity_check"));
-    if (!check.next() || check.value(0).toString() != QStringLiteral("ok"))
-        return {QStringLiteral("damaged: ") + check.value(0).toString()};
-    if (database.run(QStringLiteral("PRAGMA foreign_key_check")).next())
+    const QString check = database.value(QStringLiteral("PRAGMA integrity_check")).toString();
+    if (check != QStringLiteral("ok"))
+        return {QStringLiteral("damaged: ") + check};
+    if (database.value(QStringLiteral("PRAGMA foreign_key_check")).isValid())
         return {QStringLiteral("a row without its group or camera")};
     return texts(GroupStore(database).groups());
 }

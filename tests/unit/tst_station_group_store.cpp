@@ -107,8 +107,7 @@ void StationGroupStoreTest::cleanup()
 
 int StationGroupStoreTest::rows(const QString &table)
 {
-    QSqlQuery query = m_database->run(QStringLiteral("SELECT count(*) FROM %1").arg(table));
-    return query.next() ? query.value(0).toInt() : -1;
+    return m_database->value(QStringLiteral("SELECT count(*) FROM %1").arg(table)).toInt();
 }
 
 void StationGroupStoreTest::aGroupIsReadAsItWasWritten()

@@ -60,15 +60,14 @@ void StationUsageTest::theIndexIsThereAtTheNextStart()
     QTRY_COMPARE(lines(), u"Doors 1 3000 1024000 614400"_s);
     m_station.reset();
     Database database(m_site->dataFolder());
-    QSqlQuery query = database.run(u"SELECT camera, day, name, recorded_file.bytes FROM recorded_file"
-                                   " JOIN recorded_day ON number = day_number"_s);
-    QVERIFY(query.next());
-    QCOMPARE(query.value(0).toString(), u"Gate"_s);
-    QCOMPARE(query.value(1).toString(), u"2026-03-19"_s);
-    QCOMPARE(query.value(2).toString(), u"0001.rec"_s);
-    QCOMPARE(query.value(3).toLongLong(), 3000);
-    QVERIFY(!query.next());
-    query.finish();
+    Rows rows = database.rows(u"SELECT camera, day, name, recorded_file.bytes FROM recorded_file"
+                              " JOIN recorded_day ON number = day_number"_s);
+    QVERIFY(rows.next());
+    QCOMPARE(rows.value(0).toString(), u"Gate"_s);
+    QCOMPARE(rows.value(1).toString(), u"2026-03-19"_s);
+    QCOMPARE(rows.value(2).toString(), u"0001.rec"_s);
+    QCOMPARE(rows.value(3).toLongLong(), 3000);
+    QVERIFY(!rows.next());
 
     m_events.clear();
     QVERIFY(QFile::remove(day(1) + u"/0001.rec"_s)); // while nobody looks

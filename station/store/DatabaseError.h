@@ -1,0 +1,40 @@
+#pragma once
+
+#include "alarms/StationTrouble.h"
+
+#include <QString>
+
+#include <stdexcept>
+
+/// What keeps the station from using its database.
+enum class DatabaseTrouble {
+    Missing, ///< its folder held one before
+    Damaged,
+    Newer, ///< a newer station wrote it
+    NotAllowed, ///< the station's user may not read or write it
+    NotOwned, ///< it belongs to another user
+    Full, ///< its disk has no space left
+    ReadOnly, ///< its disk is mounted read-only
+    Busy, ///< another program held it for too long
+    Replaced, ///< the folder or the file is not the one that was opened
+    Failed, ///< anything else, a failing disk for instance
+};
+
+/// The station's database failed: what was tried, and what the system or SQLite says of it.
+class DatabaseError : public std::runtime_error
+{
+public:
+    DatabaseError(DatabaseTrouble trouble, const QString &what);
+
+    DatabaseTrouble trouble() const { return m_trouble; }
+
+private:
+    DatabaseTrouble m_trouble;
+};
+
+/// The word of StationReturnCode that a command is refused with.
+QString returnCodeOf(DatabaseTrouble trouble);
+
+/// @p error as operators are told of it; StationTrouble::since is left to whoever noticed it.
+/// @param file the database
+StationTrouble troubleOf(const DatabaseError &error, const QString &file);
