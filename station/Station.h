@@ -5,6 +5,7 @@
 #include "StationSettings.h"
 #include "TimedWork.h"
 #include "VolumeCommands.h"
+#include "alarms/StationAlarms.h"
 #include "groups/CameraCommands.h"
 #include "groups/GroupCommands.h"
 #include "groups/LocalPaths.h"
@@ -40,6 +41,8 @@ signals:
     void eventRaised(const StationEvent &event);
 
 private:
+    void carryOut(const CommandHandler &handler, const QVariant &data, const Answer &part);
+
     std::unique_ptr<VolumeSource> m_volumes;
     StationData m_data;
     LocalPaths m_localPaths;
@@ -54,5 +57,6 @@ private:
     NasRegistry m_nasRegistry;
     NasShares m_nasShares;
     SampleSite m_sampleSite;
+    StationAlarms m_alarms;
     CommandTable m_commands;
 };

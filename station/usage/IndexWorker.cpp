@@ -16,14 +16,23 @@ bool isEnding()
 }
 } // namespace
 
-IndexWorker::IndexWorker(QString dataFolder, const UsageSettings &settings)
+IndexWorker::IndexWorker(QString dataFolder, const UsageSettings &settings, std::shared_ptr<ReadingMark> mark)
     : m_dataFolder(std::move(dataFolder))
     , m_sliceTime(settings.sliceTime)
     , m_progressInterval(settings.progressInterval)
+    , m_mark(std::move(mark))
     , m_watch(this)
     , m_settle(this)
     , m_turn(this)
+    , m_retry(this)
+    , m_pause(settings.retryTime)
+    , m_firstPause(settings.retryTime)
 {
+    m_retry.setSingleShot(true);
+    connect(&m_retry, &QTimer::timeout, this, [this] {
+        enqueueAll();
+        m_turn.start();
+    });
     m_settle.setSingleShot(true);
     m_settle.setInterval(settings.settleTime);
     m_turn.setInterval(0);
@@ -44,9 +53,13 @@ void IndexWorker::open()
     if (m_reader)
         return;
     m_database = std::make_unique<Database>(m_dataFolder);
+    m_index.emplace(*m_database);
+    if (const std::optional<DatabaseError> limitation = m_database->limitation()) {
+        tellSums(); // as they were when it could be written
+        throw *limitation;
+    }
     // What a loss of power takes of the index is read from the folders again.
     m_database->run(QStringLiteral("PRAGMA synchronous = NORMAL"));
-    m_index.emplace(*m_database);
     m_reader.emplace(*m_index, m_watch);
 }
 
@@ -76,14 +89,26 @@ void IndexWorker::setPlaces(const QList<IndexedPlace> &places)
 
 void IndexWorker::reconcile(quint64 ticket)
 {
-    m_tasks.clear();
     m_ticket = ticket;
+    m_retry.stop(); // somebody asks: now
+    enqueueAll();
+    m_turn.start();
+}
+
+void IndexWorker::leaveDatabase(const DatabaseError &reason)
+{
+    if (!m_end)
+        giveUp(reason);
+}
+
+void IndexWorker::enqueueAll()
+{
+    m_tasks.clear();
     for (const IndexedPlace &place : std::as_const(m_places)) {
         if (place.isPresent)
             enqueuePlace(place);
     }
     m_areAllSumsOld = true;
-    m_turn.start();
 }
 
 void IndexWorker::enqueuePlace(const IndexedPlace &place)
@@ -106,16 +131,36 @@ void IndexWorker::enqueueChanges()
 
 void IndexWorker::work()
 {
-    if (isEnding())
+    if (isEnding() || m_retry.isActive())
         return m_turn.stop();
     try {
+        if (m_end)
+            throw DatabaseError(*m_end);
         workSlice();
     } catch (const DatabaseError &error) {
-        qCWarning(stationLog, "The index of recorded files: %s", error.what());
-        m_tasks.clear();
-        m_areAllSumsOld = true;
-        finishRun();
+        giveUp(error);
     }
+}
+
+void IndexWorker::giveUp(const DatabaseError &error)
+{
+    constexpr std::chrono::milliseconds longestPause = std::chrono::seconds(30);
+    qCInfo(stationLog, "The index of recorded files: %s", error.what());
+    m_mark->end();
+    m_reader.reset();
+    m_index.reset();
+    m_database.reset();
+    m_tasks.clear();
+    m_areAllSumsOld = true;
+    m_unreadable.reset();
+    emit failed(error);
+    finishRun();
+    if (error.trouble() == DatabaseTrouble::Damaged || error.trouble() == DatabaseTrouble::Replaced) {
+        m_end = error;
+        return;
+    }
+    m_retry.start(m_pause);
+    m_pause = std::min(2 * m_pause, longestPause);
 }
 
 void IndexWorker::workSlice()
@@ -147,8 +192,13 @@ void IndexWorker::workSlice()
         m_run.elapsed() >= m_progressInterval.count() && m_told.elapsed() >= m_progressInterval.count();
     if (isDone || isTimeToTell)
         tellSums();
-    if (isDone)
+    if (isDone) {
+        m_pause = m_firstPause;
+        const QStringList unreadable = m_reader->unreadable();
+        if (m_unreadable != unreadable)
+            emit worked(*(m_unreadable = unreadable));
         return finishRun();
+    }
     if (isTimeToTell) {
         tellProgress(true);
         m_told.start();
@@ -167,7 +217,9 @@ void IndexWorker::runTask(const Task &task)
             m_index->markRead(place->number);
         return;
     }
+    m_mark->begin(place->root);
     const QList<ReadTask> below = m_reader->read(task.read, *place);
+    m_mark->end();
     for (auto next = below.crbegin(); next != below.crend(); ++next)
         m_tasks.push_front({*next});
 }

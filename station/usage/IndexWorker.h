@@ -2,6 +2,8 @@
 
 #include "FolderWatch.h"
 #include "PlaceReader.h"
+#include "ReadingMark.h"
+#include "store/DatabaseError.h"
 
 #include <QElapsedTimer>
 #include <QObject>
@@ -19,26 +21,34 @@ struct UsageSettings;
 /// Keeps the index of recorded files in line with the folders: reads all of a place when it comes, and what changes
 /// after that. Lives on a thread of its own, where every function is called, with a connection to the database of its
 /// own. Works in slices between which the thread's event loop turns; ends with the folder that it reads, or within it,
-/// when the thread is asked to end.
+/// when the thread is asked to end. Where the database fails it says so, opens it anew after a while that grows, and
+/// reads everything again.
 class IndexWorker : public QObject
 {
     Q_OBJECT
 public:
     /// @param dataFolder of the station's database
-    IndexWorker(QString dataFolder, const UsageSettings &settings);
+    /// @param mark says which folder is being read
+    IndexWorker(QString dataFolder, const UsageSettings &settings, std::shared_ptr<ReadingMark> mark);
     ~IndexWorker() override;
 
     /// Takes @p places in the place of the ones before, and reads those through that have come, or come back.
     void setPlaces(const QList<IndexedPlace> &places);
     /// Reads all places through; reconciled() with @p ticket follows, or with that of a later call.
     void reconcile(quint64 ticket);
+    /// Reads and writes the database no more, as it is damaged; @p reason is what failed() repeats.
+    void leaveDatabase(const DatabaseError &reason);
 
 signals:
     void sumsChanged(const PlaceSums &sums);
     /// Of a run through the folders that takes longer: files looked at, files expected (-1: unknown), and whether it
     /// goes on.
     void progressed(qint64 done, qint64 total, bool isRunning);
-    void reconciled(quint64 ticket); ///< after sumsChanged(); also when the database failed
+    void reconciled(quint64 ticket); ///< after sumsChanged(), or failed()
+    /// The database could not be read or written; sumsChanged() may have told what was read from it before.
+    void failed(const DatabaseError &error);
+    /// It could be read and written, and these folders could not be read; not repeated while nothing changes.
+    void worked(const QStringList &unreadable);
     /// A place is not on its file system any more.
     void placeLeft();
 
@@ -51,9 +61,10 @@ private:
 
     void open();
     void enqueuePlace(const IndexedPlace &place);
-    void gather(QSet<QString> &changed, const QString &path);
     void enqueueChanges();
+    void enqueueAll();
     void work();
+    void giveUp(const DatabaseError &error);
     void workSlice();
     void runTask(const Task &task);
     void finishRun();
@@ -63,6 +74,7 @@ private:
     QString m_dataFolder;
     std::chrono::milliseconds m_sliceTime;
     std::chrono::milliseconds m_progressInterval;
+    std::shared_ptr<ReadingMark> m_mark;
     std::unique_ptr<Database> m_database;
     std::optional<RecordingIndex> m_index;
     std::optional<PlaceReader> m_reader;
@@ -74,6 +86,11 @@ private:
     QSet<QString> m_changed; // folders and files
     QTimer m_settle;
     QTimer m_turn;
+    QTimer m_retry;
+    std::optional<DatabaseError> m_end; // a failure that does not pass
+    std::chrono::milliseconds m_pause; // before the next retry
+    std::chrono::milliseconds m_firstPause;
+    std::optional<QStringList> m_unreadable; // as told; none after a failure
 
     QElapsedTimer m_run; // valid while there are tasks
     QElapsedTimer m_told; // since sums and progress were told

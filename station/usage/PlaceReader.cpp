@@ -3,6 +3,7 @@
 #include "FolderWatch.h"
 #include "StationLog.h"
 
+#include <QSet>
 #include <QThread>
 
 #include <algorithm>
@@ -98,6 +99,14 @@ void PlaceReader::write()
         m_index.apply(std::exchange(m_changes, {}));
 }
 
+QStringList PlaceReader::unreadable() const
+{
+    QStringList folders = m_incomplete.values();
+    folders.removeAll(QString());
+    folders.sort();
+    return folders;
+}
+
 /// Asked after the reading: a disk that was unmounted leaves an empty folder, or none, and that is no reason to forget
 /// what is on it.
 bool PlaceReader::isUsable(ReadResult result, const IndexedPlace &place, const QString &path)
@@ -106,8 +115,9 @@ bool PlaceReader::isUsable(ReadResult result, const IndexedPlace &place, const Q
     m_hasLeft |= hasLeft;
     if (!hasLeft && result != ReadResult::Failed)
         return true;
-    m_incomplete.insert(place.number);
-    if (!hasLeft && !QThread::currentThread()->isInterruptionRequested())
+    const bool isEnding = QThread::currentThread()->isInterruptionRequested();
+    m_incomplete.insert(place.number, hasLeft || isEnding ? QString() : path);
+    if (!hasLeft && !isEnding)
         qCWarning(stationLog, "The recordings in %s cannot be read.", qPrintable(path));
     return false;
 }

@@ -3,8 +3,9 @@
 #include "FolderReader.h"
 #include "RecordingIndex.h"
 
+#include <QHash>
 #include <QList>
-#include <QSet>
+#include <QStringList>
 
 #include <utility>
 
@@ -54,6 +55,8 @@ public:
 
     /// Whether all of a place could be read since it was read deeply.
     bool isComplete(qint64 place) const { return !m_incomplete.contains(place); }
+    /// The folders that could not be read, one for each place that is not complete and still on its file system.
+    QStringList unreadable() const;
     qint64 filesRead() const { return m_filesRead; } ///< since the start
     /// Whether a place was found not to be on its file system since the last call; nothing is changed for it then.
     bool takeHasLeft() { return std::exchange(m_hasLeft, false); }
@@ -70,7 +73,7 @@ private:
     FolderWatch &m_watch;
     QList<DayChange> m_changes; // read, not written yet
     QHash<QString, QString> m_newestDay; // of each camera's folder
-    QSet<qint64> m_incomplete; // places of which something could not be read
+    QHash<qint64, QString> m_incomplete; // by place, a folder that could not be read; empty where the disk left
     qint64 m_filesRead = 0;
     bool m_hasLeft = false;
 };

@@ -1,54 +1,81 @@
 #include "RecordingPlaces.h"
 
 #include "FolderReader.h"
+#include "StationData.h"
 #include "store/Database.h"
 
 #include <QFileInfo>
 
-RecordingPlaces::RecordingPlaces(Database &database, const VolumeSource &volumes)
-    : m_database(database)
+namespace {
+/// An empty text is bound as such: a null QString would be NULL.
+QVariant text(const QString &value)
+{
+    return value.isNull() ? QStringLiteral("") : value;
+}
+} // namespace
+
+RecordingPlaces::RecordingPlaces(StationData &data, const VolumeSource &volumes)
+    : m_data(data)
     , m_volumes(volumes)
 {
 }
 
 void RecordingPlaces::update(const QList<RecordingGroup> &groups, const QString &backupFolder)
 {
-    Transaction transaction(m_database);
-    m_database.run(QStringLiteral("CREATE TEMP TABLE IF NOT EXISTS wanted_place (path TEXT, folder TEXT)"));
-    m_database.run(QStringLiteral("DELETE FROM wanted_place"));
+    QMap<Key, QString> wanted;
     for (const RecordingGroup &group : groups) {
         for (const GroupPath &path : group.paths) {
             if (path.kind == PathKind::Local)
-                enter(path.path, group.folder, group.id);
+                wanted.insert({path.path, group.folder}, group.id);
         }
     }
     if (!backupFolder.isEmpty())
-        enter(backupFolder, QLatin1String(""), UsageGroup::backup);
-    m_database.run(QStringLiteral("UPDATE recording_place SET group_id = '' WHERE group_id <> ''"
-                                  " AND (path, folder) NOT IN (SELECT path, folder FROM wanted_place)"));
-    transaction.commit();
+        wanted.insert({backupFolder, QString()}, UsageGroup::backup);
+    load();
+    QMap<Key, QString> different = wanted;
+    for (const RecordingPlace &place : std::as_const(m_places)) {
+        const Key key{place.path, place.folder};
+        const QString groupId = wanted.value(key);
+        if (groupId == place.groupId)
+            different.remove(key);
+        else
+            different.insert(key, groupId);
+    }
+    if (different.isEmpty() || m_data.database().limitation())
+        return;
+    write(different);
     load();
 }
 
 /// A place that comes to a group, new or from none, learns its volume anew when it is looked at.
-void RecordingPlaces::enter(const QString &path, const QString &folder, const QString &groupId)
+void RecordingPlaces::write(const QMap<Key, QString> &groupIds)
 {
-    m_database.run(QStringLiteral("INSERT INTO wanted_place (path, folder) VALUES (?, ?)"), {path, folder});
-    m_database.run(QStringLiteral("INSERT INTO recording_place (path, folder, group_id, volume_path, volume_name)"
-                                  " VALUES (?, ?, ?, '', '') ON CONFLICT (path, folder) DO UPDATE"
-                                  " SET group_id = excluded.group_id, volume_path = '', volume_name = ''"
-                                  " WHERE group_id <> excluded.group_id"),
-                   {path, folder, groupId});
+    Database &database = m_data.database();
+    Transaction transaction(database, Transaction::Patience::Short);
+    for (auto place = groupIds.cbegin(); place != groupIds.cend(); ++place) {
+        const auto &[path, folder] = place.key();
+        if (place->isEmpty()) {
+            database.run(QStringLiteral("UPDATE recording_place SET group_id = '' WHERE path = ? AND folder = ?"),
+                         {path, text(folder)});
+            continue;
+        }
+        database.run(QStringLiteral("INSERT INTO recording_place (path, folder, group_id, volume_path, volume_name)"
+                                    " VALUES (?, ?, ?, '', '') ON CONFLICT (path, folder) DO UPDATE"
+                                    " SET group_id = excluded.group_id, volume_path = '', volume_name = ''"
+                                    " WHERE group_id <> excluded.group_id"),
+                     {path, text(folder), *place});
+    }
+    transaction.commit();
 }
 
 void RecordingPlaces::load()
 {
     m_places.clear();
-    QSqlQuery query = m_database.run(QStringLiteral("SELECT number, path, folder, group_id, volume_path, volume_name"
-                                                    " FROM recording_place ORDER BY path, folder"));
-    while (query.next()) {
-        m_places.append({query.value(0).toLongLong(), query.value(1).toString(), query.value(2).toString(),
-                         query.value(3).toString(), query.value(4).toString(), query.value(5).toString()});
+    Rows rows = m_data.database().rows(QStringLiteral("SELECT number, path, folder, group_id, volume_path, volume_name"
+                                                      " FROM recording_place ORDER BY path, folder"));
+    while (rows.next()) {
+        m_places.append({rows.value(0).toLongLong(), rows.value(1).toString(), rows.value(2).toString(),
+                         rows.value(3).toString(), rows.value(4).toString(), rows.value(5).toString()});
     }
 }
 
@@ -56,8 +83,13 @@ void RecordingPlaces::remember(RecordingPlace &place, const Volume &volume)
 {
     if (place.volumePath == volume.path && place.volumeName == volume.name)
         return;
-    m_database.run(QStringLiteral("UPDATE recording_place SET volume_path = ?, volume_name = ? WHERE number = ?"),
-                   {volume.path, volume.name, place.number});
+    Database &database = m_data.database();
+    if (database.limitation())
+        return;
+    Transaction transaction(database, Transaction::Patience::Short);
+    database.run(QStringLiteral("UPDATE recording_place SET volume_path = ?, volume_name = ? WHERE number = ?"),
+                 {volume.path, volume.name, place.number});
+    transaction.commit();
     place.volumePath = volume.path;
     place.volumeName = volume.name;
 }
@@ -85,9 +117,12 @@ QHash<qint64, PlaceState> RecordingPlaces::look()
         const bool isPresent = volume && found->device != 0 // a folder
             && (place.volumePath.isEmpty() || place.volumePath == volume->path);
         if (isPresent) {
-            state = {UsagePlace::Storage::Present, *volume, found->device};
+            state = {UsagePlace::Storage::Present, *volume, true, found->device};
             remember(place, *volume);
         } else {
+            const std::optional<Volume> mounted =
+                place.volumePath.isEmpty() ? std::nullopt : m_volumes.volumeHolding(place.volumePath);
+            state.isVolumeThere = place.volumePath.isEmpty() || (mounted && mounted->path == place.volumePath);
             state.volume.path = place.volumePath;
             state.volume.name = place.volumeName;
         }

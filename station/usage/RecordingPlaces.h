@@ -4,8 +4,11 @@
 #include "groups/RecordingGroup.h"
 
 #include <QHash>
+#include <QMap>
 
-class Database;
+#include <utility>
+
+class StationData;
 
 /// A folder that holds recordings: what a recording group stored below one of its paths, or the backup area.
 struct RecordingPlace
@@ -25,6 +28,7 @@ struct PlaceState
 {
     UsagePlace::Storage storage = UsagePlace::Storage::Gone;
     Volume volume; ///< as in UsagePlace
+    bool isVolumeThere = false; ///< the volume that the place came to the group on is mounted
     quint64 device = 0; ///< number of the file system that the place's path is on, while it is present
 };
 
@@ -34,10 +38,10 @@ class RecordingPlaces
 {
 public:
     /// Both must outlive this object.
-    RecordingPlaces(Database &database, const VolumeSource &volumes);
+    RecordingPlaces(StationData &data, const VolumeSource &volumes);
 
     /// Brings the places in line with the local paths of @p groups and the backup area. What belongs to no group any
-    /// more is kept, as its files are.
+    /// more is kept, as its files are. Writes only what is different, and nothing where the database can only be read.
     void update(const QList<RecordingGroup> &groups, const QString &backupFolder);
 
     const QList<RecordingPlace> &places() const { return m_places; } ///< as of the last update
@@ -45,11 +49,13 @@ public:
     QHash<qint64, PlaceState> look();
 
 private:
-    void enter(const QString &path, const QString &folder, const QString &groupId);
+    /// Path and folder of a place.
+    using Key = std::pair<QString, QString>;
+    void write(const QMap<Key, QString> &groupIds);
     void load();
     void remember(RecordingPlace &place, const Volume &volume);
 
-    Database &m_database;
+    StationData &m_data;
     const VolumeSource &m_volumes;
     QList<RecordingPlace> m_places;
 };

@@ -7,6 +7,7 @@
 #include "groups/GroupStore.h"
 #include "store/Database.h"
 
+#include <algorithm>
 #include <utility>
 
 StorageUsage::StorageUsage(const VolumeSource &volumes, StationData &data, NasAccounts &accounts, TimedWork &work,
@@ -15,7 +16,11 @@ StorageUsage::StorageUsage(const VolumeSource &volumes, StationData &data, NasAc
     , m_volumes(volumes)
     , m_data(data)
     , m_settings(std::move(settings))
+    , m_places(data, volumes)
     , m_nasVolumes(accounts, work, m_settings.nasInterval, this)
+    , m_clock(data.folder(), m_settings.now)
+    , m_mark(std::make_shared<ReadingMark>())
+    , m_pause(m_settings.retryTime)
     , m_groupsTimer(this)
     , m_tellTimer(this)
     , m_volumeTimer(this)
@@ -55,16 +60,23 @@ void StorageUsage::reload(const QVariant &data, const Answer &answer)
 {
     if (!data.isNull())
         return answer(lastPart(StationReturnCode::BadRequest));
+    // An edit that came before is to be seen in the figures, and figures of groups that cannot be read are none.
+    if (m_data.isDatabaseThere()) {
+        m_groupsTimer.stop();
+        try {
+            readGroups();
+        } catch (const DatabaseError &error) {
+            takeFailure(error);
+            throw;
+        }
+        useGroups();
+    }
     answer(lastPart(StationReturnCode::Success));
     QMetaObject::invokeMethod(this, &StorageUsage::readThrough, Qt::QueuedConnection);
 }
 
 void StorageUsage::readThrough()
 {
-    if (m_groupsTimer.isActive()) { // an edit that came before is to be seen in the answer
-        m_groupsTimer.stop();
-        followGroups();
-    }
     look();
     m_nasVolumes.askAll();
     // What is known before the answer waits for it, as long as events are apart anyway.
@@ -72,6 +84,7 @@ void StorageUsage::readThrough()
         m_tellTimer.start(m_settings.tellInterval);
     if (m_worker) {
         m_isReading = true;
+        m_readingSince = QDateTime::currentDateTimeUtc();
         ++m_ticket;
         QMetaObject::invokeMethod(m_worker.get(),
                                   [worker = m_worker.get(), ticket = m_ticket] { worker->reconcile(ticket); });
@@ -99,10 +112,23 @@ void StorageUsage::followGroups()
     try {
         readGroups();
     } catch (const DatabaseError &error) {
-        qCWarning(stationLog, "Storage usage: %s", error.what());
-        return;
+        return takeFailure(error);
     }
-    const bool isAnything = !m_places->places().isEmpty();
+    useGroups();
+}
+
+void StorageUsage::readGroups()
+{
+    m_groups = GroupStore(m_data.database()).groups();
+    m_places.update(m_groups, m_settings.backupFolder);
+    m_nasVolumes.setGroups(m_groups);
+    m_pause = m_settings.retryTime;
+    m_groupsFailure.reset();
+}
+
+void StorageUsage::useGroups()
+{
+    const bool isAnything = !m_places.places().isEmpty();
     if (isAnything && !m_worker)
         startWorker();
     m_states.clear(); // the worker gets every change of the places
@@ -113,23 +139,43 @@ void StorageUsage::followGroups()
         m_volumeTimer.stop();
 }
 
-void StorageUsage::readGroups()
+/// Reads the groups again after a while that grows, unless they never can be.
+void StorageUsage::takeFailure(const DatabaseError &error)
 {
-    Database &database = m_data.database();
-    if (!m_places)
-        m_places.emplace(database, m_volumes);
-    m_groups = GroupStore(database).groups();
-    m_places->update(m_groups, m_settings.backupFolder);
-    m_nasVolumes.setGroups(m_groups);
+    constexpr std::chrono::milliseconds longestPause = std::chrono::seconds(30);
+    qCInfo(stationLog, "Storage usage: %s", error.what());
+    m_groupsFailure = error;
+    m_data.note(error);
+    if (error.trouble() != DatabaseTrouble::Damaged && error.trouble() != DatabaseTrouble::Replaced) {
+        m_groupsTimer.start(m_pause);
+        m_pause = std::min(2 * m_pause, longestPause);
+    } else {
+        leaveDatabase(error);
+    }
+    emit troublesChanged();
+}
+
+void StorageUsage::leaveDatabase(const DatabaseError &reason)
+{
+    if (m_worker)
+        QMetaObject::invokeMethod(m_worker.get(), [worker = m_worker.get(), reason] { worker->leaveDatabase(reason); });
 }
 
 void StorageUsage::startWorker()
 {
-    m_worker = std::make_unique<IndexWorker>(m_data.folder(), m_settings);
+    m_worker = std::make_unique<IndexWorker>(m_data.folder(), m_settings, m_mark);
     m_worker->moveToThread(&m_thread);
-    connect(m_worker.get(), &IndexWorker::sumsChanged, this, [this](const PlaceSums &sums) {
-        m_sums = sums;
-        tell();
+    connect(m_worker.get(), &IndexWorker::sumsChanged, this, &StorageUsage::takeSums);
+    connect(m_worker.get(), &IndexWorker::failed, this, [this](const DatabaseError &error) {
+        m_indexFailure = error;
+        if (error.trouble() == DatabaseTrouble::Damaged)
+            m_data.note(error);
+        emit troublesChanged();
+    });
+    connect(m_worker.get(), &IndexWorker::worked, this, [this](const QStringList &unreadable) {
+        m_indexFailure.reset();
+        m_unreadable = unreadable;
+        emit troublesChanged();
     });
     connect(m_worker.get(), &IndexWorker::reconciled, this, [this](quint64 ticket) {
         if (ticket != m_ticket)
@@ -153,25 +199,23 @@ void StorageUsage::startWorker()
 /// Looks where the places are now, and hands on what is different.
 void StorageUsage::look()
 {
-    if (!m_places)
-        return;
     QHash<qint64, PlaceState> states;
     try {
-        states = m_places->look();
+        states = m_places.look();
     } catch (const DatabaseError &error) {
-        qCWarning(stationLog, "Storage usage: %s", error.what());
-        return;
+        return takeFailure(error);
     } catch (...) {
         qCWarning(stationLog, "Storage usage: the volumes could not be looked at.");
         return;
     }
+    m_clock.look(m_newestDay);
     const QHash<qint64, PlaceState> before = std::exchange(m_states, states);
     const auto isSamePlace = [&before](const RecordingPlace &place, const PlaceState &now) {
         const auto found = before.constFind(place.number);
         return found != before.cend() && found->storage == now.storage && found->device == now.device;
     };
     bool isSame = before.size() == states.size();
-    for (const RecordingPlace &place : m_places->places())
+    for (const RecordingPlace &place : m_places.places())
         isSame = isSame && isSamePlace(place, states.value(place.number));
     if (!isSame)
         giveToWorker();
@@ -183,7 +227,7 @@ void StorageUsage::giveToWorker()
     if (!m_worker)
         return;
     QList<IndexedPlace> places;
-    for (const RecordingPlace &place : m_places->places()) {
+    for (const RecordingPlace &place : m_places.places()) {
         const PlaceState state = m_states.value(place.number);
         places.append(
             {place.number, place.path, place.root(), state.storage == UsagePlace::Storage::Present, state.device});
@@ -203,6 +247,7 @@ void StorageUsage::tell()
 
 void StorageUsage::tellNow()
 {
+    emit troublesChanged();
     const QVariantList now = entries();
     if (!m_isOwed && !isWorthTelling(m_told, now))
         return;
@@ -212,18 +257,39 @@ void StorageUsage::tellNow()
     emit eventRaised({StationEventName::VolumeChanged, now});
 }
 
+QDate StorageUsage::today() const
+{
+    return m_settings.today ? m_settings.today() : QDate::currentDate();
+}
+
+void StorageUsage::takeSums(const PlaceSums &sums)
+{
+    m_sums = sums;
+    QDate newest;
+    m_futureDays = 0;
+    for (const PlaceSum &sum : std::as_const(m_sums)) {
+        for (auto day = sum.days.cbegin(); day != sum.days.cend(); ++day) {
+            if (isOfTheFuture(day.key(), today()))
+                ++m_futureDays;
+            else if (!newest.isValid() || day.key() > newest)
+                newest = day.key();
+        }
+    }
+    m_newestDay = newest;
+    m_clock.look(newest);
+    tell();
+}
+
 QVariantList StorageUsage::entries() const
 {
-    return usageEntries(usagePlaces(), m_settings.today ? m_settings.today() : QDate::currentDate());
+    return usageEntries(usagePlaces(), m_clock.isBehind() ? QDate() : today());
 }
 
 QList<UsagePlace> StorageUsage::usagePlaces() const
 {
-    if (!m_places)
-        return {};
     QHash<std::pair<QString, QString>, UsagePlace> found; // by group and path
     QList<UsagePlace> withoutGroup;
-    for (const RecordingPlace &place : m_places->places()) {
+    for (const RecordingPlace &place : m_places.places()) {
         const PlaceState state = m_states.value(place.number);
         const PlaceSum sum = m_sums.value(place.number);
         UsagePlace usage;
@@ -260,4 +326,100 @@ QList<UsagePlace> StorageUsage::usagePlaces() const
     places += withoutGroup;
     places += found.values(); // the backup area
     return places;
+}
+
+QStringList StorageUsage::groupsAt(const QString &path) const
+{
+    QStringList names;
+    for (const RecordingGroup &group : m_groups) {
+        if (std::any_of(group.paths.cbegin(), group.paths.cend(),
+                        [&path](const GroupPath &other) { return other.path == path; }))
+            names.append(group.name);
+    }
+    return names;
+}
+
+QList<StationTrouble> StorageUsage::troubles() const
+{
+    QList<StationTrouble> troubles = placeTroubles() + readingTroubles() + m_clock.troubles();
+    for (const std::optional<DatabaseError> &failure : {m_groupsFailure, m_indexFailure}) {
+        if (failure)
+            troubles.append(troubleOf(*failure, Database::pathIn(m_data.folder())));
+    }
+    if (m_futureDays > 0 && !m_clock.isBehind()) {
+        troubles.append(
+            {StationAlarmKind::RecordingsOfTheFuture,
+             StationTrouble::Severity::Warning,
+             QStringLiteral("recordings"),
+             QStringLiteral(
+                 "%1 folders of recordings are named after days that have not come yet; they are not counted.")
+                 .arg(m_futureDays),
+             QStringLiteral(
+                 "Check the clocks of the cameras and of the station's machine, and move these folders away."),
+             {}});
+    }
+    return troubles;
+}
+
+/// One for each volume that is gone, and for each folder that is missing on a volume that is there.
+QList<StationTrouble> StorageUsage::placeTroubles() const
+{
+    QMap<QString, QStringList> groups;
+    QMap<QString, StationTrouble> troubles;
+    for (const RecordingPlace &place : m_places.places()) {
+        const PlaceState state = m_states.value(place.number);
+        if (place.groupId.isEmpty() || !m_states.contains(place.number) || state.storage != UsagePlace::Storage::Gone)
+            continue;
+        const QString subject = state.isVolumeThere ? place.path : state.volume.path;
+        groups[subject] += place.groupId == UsageGroup::backup ? QStringList() : groupsAt(place.path);
+        troubles.insert(
+            subject,
+            {StationAlarmKind::VolumeGone,
+             StationTrouble::Severity::Error,
+             subject,
+             state.isVolumeThere ? QStringLiteral("The folder %1 is not there").arg(subject)
+                                 : QStringLiteral("The volume %1 (%2) is not there").arg(state.volume.name, subject),
+             state.isVolumeThere
+                 ? QStringLiteral("Make the folder again, or take the path out of the recording group.")
+                 : QStringLiteral("Connect and mount the disk, or take its paths out of the recording groups."),
+             {}});
+    }
+    for (auto trouble = troubles.begin(); trouble != troubles.end(); ++trouble) {
+        QStringList names = groups.value(trouble.key());
+        names.removeDuplicates();
+        trouble->text += names.isEmpty()
+            ? QStringLiteral(".")
+            : QStringLiteral("; recording groups on it: %1.").arg(names.join(QStringLiteral(", ")));
+    }
+    return troubles.values();
+}
+
+QList<StationTrouble> StorageUsage::readingTroubles() const
+{
+    QList<StationTrouble> troubles;
+    for (const QString &folder : m_unreadable) {
+        troubles.append(
+            {StationAlarmKind::FolderNotReadable,
+             StationTrouble::Severity::Error,
+             folder,
+             QStringLiteral("The recordings in %1 cannot be read; their figures are as they were.").arg(folder),
+             QStringLiteral("Let the station's user read the folder, and check the disk; the station's log says more."),
+             {}});
+    }
+    const ReadingMark::Reading reading = m_mark->reading();
+    const bool isHanging = !reading.path.isEmpty()
+        && reading.since.addDuration(m_settings.folderPatience) < QDateTime::currentDateTimeUtc();
+    if (isHanging) {
+        troubles.append({StationAlarmKind::FolderNotAnswering, StationTrouble::Severity::Pending, reading.path,
+                         QStringLiteral("The disk of the recordings in %1 does not answer.").arg(reading.path),
+                         QStringLiteral("Check the disk, or the network to it."), reading.since});
+    } else if (m_isReading) {
+        troubles.append({StationAlarmKind::RecordingsNotCounted,
+                         StationTrouble::Severity::Pending,
+                         QStringLiteral("recordings"),
+                         QStringLiteral("The recordings are being counted."),
+                         {},
+                         m_readingSince});
+    }
+    return troubles;
 }

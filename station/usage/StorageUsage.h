@@ -1,10 +1,13 @@
 #pragma once
 
+#include "ClockWatch.h"
 #include "CommandTable.h"
 #include "NasVolumes.h"
+#include "ReadingMark.h"
 #include "RecordingIndex.h"
 #include "RecordingPlaces.h"
 #include "UsageSettings.h"
+#include "store/DatabaseError.h"
 
 #include <QElapsedTimer>
 #include <QObject>
@@ -36,14 +39,24 @@ public:
 
     /// To be called after every edit of the recording groups; followed when the event loop turns.
     void groupsChanged();
+    /// Does not touch the database any more: it is damaged, or was replaced.
+    void leaveDatabase(const DatabaseError &reason);
+
+    /// What keeps recordings from being stored or counted.
+    QList<StationTrouble> troubles() const;
 
 signals:
     void eventRaised(const StationEvent &event);
+    void troublesChanged(); ///< before the event that has the figures to it
 
 private:
     void reload(const QVariant &data, const Answer &answer);
     void followGroups();
     void readGroups();
+    void useGroups();
+    void takeFailure(const DatabaseError &error);
+    void takeSums(const PlaceSums &sums);
+    QDate today() const;
     void startWorker();
     void readThrough();
     void look();
@@ -53,18 +66,30 @@ private:
     void tellNow();
     QList<UsagePlace> usagePlaces() const;
     QVariantList entries() const;
+    QStringList groupsAt(const QString &path) const;
+    QList<StationTrouble> placeTroubles() const;
+    QList<StationTrouble> readingTroubles() const;
 
     const VolumeSource &m_volumes;
     StationData &m_data;
     UsageSettings m_settings;
 
     QList<RecordingGroup> m_groups;
-    std::optional<RecordingPlaces> m_places;
+    RecordingPlaces m_places;
     NasVolumes m_nasVolumes;
     QHash<qint64, PlaceState> m_states;
     PlaceSums m_sums;
+    QDate m_newestDay; // of them, but for days of the future
+    int m_futureDays = 0;
+    ClockWatch m_clock;
+    std::shared_ptr<ReadingMark> m_mark;
+    std::optional<DatabaseError> m_groupsFailure;
+    std::optional<DatabaseError> m_indexFailure;
+    QStringList m_unreadable; // folders of recordings
+    std::chrono::milliseconds m_pause; // before the groups are read again, after a failure
     quint64 m_ticket = 0; // of the last reconcile
     bool m_isReading = false; // all folders, for a client that waits
+    QDateTime m_readingSince;
     bool m_isAwaited = false; // by a client: the event that answers it
     bool m_isOwed = false; // that event, now, whether figures changed or not
 

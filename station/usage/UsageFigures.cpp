@@ -74,6 +74,8 @@ QList<QDate> averagedDaysOf(const QSet<QDate> &days, const QDate &today)
 void shareUsage(const QList<UsagePlace> &places, const QList<qsizetype> &members, const QDate &today,
                 QList<Figures> &figures)
 {
+    if (!today.isValid())
+        return;
     QSet<QDate> allDays;
     QSet<QDate> daysAtHand;
     qsizetype first = -1;
@@ -87,7 +89,8 @@ void shareUsage(const QList<UsagePlace> &places, const QList<qsizetype> &members
         // Half of a group's figures would be a false alarm, or a false calm.
         if (place.storage == Storage::Unknown || (place.storage == Storage::Present && !place.days))
             return;
-        const QList<QDate> days = place.days.value_or(DaySums()).keys();
+        QList<QDate> days = place.days.value_or(DaySums()).keys();
+        days.removeIf([&today](const QDate &day) { return isOfTheFuture(day, today); });
         allDays.unite({days.cbegin(), days.cend()});
         if (place.storage == Storage::Present) {
             daysAtHand.unite({days.cbegin(), days.cend()});
@@ -185,6 +188,11 @@ QVariantList usageEntries(const QList<UsagePlace> &places, const QDate &today)
         entries.append(entry(place, figures.at(i)));
     }
     return entries;
+}
+
+bool isOfTheFuture(const QDate &day, const QDate &today)
+{
+    return day > today.addDays(1);
 }
 
 bool isWorthTelling(const QVariantList &sent, const QVariantList &now)

@@ -45,7 +45,11 @@ extern const QString backup;
 
 /// The data of the event "VolumeChanged": one map for each of @p places, in their order, those without a group behind
 /// them once for each path. docs/station-protocol.md tells what the figures are.
+/// @param today invalid: the clock cannot be believed, and nobody knows which days are over
 QVariantList usageEntries(const QList<UsagePlace> &places, const QDate &today);
+
+/// Whether @p day has not come yet. Tomorrow may have come where the camera is.
+bool isOfTheFuture(const QDate &day, const QDate &today);
 
 /// Whether a client that was told @p sent has to hear @p now: any difference counts, but for free space that moved by
 /// less than a thousandth of its volume without coming to nothing or from nothing.

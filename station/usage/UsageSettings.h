@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDate>
+#include <QDateTime>
 #include <QString>
 
 #include <chrono>
@@ -23,6 +24,12 @@ struct UsageSettings
     std::chrono::milliseconds sliceTime = std::chrono::milliseconds(50);
     /// How long a run through the folders lasts before its progress is told, and how often it is told then.
     std::chrono::milliseconds progressInterval = std::chrono::milliseconds(500);
+    /// After what time a database that failed is tried again at first; later pauses grow.
+    std::chrono::milliseconds retryTime = std::chrono::seconds(1);
+    /// How long the reading of one folder may take until the folder counts as not answering.
+    std::chrono::milliseconds folderPatience = std::chrono::seconds(10);
     /// The day that is not over yet; empty: the machine's.
     std::function<QDate()> today = {};
+    /// What the clock says; empty: the machine's.
+    std::function<QDateTime()> now = {};
 };

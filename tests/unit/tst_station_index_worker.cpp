@@ -1,4 +1,5 @@
 #include "RecordedSite.h"
+#include "StationData.h"
 #include "usage/FolderReader.h"
 #include "usage/FolderWatch.h"
 #include "usage/IndexWorker.h"
@@ -63,7 +64,8 @@ void IndexWorkerTest::init()
     RecordedSite::write(RecordedSite::dayFolder(path, u"Doors"_s, u"Gate"_s, day), u"0001.rec"_s, 3000);
     m_database = std::make_unique<Database>(m_site->dataFolder());
     m_volumes = std::make_unique<SiteVolumeSource>(m_site->volumes());
-    RecordingPlaces places(*m_database, *m_volumes);
+    StationData data(m_site->dataFolder());
+    RecordingPlaces places(data, *m_volumes);
     places.update(GroupStore(*m_database).groups(), {});
     const RecordingPlace place = places.places().constFirst();
     m_place = {place.number, path, place.root(), true, identify(path).device};
@@ -84,7 +86,7 @@ void IndexWorkerTest::makeManyFiles() const
 
 void IndexWorkerTest::fillIndex()
 {
-    IndexWorker worker(m_site->dataFolder(), m_site->settings(day).usage);
+    IndexWorker worker(m_site->dataFolder(), m_site->settings(day).usage, std::make_shared<ReadingMark>());
     const QSignalSpy reconciled(&worker, &IndexWorker::reconciled);
     worker.setPlaces({m_place});
     worker.reconcile(1);
@@ -103,7 +105,7 @@ void IndexWorkerTest::aPlaceOnAnotherFileSystemKeepsItsIndex()
     // The folder that a disk was mounted on: empty, and on another file system than the disk.
     QVERIFY(QDir(m_place.root).removeRecursively());
     m_place.device += 1;
-    IndexWorker worker(m_site->dataFolder(), m_site->settings(day).usage);
+    IndexWorker worker(m_site->dataFolder(), m_site->settings(day).usage, std::make_shared<ReadingMark>());
     const QSignalSpy reconciled(&worker, &IndexWorker::reconciled);
     const QSignalSpy left(&worker, &IndexWorker::placeLeft);
     worker.setPlaces({m_place});
@@ -128,7 +130,7 @@ void IndexWorkerTest::anEndingThreadBeginsNoReading()
 {
     qsizetype signalsSeen = 0;
     runOnEndingThread([&] {
-        IndexWorker worker(m_site->dataFolder(), m_site->settings(day).usage);
+        IndexWorker worker(m_site->dataFolder(), m_site->settings(day).usage, std::make_shared<ReadingMark>());
         const QSignalSpy sums(&worker, &IndexWorker::sumsChanged);
         const QSignalSpy reconciled(&worker, &IndexWorker::reconciled);
         worker.setPlaces({m_place});
@@ -184,7 +186,7 @@ void IndexWorkerTest::namesAndSizesAreKeptAsTheyAre()
 void IndexWorkerTest::whatAnotherStationIndexedIsTold()
 {
     const DayFolder folder{m_place.number, u"Gate"_s, u"2026-03-19"_s};
-    IndexWorker worker(m_site->dataFolder(), m_site->settings(day).usage);
+    IndexWorker worker(m_site->dataFolder(), m_site->settings(day).usage, std::make_shared<ReadingMark>());
     const QSignalSpy reconciled(&worker, &IndexWorker::reconciled);
     const QSignalSpy told(&worker, &IndexWorker::sumsChanged);
     worker.setPlaces({m_place});
