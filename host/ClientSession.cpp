@@ -2,6 +2,7 @@
 
 #include "PluginHost.h"
 #include "Station.h"
+#include "StationProtocol.h"
 #include "companions/StationPlugin.h"
 #include "companions/StatusMonitorPlugin.h"
 #include "framework/PluginBase.h"
@@ -45,13 +46,14 @@ bool ClientSession::start(const Options &options)
     m_framework->setReplyTimeout(options.replyTimeout);
     m_framework->addPluginObject(StationPlugin::pluginId, m_stationPlugin.get());
     m_framework->addPluginObject(StatusMonitorPlugin::pluginId, m_statusMonitor.get());
-    connect(m_framework.get(), &HostFramework::eventDelivered, this, &ClientSession::reportGroups);
+    connect(m_framework.get(), &HostFramework::eventDelivered, this, &ClientSession::takeEvent);
     if (!m_framework->attach(m_plugin.get(), host.pluginId())) {
         m_error = QStringLiteral("The plug-in %1 could not be initialised.").arg(host.fileName());
         stop();
         return false;
     }
     connect(m_link.get(), &EmbeddedLink::upChanged, this, &ClientSession::connectedChanged);
+    connect(m_link.get(), &EmbeddedLink::upChanged, this, &ClientSession::askForAlarms);
     m_link->start();
     return true;
 }
@@ -68,9 +70,22 @@ void ClientSession::stop()
     m_link.reset();
 }
 
-void ClientSession::reportGroups(const QString &event, const QVariant &data, const QString &source)
+/// What the station raised before it was connected.
+void ClientSession::askForAlarms(bool connected)
 {
-    if (event != QStringLiteral("VolumeChanged"))
+    if (!connected)
+        return;
+    m_stationCalls->send(StationOwnCommandName::listAlarms, {}, this, [this](const StationReply &part) {
+        if (part.returnCode == StationReturnCode::Success)
+            m_statusMonitor->setStationAlarms({}, part.data.toMap().value(StationKey::alarms).toList());
+    });
+}
+
+void ClientSession::takeEvent(const QString &event, const QVariant &data, const QString &source)
+{
+    if (event == StationOwnEventName::AlarmsChanged)
+        m_statusMonitor->setStationAlarms(source, data.toMap().value(StationKey::alarms).toList());
+    if (event != StationEventName::VolumeChanged)
         return;
     QSet<QString> groupIds;
     const QVariantList entries = data.toList();

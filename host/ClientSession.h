@@ -49,7 +49,8 @@ signals:
 private:
     void stop();
 
-    void reportGroups(const QString &event, const QVariant &data, const QString &source);
+    void askForAlarms(bool connected);
+    void takeEvent(const QString &event, const QVariant &data, const QString &source);
 
     QString m_error;
     std::unique_ptr<EmbeddedLink> m_link;

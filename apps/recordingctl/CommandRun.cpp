@@ -5,6 +5,7 @@
 #include "OutcomeText.h"
 #include "Output.h"
 #include "PluginInterface.h"
+#include "StationProtocol.h"
 #include "framework/HostReturnCode.h"
 #include "link/StationCalls.h"
 
@@ -79,20 +80,23 @@ CallOutcome CommandRun::callStation(const QString &command, const QVariant &data
     return outcome;
 }
 
-ExitCode CommandRun::end(const QString &name, const CallOutcome &outcome,
-                         const std::function<void()> &printResult) const
+ExitCode CommandRun::end(const QString &name, const CallOutcome &outcome, const std::function<void()> &printResult)
 {
     return end(outcome, outcomeJson(name, outcome), printResult);
 }
 
-ExitCode CommandRun::end(const CallOutcome &outcome, const QJsonObject &json,
-                         const std::function<void()> &printResult) const
+ExitCode CommandRun::end(const CallOutcome &outcome, const QJsonObject &json, const std::function<void()> &printResult)
 {
     if (m_line.json)
         printLine(indentedJson(json));
     else if (outcome.exitCode == ExitCode::Done && printResult)
         printResult();
     printErrors(outcome);
+    if (outcome.returnCode.startsWith(QStringLiteral("Database"))) {
+        const CallOutcome asked = callStation(StationOwnCommandName::listAlarms);
+        if (asked.exitCode == ExitCode::Done)
+            printStationErrors(asked.parts.constLast().data.toMap().value(StationKey::alarms).toList());
+    }
     return outcome.exitCode;
 }
 
@@ -104,6 +108,20 @@ QObject &CommandRun::plugin() const
 std::chrono::milliseconds CommandRun::timeout() const
 {
     return m_line.timeout.value_or(defaultTimeout);
+}
+
+bool isStationError(const QVariant &alarm)
+{
+    return alarm.toMap().value(StationKey::severity) == StationSeverity::error;
+}
+
+void printStationErrors(const QVariantList &alarms)
+{
+    for (const QVariant &alarm : alarms) {
+        const QVariantMap map = alarm.toMap();
+        if (isStationError(alarm))
+            printError(map.value(StationKey::text).toString() + u' ' + map.value(StationKey::remedy).toString());
+    }
 }
 
 ExitCode refused(const QString &error)

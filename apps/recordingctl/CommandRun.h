@@ -46,9 +46,10 @@ public:
 
     /// Prints what came of @p name: with --json @p outcome as "call" prints it, else by @p printResult when it is done.
     /// Errors go to standard error.
-    ExitCode end(const QString &name, const CallOutcome &outcome, const std::function<void()> &printResult = {}) const;
+    /// A station that could not use its database is asked why.
+    ExitCode end(const QString &name, const CallOutcome &outcome, const std::function<void()> &printResult = {});
     /// The same, with an object in place of the outcome's.
-    ExitCode end(const CallOutcome &outcome, const QJsonObject &json, const std::function<void()> &printResult) const;
+    ExitCode end(const CallOutcome &outcome, const QJsonObject &json, const std::function<void()> &printResult);
 
 private:
     QObject &plugin() const;
@@ -59,6 +60,10 @@ private:
     PluginCaller m_caller;
 };
 
+/// Whether @p alarm, a map as in the answer of "station.listAlarms", says that something is broken.
+bool isStationError(const QVariant &alarm);
+/// What those of @p alarms say that do, and what to do about it, one line each on standard error.
+void printStationErrors(const QVariantList &alarms);
 /// One line on standard error; ends the command as refused.
 ExitCode refused(const QString &error);
 /// One line on standard error; ends the command as wrong use.

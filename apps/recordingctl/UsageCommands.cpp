@@ -2,10 +2,13 @@
 
 #include "ClientSession.h"
 #include "CommandRun.h"
+#include "Commands.h"
 #include "ModelPrinter.h"
 #include "OutcomeText.h"
 #include "Output.h"
+#include "StationProtocol.h"
 #include "Units.h"
+#include "ValueText.h"
 #include "VolumeTable.h"
 #include "companions/StatusMonitorPlugin.h"
 
@@ -14,7 +17,9 @@
 #include <QEventLoop>
 #include <QTimer>
 
+#include <algorithm>
 #include <chrono>
+#include <functional>
 
 namespace {
 
@@ -42,37 +47,86 @@ const QAbstractItemModel *volumesOf(const CommandRun &run, const QString &groupI
     return qobject_cast<QAbstractItemModel *>(run.read<QObject *>("getGroupVolumeModel", QString(), groupId));
 }
 
-bool isAnythingUnknown(const QAbstractItemModel &usage)
+/// How the station stands, as it says itself.
+struct StationState
 {
-    for (int row = 0; row < usage.rowCount(); ++row) {
-        if (numberAt(usage, row, "recordedDaysRole") < 0 || numberAt(usage, row, "oneDayUsageRole") < 0)
-            return true;
-    }
-    return false;
+    QVariantList alarms;
+    QVariantList pending; ///< what it does not know yet
+};
+
+QString textOf(const QVariant &trouble, const QString &key)
+{
+    return trouble.toMap().value(key).toString();
 }
 
-/// Asks the station for its figures. Those that it does not know at once it tells later: they are waited for while it
-/// says something about its storage.
-CallOutcome reloadUsage(CommandRun &run)
+StationState stateIn(const QVariant &data)
 {
-    constexpr std::chrono::seconds silence(3); // the station speaks once a second when figures change
-    const CallOutcome outcome = run.call(reload);
-    if (outcome.exitCode != ExitCode::Done)
-        return outcome;
-    QEventLoop loop;
-    QTimer timer;
-    timer.setSingleShot(true);
-    QObject::connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
-    QObject::connect(run.session().framework(), &HostFramework::eventDelivered, &loop, [&] {
-        timer.start(silence);
-        if (!isAnythingUnknown(*usageModel(run)))
-            loop.quit();
-    });
-    timer.start(silence);
-    if (isAnythingUnknown(*usageModel(run)))
-        loop.exec();
-    return outcome;
+    const QVariantMap map = data.toMap();
+    return {map.value(StationKey::alarms).toList(), map.value(StationKey::pending).toList()};
 }
+
+/// Asks the station for its figures and waits until it knows them, or says nothing more of its storage for longer than
+/// anything that it asks may take.
+struct Inquiry
+{
+    CallOutcome outcome; ///< of the reload
+    StationState state;
+
+    explicit Inquiry(CommandRun &run)
+        : outcome(run.call(reload))
+    {
+        if (outcome.exitCode != ExitCode::Done)
+            return;
+        const CallOutcome asked = run.callStation(StationOwnCommandName::listAlarms);
+        if (asked.exitCode != ExitCode::Done)
+            outcome = asked;
+        else
+            state = stateIn(asked.parts.constLast().data);
+        if (state.pending.isEmpty())
+            return;
+        const std::chrono::milliseconds silence = std::min<std::chrono::milliseconds>(
+            std::chrono::seconds(12), run.line().timeout.value_or(defaultTimeout)); // a NAS server may take ten
+        QEventLoop loop;
+        QTimer timer;
+        timer.setSingleShot(true);
+        QObject::connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
+        QObject::connect(run.session().framework(), &HostFramework::eventDelivered, &loop,
+                         [&](const QString &event, const QVariant &data) {
+                             timer.start(silence);
+                             if (event == StationOwnEventName::AlarmsChanged)
+                                 state = stateIn(data);
+                             else if (event == StationEventName::VolumeChanged && state.pending.isEmpty())
+                                 loop.quit();
+                         });
+        timer.start(silence);
+        loop.exec();
+    }
+
+    /// Says on standard error what is broken, and what is not known.
+    ExitCode end(CommandRun &run, const QJsonObject &json, const std::function<void()> &printResult) const
+    {
+        const ExitCode exitCode = run.end(outcome, json, printResult);
+        printStationErrors(state.alarms);
+        for (const QVariant &trouble : state.pending) {
+            const QDateTime since = QDateTime::fromString(textOf(trouble, StationKey::since), Qt::ISODateWithMs);
+            printError(QStringLiteral("unknown, asked since %1: %2")
+                           .arg(since.toLocalTime().toString(Qt::ISODate), textOf(trouble, StationKey::text)));
+        }
+        if (exitCode != ExitCode::Done)
+            return exitCode;
+        if (std::any_of(state.alarms.cbegin(), state.alarms.cend(), isStationError))
+            return ExitCode::Refused;
+        return state.pending.isEmpty() ? ExitCode::Done : ExitCode::NoAnswer;
+    }
+
+    QJsonObject json() const
+    {
+        QJsonObject object = outcomeJson(reload, outcome);
+        object.insert(QStringLiteral("stationAlarms"), valueJson(state.alarms));
+        object.insert(QStringLiteral("pending"), valueJson(state.pending));
+        return object;
+    }
+};
 
 QJsonArray usageJson(const CommandRun &run, const QAbstractItemModel &usage)
 {
@@ -117,13 +171,22 @@ TextTable usageTable(const QAbstractItemModel &usage)
 
 TextTable alarmTable(const QAbstractItemModel &alarms)
 {
+    const auto words = [&alarms](int row) {
+        const QString subject = at(alarms, row, "subjectRole").toString();
+        switch (at(alarms, row, "kindRole").toInt()) {
+        case StatusMonitorPlugin::VolumeError:
+            return QStringLiteral("a volume cannot be reached")
+                + (subject.isEmpty() ? QString() : QStringLiteral(": ") + subject);
+        case StatusMonitorPlugin::InsufficientRecordingDays:
+            return QStringLiteral("reserved time will not be reached");
+        default:
+            return at(alarms, row, "textRole").toString();
+        }
+    };
     TextTable table({QStringLiteral("Since"), QStringLiteral("Alarm"), QStringLiteral("Group"), QStringLiteral("Id"),
                      QStringLiteral("Station")});
     for (int row = 0; row < alarms.rowCount(); ++row) {
-        const bool isVolume = at(alarms, row, "kindRole").toInt() == StatusMonitorPlugin::VolumeError;
-        table.addRow({at(alarms, row, "sinceRole").toDateTime().toString(Qt::ISODate),
-                      isVolume ? QStringLiteral("a volume cannot be reached")
-                               : QStringLiteral("reserved time will not be reached"),
+        table.addRow({at(alarms, row, "sinceRole").toDateTime().toString(Qt::ISODate), words(row),
                       at(alarms, row, "groupNameRole").toString(), at(alarms, row, "groupIdRole").toString(),
                       at(alarms, row, "sourceRole").toString()});
     }
@@ -132,20 +195,19 @@ TextTable alarmTable(const QAbstractItemModel &alarms)
 
 ExitCode showUsage(CommandRun &run)
 {
-    const CallOutcome outcome = reloadUsage(run);
+    const Inquiry inquiry(run);
     const QAbstractItemModel *usage = usageModel(run);
-    QJsonObject json = outcomeJson(reload, outcome);
-    if (outcome.exitCode == ExitCode::Done)
+    QJsonObject json = inquiry.json();
+    if (inquiry.outcome.exitCode == ExitCode::Done)
         json.insert(QStringLiteral("groups"), usageJson(run, *usage));
-    return run.end(outcome, json, [&] { printUsage(run, *usage); });
+    return inquiry.end(run, json, [&] { printUsage(run, *usage); });
 }
 
 ExitCode showAlarms(CommandRun &run)
 {
-    const CallOutcome outcome = reloadUsage(run);
+    const Inquiry inquiry(run);
     const QAbstractItemModel &alarms = *run.session().statusMonitor();
-    QJsonObject json = outcomeJson(reload, outcome);
-    if (outcome.exitCode == ExitCode::Done)
-        json.insert(QStringLiteral("alarms"), modelJson(alarms));
-    return run.end(outcome, json, [&alarms] { printText(alarmTable(alarms).toString()); });
+    QJsonObject json = inquiry.json();
+    json.insert(QStringLiteral("alarms"), modelJson(alarms));
+    return inquiry.end(run, json, [&alarms] { printText(alarmTable(alarms).toString()); });
 }

@@ -45,13 +45,20 @@ struct Happening
 
 Happening alarmNews(const QString &name, const StatusMonitorPlugin::Alarm &alarm)
 {
-    return {QStringLiteral("alarm"),
-            name,
-            {{QStringLiteral("source"), alarm.source},
-             {QStringLiteral("kind"), QVariant::fromValue(alarm.kind)},
-             {QStringLiteral("group"), alarm.groupName},
-             {QStringLiteral("groupId"), alarm.groupId}},
-            {QStringLiteral("source"), QStringLiteral("kind"), QStringLiteral("group"), QStringLiteral("groupId")}};
+    Happening news{
+        QStringLiteral("alarm"),
+        name,
+        {{QStringLiteral("source"), alarm.source},
+         {QStringLiteral("kind"), QVariant::fromValue(alarm.kind)},
+         {QStringLiteral("group"), alarm.groupName},
+         {QStringLiteral("groupId"), alarm.groupId}},
+        {QStringLiteral("source"), QStringLiteral("kind"), QStringLiteral("group"), QStringLiteral("groupId")}};
+    if (!alarm.subject.isEmpty()) { // one of the station's own
+        news.values.insert(QStringLiteral("subject"), alarm.subject);
+        news.values.insert(QStringLiteral("text"), alarm.text);
+        news.order += {QStringLiteral("subject"), QStringLiteral("text")};
+    }
+    return news;
 }
 
 Happening usageNews(const UsageNews::Change &change)

@@ -6,11 +6,15 @@
 #include <QList>
 #include <QSet>
 #include <QString>
+#include <QVariantList>
 
 #include <utility>
 
-/// Stands in for the status monitor of a client: keeps the alarms about storage that plug-ins raise and withdraw, as a
-/// list model, the oldest first. Lives on the UI thread.
+/// Stands in for the status monitor of a client: keeps the alarms about storage that plug-ins raise and withdraw, and
+/// those that stations raise themselves, as a list model, the oldest first. Lives on the UI thread.
+///
+/// What a plug-in says of volumes names none of them: where a station names those that cannot be reached, its alarms
+/// stand in place of the plug-in's one.
 ///
 /// The plug-in repeats itself with every event of a station: an alarm that is raised already is not raised again, and
 /// one that is not there is not withdrawn. Each event begins with removeVolumeError() and may report the same volume
@@ -21,8 +25,10 @@ class StatusMonitorPlugin : public QAbstractListModel
     Q_OBJECT
 public:
     enum Kind {
-        VolumeError, ///< a volume of the station tells neither size nor free space
+        VolumeError, ///< a volume of the station tells neither size nor free space, or cannot be reached
         InsufficientRecordingDays, ///< a recording group will not reach its reserved time
+        StationError, ///< the station says that something is broken: its database, its clock, its folders
+        StationWarning, ///< the station says that something will not go well for long
     };
     Q_ENUM(Kind)
 
@@ -32,6 +38,9 @@ public:
         GroupIdRole, ///< "groupIdRole", string: of the recording group; empty for a volume error
         GroupNameRole, ///< "groupNameRole", string: likewise
         SinceRole, ///< "sinceRole", QDateTime: when the alarm was raised
+        SubjectRole, ///< "subjectRole", string: what a station's own alarm is about, a volume's path for instance
+        TextRole, ///< "textRole", string: a station's own alarm as a sentence
+        RemedyRole, ///< "remedyRole", string: what to do about it, a sentence
     };
     Q_ENUM(Role)
 
@@ -42,6 +51,12 @@ public:
         QString groupId;
         QString groupName;
         QDateTime since;
+        QString subject = {};
+        QString text = {};
+        QString remedy = {};
+        QString word = {}; ///< the station's kind of its own alarms; empty for those of plug-ins
+
+        bool isError() const { return kind == VolumeError || kind == StationError; }
     };
 
     static const QString pluginId; ///< under which the framework hands this object out
@@ -66,6 +81,10 @@ public:
     /// more about a group that was removed.
     void keepGroups(const QString &source, const QSet<QString> &groupIds);
 
+    /// Takes @p alarms for those that the station @p source raises itself at the moment: maps as in the answer of its
+    /// "station.listAlarms".
+    void setStationAlarms(const QString &source, const QVariantList &alarms);
+
 signals:
     void raised(const StatusMonitorPlugin::Alarm &alarm);
     void withdrawn(const StatusMonitorPlugin::Alarm &alarm);
@@ -74,6 +93,8 @@ private:
     qsizetype find(const QString &source, Kind kind, const QString &groupId) const; // -1: none
     void raise(const Alarm &alarm);
     void withdraw(qsizetype row);
+    void update(qsizetype row, const Alarm &alarm);
+    bool isNamed(const QString &source) const;
     void settleVolumeErrors();
 
     QList<Alarm> m_alarms;
