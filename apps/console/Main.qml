@@ -128,5 +128,6 @@ ApplicationWindow {
         anchors.right: parent.right
         anchors.bottom: parent.bottom
         session: window.session
+        troubled: alarms.severe
     }
 }

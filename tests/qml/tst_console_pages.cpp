@@ -158,7 +158,9 @@ public:
                                                   {Qt::UserRole + 2, "kindRole"},
                                                   {Qt::UserRole + 3, "groupIdRole"},
                                                   {Qt::UserRole + 4, "groupNameRole"},
-                                                  {Qt::UserRole + 5, "sinceRole"}};
+                                                  {Qt::UserRole + 5, "sinceRole"},
+                                                  {Qt::UserRole + 6, "textRole"},
+                                                  {Qt::UserRole + 7, "remedyRole"}};
         m_alarms.setItemRoleNames(roles);
         auto item = std::make_unique<QStandardItem>();
         for (auto role = roles.begin(); role != roles.end(); ++role)

@@ -54,6 +54,7 @@ Popup {
         delegate: AlarmRow {
             width: ListView.view?.width ?? 0
             words: popup.alarms.words(modelData)
+            severe: popup.alarms.isSevere(modelData)
             since: popup.alarms.since(modelData)
             onChosen: popup.choose(index)
         }

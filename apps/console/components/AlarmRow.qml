@@ -11,6 +11,7 @@ ItemDelegate {
     required property var modelData ///< of Alarms
     required property string words
     required property string since
+    required property bool severe
 
     signal chosen
 
@@ -19,6 +20,7 @@ ItemDelegate {
     highlighted: ListView.isCurrentItem && ListView.view.activeFocus
     Accessible.role: Accessible.ListItem
     Accessible.name: words + ", " + since
+    Accessible.description: modelData.remedy ?? ""
     onClicked: chosen()
 
     contentItem: RowLayout {
@@ -26,7 +28,7 @@ ItemDelegate {
 
         Icon {
             name: row.modelData.groupId === "" ? "volume" : "gauge"
-            color: row.modelData.groupId === "" ? Theme.danger : Theme.warning
+            color: row.severe ? Theme.danger : Theme.warning
             size: Theme.iconSize
         }
         ColumnLayout {
@@ -36,6 +38,15 @@ ItemDelegate {
                 text: row.words
                 color: Theme.text
                 font.pixelSize: Theme.bodySize
+                textFormat: Text.PlainText
+                wrapMode: Text.Wrap
+                Layout.fillWidth: true
+            }
+            Text {
+                visible: text !== ""
+                text: row.modelData.remedy ?? ""
+                color: Theme.text
+                font.pixelSize: Theme.captionSize
                 textFormat: Text.PlainText
                 wrapMode: Text.Wrap
                 Layout.fillWidth: true

@@ -9,7 +9,8 @@ Rectangle {
     property alias model: alarms.model
     readonly property var worst: alarms.sorted[0] ?? null
     readonly property int count: alarms.sorted.length
-    readonly property bool severe: worst !== null && worst.kind === alarms.volumeError
+    readonly property bool severe: worst !== null && alarms.isSevere(worst)
+    readonly property string remedy: worst?.remedy ?? ""
     readonly property color foreground: severe ? Theme.danger : Theme.warning
     readonly property string text: worst === null ? "" : alarms.words(worst)
     readonly property string moreText: count < 2 ? "" : count === 2 ? qsTr("and 1 more alarm")
@@ -23,6 +24,7 @@ Rectangle {
     color: severe ? Theme.dangerGround : Theme.warningGround
     Accessible.role: Accessible.AlertMessage
     Accessible.name: moreText === "" ? text : qsTr("%1, %2").arg(text).arg(moreText)
+    Accessible.description: remedy
 
     Alarms { id: alarms }
     Rectangle {
@@ -59,6 +61,19 @@ Rectangle {
                 Layout.fillWidth: true
             }
             Text {
+                objectName: "alarmRemedy"
+                visible: text !== ""
+                text: strip.remedy
+                color: Theme.text
+                font.pixelSize: Theme.captionSize
+                textFormat: Text.PlainText
+                wrapMode: Text.Wrap
+                maximumLineCount: strip.width < 640 ? 2 : 3
+                elide: Text.ElideRight
+                Accessible.ignored: true
+                Layout.fillWidth: true
+            }
+            Text {
                 objectName: "alarmCount"
                 visible: text !== ""
                 text: strip.moreText
@@ -78,7 +93,7 @@ Rectangle {
             text: strip.count === 1 ? qsTr("Show") : qsTr("Show all")
             hint: list.visible ? text : strip.count === 1 ? qsTr("Go to what the alarm is about") : qsTr("Open the list of the alarms")
             onClicked: {
-                if (strip.count === 1)
+                if (strip.count === 1 && strip.remedy === "")
                     strip.chosen(strip.worst.groupId);
                 else
                     list.open();

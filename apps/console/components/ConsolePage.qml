@@ -20,6 +20,12 @@ FocusScope {
 
     focus: true // of the loader that shows it
 
+    /// Says that the page could not be filled; again where the same was said and closed. Empty words: it could.
+    function tellFailure(words: string): void {
+        failure = "";
+        failure = words;
+    }
+
     /// Leads the eye to @p place, for instance a recording group's id; pages that know no places do nothing.
     function goTo(place: string): void {}
 }

@@ -2,7 +2,8 @@ import QtQuick
 import QtQuick.Layouts
 import RecordingConsole
 
-/// Says above a page what went wrong, until it went well or somebody closes it.
+/// Says above a page what went wrong, until it went well or somebody closes it. What is closed is still known to have
+/// gone wrong: the text stays.
 Rectangle {
     id: strip
 
@@ -10,13 +11,15 @@ Rectangle {
     property string actionText
     property bool closable: true
     property bool notice: false ///< nothing went wrong: something should be known
+    property bool closed: false ///< somebody has read this text
     readonly property bool narrow: width < 420
 
     signal actionTriggered
     signal dismissed
 
     implicitHeight: visible ? content.implicitHeight + 2 * Theme.small : 0
-    visible: text !== ""
+    visible: text !== "" && !closed
+    onTextChanged: closed = false
     radius: Theme.radius
     color: notice ? Theme.selected : Theme.dangerGround
     border.color: notice ? Theme.accent : Theme.dangerOutline
@@ -68,7 +71,10 @@ Rectangle {
             hint: qsTr("Close this message")
             Layout.row: 0
             Layout.column: 3
-            onClicked: strip.dismissed()
+            onClicked: {
+                strip.closed = true;
+                strip.dismissed();
+            }
         }
     }
 }

@@ -7,6 +7,7 @@ Rectangle {
     id: line
 
     required property ConsoleSession session
+    property bool troubled: false ///< something about the station is broken
     readonly property real countedShare: session.filesToCount > 0
                                          ? Math.min(1, session.countedFiles / session.filesToCount) : 0
 
@@ -27,14 +28,16 @@ Rectangle {
         spacing: Theme.small
 
         Icon {
-            name: line.session.connected ? "connected" : "disconnected"
-            color: line.session.connected ? Theme.good : Theme.danger
+            objectName: "connectionIcon"
+            name: !line.session.connected ? "disconnected" : line.troubled ? "alert" : "connected"
+            color: line.session.connected && !line.troubled ? Theme.good : Theme.danger
             size: 18
         }
         Text {
             objectName: "connection"
-            text: line.session.connected ? qsTr("Connected to the station on this machine")
-                                         : qsTr("No connection to the station on this machine")
+            text: !line.session.connected ? qsTr("No connection to the station on this machine")
+                : line.troubled ? qsTr("Connected to the station on this machine, which is in trouble")
+                : qsTr("Connected to the station on this machine")
             color: Theme.text
             font.pixelSize: Theme.captionSize
             textFormat: Text.PlainText

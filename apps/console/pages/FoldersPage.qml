@@ -95,7 +95,7 @@ ConsolePage {
     }
 
     function fail(words: string): void {
-        failure = words;
+        tellFailure(words);
         settled = true;
     }
 
@@ -201,7 +201,6 @@ ConsolePage {
             objectName: "errorStrip"
             text: page.failure
             Layout.fillWidth: true
-            onDismissed: page.failure = ""
         }
         ListCard {
             id: card

@@ -40,7 +40,7 @@ ConsolePage {
     function finish(words: string): void {
         loading = false;
         failed = words !== "";
-        failure = words;
+        tellFailure(words);
         settled = true;
         const row = NasServers.row(servers, chosen);
         if (row >= 0) {
@@ -134,7 +134,6 @@ ConsolePage {
             actionText: page.session.connected && page.failed ? qsTr("Try again") : ""
             Layout.fillWidth: true
             onActionTriggered: page.refresh()
-            onDismissed: page.failure = ""
         }
         ErrorStrip {
             objectName: "notice"
@@ -195,7 +194,7 @@ ConsolePage {
         session: page.session
         volumes: page.nasVolumes
         onNoticed: words => page.notice = words
-        onRefused: words => page.failure = words
+        onRefused: words => page.tellFailure(words)
         onAdded: (id, host) => page.open(id, host)
         onChanged: id => {
             if (page.chosen === id)

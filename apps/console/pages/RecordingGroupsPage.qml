@@ -199,7 +199,6 @@ ConsolePage {
             actionText: page.session.connected ? qsTr("Try again") : ""
             Layout.fillWidth: true
             onActionTriggered: page.refresh()
-            onDismissed: page.failure = ""
         }
         Item {
             id: room

@@ -46,7 +46,7 @@ ConsolePage {
 
     function fail(words: string): void {
         loading = false;
-        failure = words;
+        tellFailure(words);
         settled = true;
     }
 
@@ -127,7 +127,6 @@ ConsolePage {
             actionText: page.session.connected ? qsTr("Try again") : ""
             Layout.fillWidth: true
             onActionTriggered: page.refresh()
-            onDismissed: page.failure = ""
         }
         Item {
             Layout.fillWidth: true

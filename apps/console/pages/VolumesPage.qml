@@ -26,7 +26,7 @@ ConsolePage {
 
     function finish(words: string): void {
         loading = false;
-        failure = words;
+        tellFailure(words);
         sumUp();
         settled = true;
         if (askAgain)
@@ -101,7 +101,6 @@ ConsolePage {
             actionText: page.session.connected ? qsTr("Try again") : ""
             Layout.fillWidth: true
             onActionTriggered: page.refresh()
-            onDismissed: page.failure = ""
         }
         ErrorStrip {
             objectName: "nasStrip"

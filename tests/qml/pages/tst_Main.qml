@@ -173,6 +173,21 @@ TestCase {
         tryCompare(part("alarmCount"), "text", "and 1 more alarm");
     }
 
+    function test_whatIsBrokenIsSaidWithItsRemedyAndNotInGreen(): void {
+        open({});
+        compare(part("connectionIcon").color, Theme.good);
+        server.setAlarms([groupAlarm("g", "North gate", 2)]);
+        tryVerify(() => part("alarms").visible);
+        compare(part("connectionIcon").color, Theme.good);
+        verify(!part("alarmRemedy").visible);
+        server.addAlarm({ kindRole: 2, textRole: "The database is damaged.", remedyRole: "Put a backup in place.",
+                          sinceRole: new Date(2026, 10, 3), sourceRole: "", groupIdRole: "", groupNameRole: "" });
+        tryCompare(part("alarmText"), "text", "The database is damaged.");
+        compare(part("alarmRemedy").text, "Put a backup in place.");
+        compare(part("connectionIcon").color, Theme.danger);
+        verify(part("connection").text.includes("trouble"));
+    }
+
     function test_theOnlyAlarmLeadsToItsGroup(): void {
         open({});
         server.setAlarms([groupAlarm("g", "North gate", 2)]);

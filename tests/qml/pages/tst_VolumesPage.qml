@@ -151,4 +151,17 @@ PageTest {
         Theme.scheme = Theme.followDesktop;
         compare(grounds, ["#ffffff", "#1b222a"]);
     }
+
+    function test_aFailureThatWasClosedIsNoEmptyList(): void {
+        open("VolumesPage");
+        server.reply("getVolume", [], "InternalError");
+        verify(part("errorStrip").visible);
+        const title = part("placeholder").title;
+        mouseClick(part("errorClose"));
+        verify(!part("errorStrip").visible);
+        compare(part("placeholder").title, title);
+        page.refresh();
+        server.reply("getVolume", [], "InternalError");
+        verify(part("errorStrip").visible, "the same failure, once more");
+    }
 }
