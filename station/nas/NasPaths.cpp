@@ -73,14 +73,14 @@ PathFacts NasPaths::asked(const QString &path, const Ask &ask) const
         *place, m_kind == PathKind::NetHost ? NasAccounts::Account::OfHost : NasAccounts::Account::OfDomain);
     if (!logon)
         return refused(StationReturnCode::NasServerNotFound);
-    const QString host = QStringLiteral("%1:%2").arg(place->host.toLower()).arg(place->port);
+    const QString host = place->hostKey();
     if (!m_silentHosts.value(host, QDeadlineTimer(0)).hasExpired())
         return refused(StationReturnCode::NasServerNotResponding);
     const auto work = [place = *place, logon = *logon, ask, limit = m_work.limit()] {
         SmbClient client(logon, limit);
         return ask(client, place);
     };
-    const PathFacts facts = m_work.await<PathFacts>(work, refused(StationReturnCode::NasServerNotResponding));
+    const PathFacts facts = m_work.await<PathFacts>(host, work, refused(StationReturnCode::NasServerNotResponding));
     if (facts.returnCode == StationReturnCode::NasServerNotResponding)
         m_silentHosts.insert(host, QDeadlineTimer(silence));
     return facts;

@@ -127,5 +127,5 @@ void NasRegistry::storeAfterLogon(const QString &command, const NasServer &serve
             answer(reply);
         });
     };
-    m_work.run<QString>(logOn, StationReturnCode::NasServerNotResponding, done);
+    m_work.run<QString>(host->hostKey(), logOn, StationReturnCode::NasServerNotResponding, done);
 }

@@ -86,7 +86,7 @@ void NasShares::getNasDir(const QVariant &data, const Answer &answer)
                             QVariantMap{{StationKey::basePath, basePath}, {StationKey::dirFolderList, folders.names}}));
         });
     };
-    m_work.run<SmbFolders>(list, {StationReturnCode::NasServerNotResponding, {}}, done);
+    m_work.run<SmbFolders>(target->place.hostKey(), list, {StationReturnCode::NasServerNotResponding, {}}, done);
 }
 
 void NasShares::getNasCapacity(const QVariant &data, const Answer &answer)
@@ -153,5 +153,5 @@ std::optional<NasShares::Target> NasShares::targetOf(const QVariant &data, const
 void NasShares::askSpace(const Target &target, const std::function<void(const SmbSpace &)> &done)
 {
     const auto ask = [target, limit = m_work.limit()] { return SmbClient(target.logon, limit).space(target.place); };
-    m_work.run<SmbSpace>(ask, {StationReturnCode::NasServerNotResponding}, done);
+    m_work.run<SmbSpace>(target.place.hostKey(), ask, {StationReturnCode::NasServerNotResponding}, done);
 }

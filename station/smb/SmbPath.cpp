@@ -94,7 +94,20 @@ QByteArray SmbPath::urlOf(const QString &name) const
     return url() + '/' + QUrl::toPercentEncoding(name);
 }
 
+SmbPath SmbPath::server() const
+{
+    SmbPath server;
+    server.host = host;
+    server.port = port;
+    return server;
+}
+
+QString SmbPath::hostKey() const
+{
+    return QStringLiteral("%1:%2").arg(host.toLower()).arg(port == 0 ? usualPort : port);
+}
+
 bool SmbPath::isOnHostOf(const SmbPath &other) const
 {
-    return host.compare(other.host, Qt::CaseInsensitive) == 0 && port == other.port;
+    return hostKey() == other.hostKey();
 }

@@ -29,6 +29,10 @@ struct SmbPath
     /// The address of @p name in this folder.
     QByteArray urlOf(const QString &name) const;
 
+    /// The server alone.
+    SmbPath server() const;
+    /// "host:port" in small letters: the same for everything on one server.
+    QString hostKey() const;
     /// Whether @p other is on the same server, capitals of the host aside.
     bool isOnHostOf(const SmbPath &other) const;
 };

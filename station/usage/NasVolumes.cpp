@@ -88,7 +88,7 @@ void NasVolumes::ask(const Key &key)
     const auto question = [place = *place, logon = *logon, limit = m_work.limit()] {
         return SmbClient(logon, limit).space(place);
     };
-    m_work.run<SmbSpace>(question, {StationReturnCode::NasServerNotResponding, 0, 0},
+    m_work.run<SmbSpace>(place->hostKey(), question, {StationReturnCode::NasServerNotResponding, 0, 0},
                          [this, key, place = *place](const SmbSpace &space) {
                              const bool isThere = space.returnCode == StationReturnCode::Success;
                              PlaceState state = stateOf(isThere ? Storage::Present : Storage::Gone, key.second);
