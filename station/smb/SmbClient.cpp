@@ -50,22 +50,22 @@ void giveWords(SMBCCTX *context, const char *, const char *, char *domain, int d
     qstrncpy(password, words->password.constData(), static_cast<size_t>(passwordSize));
 }
 
-bool isSilence(int error)
+/// Whether only a server that lives gives this: there is no such thing.
+bool isMissing(int error)
 {
-    constexpr int silences[] = {ETIMEDOUT,   ECONNREFUSED, ECONNRESET, ECONNABORTED, EHOSTUNREACH, EHOSTDOWN,
-                                ENETUNREACH, ENETDOWN,     ENOTCONN,   EPIPE,        ENXIO};
-    return std::find(std::begin(silences), std::end(silences), error) != std::end(silences);
-}
-
-/// While several threads log on at once, the library now and then reports one of these though nothing is wrong.
-bool isStumble(int error)
-{
-    return error == EINVAL || error == ENOMEM;
+    return error == ENOENT || error == ENOTDIR || error == ELOOP || error == ENAMETOOLONG;
 }
 
 bool isRefusal(int error)
 {
     return error == EACCES || error == EPERM;
+}
+
+/// What the library reports where it has no number for the server's own error and where it could not read an answer,
+/// and now and then, while several threads log on at once, though nothing is wrong.
+bool isStumble(int error)
+{
+    return error == EINVAL || error == ENOMEM;
 }
 
 /// The system's number for a host that nobody knows.
@@ -91,8 +91,15 @@ QString writeFailure(int error)
     case ENOSPC:
     case EDQUOT:
         return StationReturnCode::VolumeFull;
-    default:
+    case EIO:
+    case EBUSY:
+    case EEXIST:
+    case EISDIR:
+    case EFBIG:
+    case ENOENT:
         return StationReturnCode::CannotCreate;
+    default:
+        return StationReturnCode::NasServerNotResponding;
     }
 }
 } // namespace
@@ -102,6 +109,7 @@ struct SmbClient::Context
     Words words;
     SmbLibrary::Turn turn;
     SMBCCTX *handle = nullptr;
+    QString loggedOnTo; // SmbPath::hostKey()
 
     Context(const SmbLogon &logon, std::chrono::milliseconds timeout);
     ~Context() { smbc_free_context(handle, 1); }
@@ -129,118 +137,177 @@ SmbClient::Context::Context(const SmbLogon &logon, std::chrono::milliseconds tim
 }
 
 SmbClient::SmbClient(const SmbLogon &logon, std::chrono::milliseconds timeout)
+    : m_logon(logon)
+    , m_timeout(timeout)
 {
     SmbLibrary::prepare();
-    m_context = std::make_unique<Context>(logon, timeout);
+    reconnect();
 }
 
 SmbClient::~SmbClient() = default;
 
-int SmbClient::attempt(const SmbPath &place, const std::function<int()> &call)
+/// The next call has a connection of its own.
+void SmbClient::reconnect()
+{
+    m_context.reset(); // before the next one waits for its turn
+    m_context = std::make_unique<Context>(m_logon, m_timeout);
+}
+
+bool SmbClient::hasName() const
+{
+    return !m_context->words.userName.isEmpty();
+}
+
+int SmbClient::call(const SmbPath &place, const Call &function)
 {
     const Words &words = m_context->words;
     if (std::max({words.domain.size(), words.userName.size(), words.password.size()}) > longestWord)
         return EACCES;
     if (const int error = findHost(place.host))
         return error;
-    int error = call();
-    for (int again = 0; isStumble(error) && again < mostRepeats; ++again)
-        error = call();
-    if (!isSilence(error))
+    const int error = function(*m_context);
+    if (error == 0 || isRefusal(error) || isMissing(error))
         m_context->turn.serverAnswered();
     return error;
 }
 
-QString SmbClient::refusal(int error, const SmbPath &place, const QString &code)
+QString SmbClient::attempt(const SmbPath &place, const QString &code, const Call &function)
 {
-    if (isSilence(error))
-        return StationReturnCode::NasServerNotResponding;
-    if (!isRefusal(error))
+    int error = 0;
+    for (int again = 0; again <= mostRepeats; ++again) {
+        if (again > 0)
+            reconnect();
+        // A refused log-on has the same number as a folder that this user may not read. To find out afterwards would
+        // be a second refused log-on, and some of those lock an account.
+        if (hasName() && m_context->loggedOnTo != place.hostKey()) {
+            const QString logOnCode = logOn(place);
+            if (logOnCode != StationReturnCode::Success)
+                return logOnCode;
+        }
+        error = call(place, function);
+        if (!isStumble(error))
+            break;
+    }
+    if (error == 0)
+        return StationReturnCode::Success;
+    if (isMissing(error) || (isRefusal(error) && hasName()))
         return code;
-    // A refused log-on and a folder that this user may not read have the same number.
+    m_context->loggedOnTo.clear();
+    if (!isRefusal(error))
+        return StationReturnCode::NasServerNotResponding;
     const QString logOnCode = logOn(place);
     return logOnCode == StationReturnCode::Success ? code : logOnCode;
 }
 
-int SmbClient::list(const SmbPath &place, const Entry &entry)
+SmbClient::Call SmbClient::lister(const SmbPath &place, const Entry &entry)
 {
-    return attempt(place, [&] {
-        SMBCCTX *const handle = m_context->handle;
-        SMBCFILE *const folder = smbc_getFunctionOpendir(handle)(handle, place.url().constData());
+    return [url = place.url(), entry](Context &context) {
+        SMBCCTX *const handle = context.handle;
+        SMBCFILE *const folder = smbc_getFunctionOpendir(handle)(handle, url.constData());
         if (!folder)
             return errno;
-        while (const smbc_dirent *found = smbc_getFunctionReaddir(handle)(handle, folder))
+        errno = 0; // stays so at the end of the list
+        while (const smbc_dirent *found = smbc_getFunctionReaddir(handle)(handle, folder)) {
             entry(found->smbc_type, QString::fromUtf8(static_cast<const char *>(found->name), -1));
+            errno = 0;
+        }
+        const int error = errno;
         smbc_getFunctionClosedir(handle)(handle, folder);
-        return 0;
-    });
+        return error;
+    };
 }
 
 QString SmbClient::logOn(const SmbPath &place)
 {
-    SmbPath server;
-    server.host = place.host;
-    server.port = place.port;
-    const int error = list(server, [](unsigned int, const QString &) {});
-    if (isSilence(error))
-        return StationReturnCode::NasServerNotResponding;
-    return error == 0 ? StationReturnCode::Success : StationReturnCode::LogonNASServerFaled;
+    const SmbPath server = place.server();
+    const Call listShares = lister(server, [](unsigned int, const QString &) {});
+    int error = call(server, listShares);
+    if (isStumble(error)) {
+        // The library has no number for some refusals, of a locked account for instance. Whoever says anything to
+        // somebody without a name speaks the protocol.
+        m_context.reset();
+        const bool isSpeaking = !m_logon.userName.isEmpty() && SmbClient({}, m_timeout).isSpeaking(server);
+        reconnect();
+        error = call(server, listShares);
+        if (isStumble(error) && isSpeaking)
+            error = EACCES;
+    }
+    m_context->loggedOnTo = error == 0 ? server.hostKey() : QString();
+    if (error == 0)
+        return StationReturnCode::Success;
+    return isRefusal(error) ? StationReturnCode::LogonNASServerFaled : StationReturnCode::NasServerNotResponding;
+}
+
+bool SmbClient::isSpeaking(const SmbPath &server)
+{
+    const int error = call(server, lister(server, [](unsigned int, const QString &) {}));
+    return error == 0 || isRefusal(error);
 }
 
 SmbFolders SmbClient::folders(const SmbPath &place)
 {
     QStringList dots;
     QStringList names;
-    const int error = list(place, [&](unsigned int type, const QString &name) {
+    const Call list = lister(place, [&](unsigned int type, const QString &name) {
         if (type == SMBC_DIR && (name == QStringLiteral(".") || name == QStringLiteral("..")))
             dots.append(name);
         else if (type == SMBC_DIR || (type == SMBC_FILE_SHARE && !name.endsWith(u'$')))
             names.append(name);
     });
-    if (error != 0)
-        return {refusal(error, place, StationReturnCode::GetNasDirFailed), {}};
+    const QString code = attempt(place, StationReturnCode::GetNasDirFailed, [&](Context &context) {
+        dots.clear();
+        names.clear();
+        return list(context);
+    });
+    if (code != StationReturnCode::Success)
+        return {code, {}};
     std::sort(names.begin(), names.end(), nameLess);
-    return {StationReturnCode::Success, dots + names};
+    return {code, dots + names};
 }
 
 SmbSpace SmbClient::space(const SmbPath &folder)
 {
+    if (folder.share.isEmpty())
+        return {StationReturnCode::GetNasCapacityFailed};
     struct statvfs figures = {};
-    const int error = folder.share.isEmpty() ? ENOENT : attempt(folder, [&] {
-        SMBCCTX *const handle = m_context->handle;
+    const QString code = attempt(folder, StationReturnCode::GetNasCapacityFailed, [&](Context &context) {
+        SMBCCTX *const handle = context.handle;
         QByteArray url = folder.url();
-        return smbc_getFunctionStatVFS(handle)(handle, url.data(), &figures) == 0 ? 0 : errno;
+        figures = {};
+        if (smbc_getFunctionStatVFS(handle)(handle, url.data(), &figures) != 0)
+            return errno;
+        // Where the connection ends before the figures come, the library reports success all the same.
+        return figures.f_blocks == 0 || figures.f_bsize == 0 ? EINVAL : 0;
     });
-    if (error != 0)
-        return {refusal(error, folder, StationReturnCode::GetNasCapacityFailed)};
-    return spaceOf(figures);
+    return code == StationReturnCode::Success ? spaceOf(figures) : SmbSpace{code};
 }
 
 QString SmbClient::writeProbe(const SmbPath &folder)
 {
-    SMBCCTX *const handle = m_context->handle;
+    if (folder.share.isEmpty())
+        return StationReturnCode::DirectoryNotFound;
     struct stat facts = {};
-    const int lookError = folder.share.isEmpty() ? ENOENT : attempt(folder, [&] {
+    const QString code = attempt(folder, StationReturnCode::DirectoryNotFound, [&](Context &context) {
+        SMBCCTX *const handle = context.handle;
         return smbc_getFunctionStat(handle)(handle, folder.url().constData(), &facts) == 0 ? 0 : errno;
     });
-    if (lookError != 0)
-        return refusal(lookError, folder, StationReturnCode::DirectoryNotFound);
+    if (code != StationReturnCode::Success)
+        return code;
     if (!S_ISDIR(facts.st_mode))
         return StationReturnCode::NotADirectory;
 
+    SMBCCTX *const handle = m_context->handle;
     const QByteArray url = folder.urlOf(QStringLiteral(".write-test-") + QUuid::createUuid().toString(QUuid::Id128));
     SMBCFILE *const file = smbc_getFunctionOpen(handle)(handle, url.constData(), O_WRONLY | O_CREAT | O_EXCL, 0600);
     if (!file)
-        return isSilence(errno) ? StationReturnCode::NasServerNotResponding : writeFailure(errno);
+        return writeFailure(errno);
     constexpr char content[] = "test";
     int error = smbc_getFunctionWrite(handle)(handle, file, content, sizeof content) == sizeof content ? 0 : errno;
     if (smbc_getFunctionClose(handle)(handle, file) != 0 && error == 0)
         error = errno;
     if (smbc_getFunctionUnlink(handle)(handle, url.constData()) != 0 && error == 0)
         error = errno;
-    if (error == 0)
-        return StationReturnCode::Success;
-    return isSilence(error) ? StationReturnCode::NasServerNotResponding : writeFailure(error);
+    return error == 0 ? StationReturnCode::Success : writeFailure(error);
 }
 
 SmbSpace spaceOf(const struct statvfs &figures)

@@ -35,8 +35,11 @@ struct SmbSpace
 
 /// A connection to SMB servers under one log-on, through libsmbclient. Every call blocks, and is used on one thread.
 ///
-/// Refusals: "NasServerNotResponding" when the host is unknown or silent, "LogonNASServerFaled" when it refuses the
-/// log-on, and otherwise the code that the call names.
+/// Refusals: "NasServerNotResponding" when the host is unknown or silent, or ends the connection, or does not speak
+/// SMB; "LogonNASServerFaled" when it refuses the log-on, and otherwise the code that the call names.
+///
+/// A user's log-on that is refused is tried once in a call, since servers lock accounts after a few. (A refusal that
+/// the library has no number for, of a locked account for instance, is made sure of by a second one.)
 class SmbClient
 {
 public:
@@ -46,7 +49,7 @@ public:
     SmbClient(const SmbClient &) = delete;
     SmbClient &operator=(const SmbClient &) = delete;
 
-    /// Logs on to the server of @p place and lists its shares. Any other refusal counts as one of the log-on.
+    /// Logs on to the server of @p place and lists its shares.
     QString logOn(const SmbPath &place);
 
     /// The folders in @p place; the shares when it is a server, without those whose names end in "$". "." and ".." come
@@ -62,14 +65,18 @@ public:
 
 private:
     struct Context;
+    using Call = std::function<int(Context &context)>; ///< gives a system's error number, 0 for success
+    using Entry = std::function<void(unsigned int type, const QString &name)>; ///< the type is one of libsmbclient's
 
-    /// The error number, 0 for success, of @p call, which is made once the host was found.
-    int attempt(const SmbPath &place, const std::function<int()> &call);
-    using Entry = std::function<void(unsigned int type, const QString &name)>;
-    /// Gives every entry of @p place to @p entry; the type is one of libsmbclient's.
-    int list(const SmbPath &place, const Entry &entry);
-    QString refusal(int error, const SmbPath &place, const QString &code);
+    void reconnect();
+    bool hasName() const;
+    int call(const SmbPath &place, const Call &function);
+    QString attempt(const SmbPath &place, const QString &code, const Call &function);
+    static Call lister(const SmbPath &place, const Entry &entry);
+    bool isSpeaking(const SmbPath &server);
 
+    SmbLogon m_logon;
+    std::chrono::milliseconds m_timeout;
     std::unique_ptr<Context> m_context;
 };
 

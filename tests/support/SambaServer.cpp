@@ -82,6 +82,12 @@ void SambaServer::stop()
     m_process.waitForFinished(patience);
 }
 
+bool SambaServer::signalAll(int signal)
+{
+    const auto leader = static_cast<pid_t>(m_process.processId());
+    return leader > 0 && kill(-leader, signal) == 0;
+}
+
 QString SambaServer::host() const
 {
     return QStringLiteral("127.0.0.1:%1").arg(m_port);
@@ -108,19 +114,38 @@ QString SambaServer::folderOf(const QString &name) const
     return file(QStringLiteral("shares/") + name);
 }
 
+bool SambaServer::setPassword(const QString &password)
+{
+    m_password = password;
+    return edit({QStringLiteral("--delete"), QStringLiteral("--user=") + currentUser()}) && makeUser();
+}
+
+bool SambaServer::setLockout(int attempts)
+{
+    return edit({QStringLiteral("--account-policy=bad lockout attempt"),
+                 QStringLiteral("--value=") + QString::number(attempts)});
+}
+
 bool SambaServer::makeUser()
 {
     writeConfiguration();
+    return edit({QStringLiteral("--create"), QStringLiteral("--password-from-stdin"),
+                 QStringLiteral("--user=") + currentUser()},
+                QStringLiteral("%1\n%1\n").arg(m_password));
+}
+
+/// Changes the data base of users.
+bool SambaServer::edit(const QStringList &arguments, const QString &input)
+{
     QProcess process;
     process.setProcessChannelMode(QProcess::MergedChannels);
     process.start(program(QStringLiteral("pdbedit")),
-                  {QStringLiteral("--configfile=") + file(QStringLiteral("smb.conf")), QStringLiteral("--create"),
-                   QStringLiteral("--password-from-stdin"), QStringLiteral("--user=") + currentUser()});
-    process.write(QStringLiteral("%1\n%1\n").arg(m_password).toUtf8());
+                  QStringList{QStringLiteral("--configfile=") + file(QStringLiteral("smb.conf"))} + arguments);
+    process.write(input.toUtf8());
     process.closeWriteChannel();
     if (process.waitForFinished(patience) && process.exitCode() == 0)
         return true;
-    m_error = QStringLiteral("No user could be made: ") + QString::fromUtf8(process.readAll());
+    m_error = QStringLiteral("pdbedit failed: ") + QString::fromUtf8(process.readAll());
     return false;
 }
 

@@ -25,6 +25,15 @@ public:
     QString userName() const { return QStringLiteral("camera"); }
     QString password() const { return m_password; }
 
+    quint16 port() const { return m_port; }
+    /// Sends @p signal to smbd and all its processes; false while it does not run.
+    bool signalAll(int signal);
+
+    /// The user has @p password from now on; false with error() set when that failed.
+    bool setPassword(const QString &password);
+    /// The server locks the account after @p attempts wrong passwords, until setPassword(); 0: never.
+    bool setLockout(int attempts);
+
     /// Makes a share and its folder; also while the server runs.
     /// @param options more lines of its configuration
     void addShare(const QString &name, const QStringList &options = {});
@@ -35,12 +44,13 @@ public:
 
 private:
     bool makeUser();
+    bool edit(const QStringList &arguments, const QString &input = {});
     bool startOnce();
     QString file(const QString &name) const { return m_folder.filePath(name); }
     void writeConfiguration() const;
 
     QTemporaryDir m_folder;
-    QProcess m_process;
+    QProcess m_process; // makes a session of its own
     QMap<QString, QStringList> m_shares; // options by name
     QString m_password; // not the same twice, so that it can be searched for
     QString m_error;
