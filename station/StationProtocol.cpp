@@ -153,6 +153,7 @@ const QString StationReturnCode::GetNasDirFailed = QStringLiteral("GetNasDirFail
 const QString StationReturnCode::GetNasCapacityFailed = QStringLiteral("GetNasCapacityFailed");
 const QString StationReturnCode::NasServerNotResponding = QStringLiteral("NasServerNotResponding");
 const QString StationReturnCode::NasHostRefused = QStringLiteral("NasHostRefused");
+const QString StationReturnCode::NasPasswordNeeded = QStringLiteral("NasPasswordNeeded");
 const QString StationReturnCode::NasKeyUnusable = QStringLiteral("NasKeyUnusable");
 
 const QString StationOwnEventName::AlarmsChanged = QStringLiteral("station.AlarmsChanged");

@@ -208,5 +208,6 @@ extern const QString GetNasCapacityFailed; ///< the same for its capacity
 extern const QString NasServerNotResponding; ///< no such host, nothing listens there, or it says nothing
 extern const QString NasServerNotFound; ///< no NAS server is registered under that id, or for the host of the path
 extern const QString NasHostRefused; ///< empty, or not written as a host name is
+extern const QString NasPasswordNeeded; ///< a token was given for another host: the password is needed again
 extern const QString NasKeyUnusable; ///< the key of the stored passwords is lost or damaged; the log says how
 } // namespace StationReturnCode

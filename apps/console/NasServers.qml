@@ -17,6 +17,11 @@ QtObject {
     readonly property string ownDomain: "Host"
     readonly property string guest: "Guest"
 
+    /// The same for every spelling of a host, as the station compares them.
+    function hostKey(host: string): string {
+        return host.toLowerCase().replace(/:445$/, "");
+    }
+
     /// The row of the server, -1 where there is none.
     function row(model: var, id: string): int {
         const found = model.match(model.index(0, 0), idRole, id, 1, Qt.MatchExactly | Qt.MatchCaseSensitive);

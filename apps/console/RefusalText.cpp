@@ -91,6 +91,8 @@ const Refusal refusals[] = {
     {StationReturnCode::NasServerNotFound, QT_TRANSLATE_NOOP("Refusal", "The station knows no such NAS server.")},
     {StationReturnCode::NasHostRefused,
      QT_TRANSLATE_NOOP("Refusal", "A host is a name or an IPv4 address, and may have a port: nas-1 or nas-1:445.")},
+    {StationReturnCode::NasPasswordNeeded,
+     QT_TRANSLATE_NOOP("Refusal", "Another host needs the password again: the station sends it to no other.")},
     {StationReturnCode::NasKeyUnusable,
      QT_TRANSLATE_NOOP("Refusal", "The station cannot read the passwords that it keeps; its log says why.")},
 };

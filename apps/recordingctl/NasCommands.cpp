@@ -26,6 +26,16 @@ struct LogOn
     QString password;
 };
 
+/// Capitals and the usual port aside, as the station compares them.
+bool isSameHost(const QString &one, const QString &other)
+{
+    const auto key = [](const QString &host) {
+        const QString usualPort = QStringLiteral(":445");
+        return (host.endsWith(usualPort) ? host.chopped(usualPort.size()) : host).toLower();
+    };
+    return key(one) == key(other);
+}
+
 QList<LogOn> serversIn(const QAbstractItemModel &model)
 {
     const QHash<int, QByteArray> roles = model.roleNames();
@@ -160,9 +170,16 @@ ExitCode updateNasServer(CommandRun &run)
         return wrongUse(QStringLiteral("nas-update: one of --host, --user, --domain and --password was expected"));
     return withServer(run, [&run, &line](const LogOn &server) {
         QString error;
-        const std::optional<LogOn> logOn = withOptions(line, server, &error);
+        std::optional<LogOn> logOn = withOptions(line, server, &error);
         if (!logOn)
             return wrongUse(error);
+        if (!isSameHost(server.host, logOn->host) && !line.has(QStringLiteral("password"))) {
+            if (logOn->user.compare(LogOn().user, Qt::CaseInsensitive) != 0) {
+                return wrongUse(QStringLiteral("nas-update: another --host needs --password, too: the station sends"
+                                               " the password that it keeps to no other host"));
+            }
+            logOn->password.clear();
+        }
         const QString name = QStringLiteral("updateNASServer");
         return run.end(name, run.call(name, {server.id, logOn->host, logOn->domain, logOn->user, logOn->password}));
     });

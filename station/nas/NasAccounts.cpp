@@ -21,6 +21,14 @@ bool isOf(NasAccounts::Account account, const NasServer &server)
         server.logonDomain.isEmpty() || server.logonDomain.compare(QStringLiteral("Host"), Qt::CaseInsensitive) == 0;
     return account == NasAccounts::Account::Any || isServersOwn == (account == NasAccounts::Account::OfHost);
 }
+
+void refusePlaceholder(const SmbLogon &logon)
+{
+    if (logon.password == PasswordVault::placeholder()) {
+        throw VaultError(QStringLiteral("The password was asked for while its key could not be read; ask for the NAS"
+                                        " servers again"));
+    }
+}
 } // namespace
 
 NasAccounts::NasAccounts(StationData &data)
@@ -42,13 +50,21 @@ NasStore NasAccounts::store()
 
 const PasswordVault &NasAccounts::vault()
 {
-    if (!m_vault) {
-        const bool isNeeded = !store().servers().isEmpty();
-        m_vault = std::make_unique<PasswordVault>(QDir(m_data.folder()).filePath(QStringLiteral("nas.key")),
-                                                  isNeeded ? PasswordVault::WhenMissing::Fail
-                                                           : PasswordVault::WhenMissing::Create);
-    }
+    const bool isNeeded = !store().servers().isEmpty();
+    m_vault = std::make_unique<PasswordVault>(QDir(m_data.folder()).filePath(QStringLiteral("nas.key")),
+                                              isNeeded ? PasswordVault::WhenMissing::Fail
+                                                       : PasswordVault::WhenMissing::Create);
     return *m_vault;
+}
+
+void NasAccounts::checkKey(const QString &id)
+{
+    const PasswordVault &key = vault();
+    const QList<NasServer> servers = store().servers();
+    for (const NasServer &server : servers) {
+        if (server.id != id)
+            key.decrypted(server.sealedPassword);
+    }
 }
 
 QString NasAccounts::token(const QString &id)
@@ -57,7 +73,7 @@ QString NasAccounts::token(const QString &id)
         return vault().token(id);
     } catch (const VaultError &error) {
         qCWarning(stationLog, "%s", error.what());
-        return {};
+        return PasswordVault::placeholder();
     }
 }
 
@@ -65,6 +81,7 @@ SmbLogon NasAccounts::resolved(const SmbLogon &logon, const SmbPath &place)
 {
     if (logon.userName.isEmpty())
         return registered(place).value_or(logon);
+    refusePlaceholder(logon);
     const QList<NasServer> servers = store().servers();
     for (const NasServer &server : servers) {
         if (isOn(place, server) && PasswordVault::looksLikeToken(logon.password)
@@ -76,6 +93,7 @@ SmbLogon NasAccounts::resolved(const SmbLogon &logon, const SmbPath &place)
 
 SmbLogon NasAccounts::resolved(const SmbLogon &logon, const NasServer &server)
 {
+    refusePlaceholder(logon);
     if (!PasswordVault::looksLikeToken(logon.password) || !vault().isToken(logon.password, server.id))
         return logon;
     return {logon.domain, logon.userName, vault().decrypted(server.sealedPassword)};

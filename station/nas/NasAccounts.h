@@ -12,9 +12,10 @@ class StationData;
 
 /// The registered NAS servers together with their passwords, which leave this object only as tokens or for a log-on.
 ///
-/// The key lies in the file "nas.key" of the station's data folder. It is made with the first server; when it is lost
-/// while servers are registered, everything that needs a password throws VaultError, until the key is back or the
-/// servers are removed.
+/// The key lies in the file "nas.key" of the station's data folder, and is read each time that it is needed, so that
+/// one that is lost or replaced is noticed at once. It is made with the first server; while it is lost or another one,
+/// and servers are registered, everything that needs a password throws VaultError, until the key is back or the servers
+/// are removed.
 class NasAccounts
 {
 public:
@@ -24,10 +25,13 @@ public:
 
     Database &database();
     NasStore store();
-    /// The key, read at the first call. Throws VaultError.
+    /// The key as it is now; until the next call. Throws VaultError.
     const PasswordVault &vault();
-    /// What stands for the password of the server @p id; empty, with a line in the station's log, without the key: a
-    /// server can then still be seen and removed.
+    /// Throws VaultError unless the key is there and opens all stored passwords, but for that of the server @p id,
+    /// which is about to be replaced.
+    void checkKey(const QString &id = {});
+    /// What stands for the password of the server @p id; PasswordVault::placeholder(), with a line in the station's
+    /// log, without the key: a server can then still be seen and removed.
     QString token(const QString &id);
 
     /// @p logon as it is used for @p place: without a user name it is the registered one, and a token of a server

@@ -15,6 +15,14 @@ SmbLogon logonOf(const RequestMap &request)
     return {request.string(StationKey::logonDomain), request.string(StationKey::userName),
             request.string(StationKey::password)};
 }
+
+/// Whether @p host is another one than that of @p stored; false where it is none at all.
+bool isMoved(const NasServer &stored, const QString &host)
+{
+    const std::optional<SmbPath> before = SmbPath::parseHost(stored.host);
+    const std::optional<SmbPath> now = SmbPath::parseHost(host);
+    return now && !(before && before->isOnHostOf(*now));
+}
 } // namespace
 
 NasRegistry::NasRegistry(NasAccounts &accounts, TimedWork &work, const QString &relayPath)
@@ -66,6 +74,7 @@ void NasRegistry::addNasServer(const QVariant &data, const Answer &answer)
         return;
     storeAfterLogon(StationCommandName::AddNasServer, server, logon, answer, [this, server, logon] {
         NasServer added = server;
+        m_accounts.checkKey();
         added.sealedPassword = m_accounts.vault().encrypted(logon.password);
         m_accounts.store().insert(added);
         return lastPart(StationReturnCode::Success, added.id);
@@ -83,12 +92,15 @@ void NasRegistry::updateNasServer(const QVariant &data, const Answer &answer)
     const std::optional<NasServer> stored = m_accounts.store().server(server.id);
     if (!stored)
         return answer(lastPart(StationReturnCode::NasServerNotFound));
+    if (isMoved(*stored, server.host) && PasswordVault::looksLikeToken(given.password))
+        return answer(lastPart(StationReturnCode::NasPasswordNeeded));
     const SmbLogon logon = m_accounts.resolved(given, *stored);
     storeAfterLogon(StationCommandName::UpdateNASServer, server, logon, answer, [this, server, logon] {
         NasServer updated = server;
-        updated.sealedPassword = m_accounts.vault().encrypted(logon.password);
         if (!m_accounts.store().server(updated.id)) // removed while the server was asked
             return lastPart(StationReturnCode::NasServerNotFound);
+        m_accounts.checkKey(updated.id);
+        updated.sealedPassword = m_accounts.vault().encrypted(logon.password);
         m_accounts.store().replace(updated);
         return lastPart(StationReturnCode::Success);
     });
@@ -113,7 +125,7 @@ void NasRegistry::storeAfterLogon(const QString &command, const NasServer &serve
         return answer(lastPart(StationReturnCode::NasHostRefused));
     if (m_accounts.store().isTaken(server.host, server.userName, server.id))
         return answer(lastPart(StationReturnCode::NASServerExist));
-    m_accounts.vault();
+    m_accounts.checkKey(server.id);
     const auto logOn = [host = *host, logon, limit = m_work.limit()] { return SmbClient(logon, limit).logOn(host); };
     const auto done = [this, command, server, answer, store](const QString &returnCode) {
         answerFailures(command, answer, [&] {

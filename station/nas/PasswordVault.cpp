@@ -190,3 +190,8 @@ bool PasswordVault::looksLikeToken(const QString &text)
 {
     return text.startsWith(QLatin1String(tokenPrefix));
 }
+
+QString PasswordVault::placeholder()
+{
+    return QLatin1String(tokenPrefix) + QStringLiteral("unreadable");
+}

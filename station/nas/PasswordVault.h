@@ -39,6 +39,8 @@ public:
     bool isToken(const QString &text, const QString &id) const;
     /// Whether @p text may be a token at all; needs no key.
     static bool looksLikeToken(const QString &text);
+    /// What is given out where no token can be made, for want of the key; looks like one and is that of no server.
+    static QString placeholder();
 
 private:
     QByteArray m_passwordKey;

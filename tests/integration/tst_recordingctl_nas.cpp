@@ -16,6 +16,7 @@ private slots:
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 
     void serverFromBeginningToEnd();
+    void aLostKeyIsToldByEveryCommand();
 
 private:
     Run ctl(const QStringList &arguments, const QByteArray &input = {}) const
@@ -68,6 +69,15 @@ void TestRecordingctlNas::serverFromBeginningToEnd()
     file.close();
     QCOMPARE(ctl({"nas-update", host, "--password", "@" + file.fileName(), "--domain", "TESTNAS"}).errors, QString());
     QCOMPARE(words(ctl({"nas"}).outputLines().value(1)), (QStringList{host, m_server.userName(), "TESTNAS", id}));
+    const QString elsewhere = QStringLiteral("localhost:%1").arg(m_server.port());
+    const Run moved = ctl({"nas-update", host, "--host", elsewhere});
+    QCOMPARE(moved.exitCode, 2);
+    QVERIFY2(moved.errors.startsWith("recordingctl: nas-update: another --host needs --password"),
+             qPrintable(moved.errors));
+    QCOMPARE(words(ctl({"nas"}).outputLines().value(1)), (QStringList{host, m_server.userName(), "TESTNAS", id}));
+    QCOMPARE(ctl({"nas-update", host, "--host", elsewhere, "--password", "-"}, password).errors, QString());
+    QCOMPARE(ctl({"nas-update", elsewhere, "--host", elsewhere.toUpper(), "--domain", "Host"}).errors, QString());
+    QCOMPARE(ctl({"nas-update", elsewhere.toUpper(), "--host", host, "--password", "-"}, password).errors, QString());
     const Run typed = ctl({"nas-update", host, "--password", m_server.password()});
     QCOMPARE(typed.exitCode, 2);
     QVERIFY(!typed.errors.contains(m_server.password()));
@@ -76,6 +86,31 @@ void TestRecordingctlNas::serverFromBeginningToEnd()
     QCOMPARE(ctl({"nas"}).outputLines().size(), 1);
     QCOMPARE(ctl({"nas-remove", host}).errors,
              QStringLiteral("recordingctl: nas-remove: there is no NAS server \"%1\"; \"nas\" lists them\n").arg(host));
+}
+
+void TestRecordingctlNas::aLostKeyIsToldByEveryCommand()
+{
+    const QString host = m_server.host();
+    const QString path = QStringLiteral("//%1/rec").arg(host);
+    const QByteArray password = m_server.password().toUtf8() + '\n';
+    const Run add = ctl({"nas-add", host, "--user", m_server.userName(), "--password", "-"}, password);
+    QCOMPARE(add.errors, QString());
+    const QString key = m_folder.filePath("station/nas.key");
+    QVERIFY(QFile::rename(key, key + 'x'));
+    const QList<QStringList> commands{{"nas-folders", path},
+                                      {"nas-capacity", path},
+                                      {"nas-volumes", path},
+                                      {"nas-update", host, "--domain", "TESTNAS"},
+                                      {"nas-add", QStringLiteral("localhost:%1").arg(m_server.port())}};
+    for (const QStringList &command : commands) {
+        const Run refused = ctl(command);
+        QVERIFY2(refused.exitCode == 1 && refused.errors.contains("NasKeyUnusable"),
+                 qPrintable(command.first() + ": " + refused.errors));
+    }
+    QCOMPARE(ctl({"nas"}).outputLines().size(), 2); // still listed
+    QVERIFY(!QFile::exists(key));
+    QCOMPARE(ctl({"nas-remove", add.output.trimmed()}).exitCode, 0);
+    QVERIFY(QFile::remove(key + 'x'));
 }
 
 QTEST_GUILESS_MAIN(TestRecordingctlNas)

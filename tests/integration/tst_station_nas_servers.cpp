@@ -1,5 +1,6 @@
 #include "Loopback.h"
 #include "SambaServer.h"
+#include "SmbRelay.h"
 #include "StationCall.h"
 
 #include <QDir>
@@ -38,7 +39,11 @@ private slots:
     void dataOfTheWrongShapeIsRefused_data();
     void dataOfTheWrongShapeIsRefused();
     void aTokenStandsForThePasswordOfItsServerAlone();
+    void anotherHostNeedsThePasswordAgain();
     void aLostKeyIsTold();
+    void withoutAKeyEveryPasswordIsRefused();
+    void aKeyThatIsLostMeanwhileStoresNothing_data();
+    void aKeyThatIsLostMeanwhileStoresNothing();
 
 private:
     QVariantMap request(const QString &host, const QString &userName, const QString &password) const;
@@ -367,13 +372,120 @@ void StationNasServersTest::aTokenStandsForThePasswordOfItsServerAlone()
     QCOMPARE(ask("GetNasDir", elsewhere).returnCode, QStringLiteral("LogonNASServerFaled"));
 }
 
+void StationNasServersTest::anotherHostNeedsThePasswordAgain()
+{
+    const QString id = added();
+    const QString known = token();
+    const QVariantList before = servers();
+    const SmbRelay elsewhere(m_server.port()); // another port is another server
+    const QString port = m_server.host().section(u':', 1);
+    const QVariantMap update = with(with(request(), "id", id), "password", known);
+    for (const QString &host :
+         {QStringLiteral("127.0.0.1:%1").arg(elsewhere.port()), QStringLiteral("localhost:") + port}) {
+        const StationCall call(*m_station, QStringLiteral("UpdateNASServer"), with(update, "host", host));
+        QVERIFY(call.isAnswered()); // nobody was asked
+        QCOMPARE(call.reply().returnCode, QStringLiteral("NasPasswordNeeded"));
+    }
+    QCOMPARE(elsewhere.connections(), 0);
+    QCOMPARE(servers(), before);
+    const QVariantMap moved =
+        with(with(request(), "id", id), "host", QStringLiteral("127.0.0.1:%1").arg(elsewhere.port()));
+    QCOMPARE(ask("UpdateNASServer", moved).returnCode, QStringLiteral("0"));
+    QVERIFY(elsewhere.connections() > 0);
+    const QVariantMap named = with(moved, "host", QStringLiteral("localhost:") + port);
+    QCOMPARE(ask("UpdateNASServer", named).returnCode, QStringLiteral("0"));
+    // Capitals do not make it another host.
+    const QVariantMap capitals = with(update, "host", QStringLiteral("LocalHost:") + port);
+    QCOMPARE(ask("UpdateNASServer", capitals).returnCode, QStringLiteral("0"));
+}
+
+void StationNasServersTest::withoutAKeyEveryPasswordIsRefused()
+{
+    const QString id = added();
+    const QString key = m_folder->filePath(QStringLiteral("nas.key"));
+    QVERIFY(QFile::rename(key, key + u'x'));
+    const QRegularExpression lost(QStringLiteral("nas\\.key is lost"));
+    QTest::ignoreMessage(QtWarningMsg, lost);
+    const QString placeholder = token();
+    QVERIFY(!placeholder.isEmpty());
+    const QVariantMap nameless = with(with(place(QString()), "userName", QString()), "logonDomain", QString());
+    const QVariantMap update = with(with(request(), "id", id), "password", placeholder);
+    const auto refuse = [this](const char *command, const QVariant &data, const QRegularExpression &words) {
+        QTest::ignoreMessage(QtWarningMsg, words);
+        QCOMPARE(ask(command, data).returnCode, QStringLiteral("NasKeyUnusable"));
+    };
+    const QRegularExpression notRead(QStringLiteral("key could not be read"));
+    refuse("GetNasDir", place(placeholder), notRead);
+    refuse("GetNasCapacity", place(placeholder), notRead);
+    refuse("UpdateNASServer", update, notRead);
+    refuse("UpdateNASServer", with(request(), "id", id), lost); // with the password itself
+    refuse("GetNasDir", nameless, lost);
+    refuse("GetNasCapacity", nameless, lost);
+    const QStringList paths{QStringLiteral("//%1/video").arg(m_server.host())};
+    refuse("addNASPathsToVolume", QVariantMap{{QStringLiteral("pathList"), paths}}, lost);
+    QVERIFY(!QFile::exists(key));
+    QVERIFY(QFile::rename(key + u'x', key));
+    refuse("GetNasDir", place(placeholder), notRead);
+    QCOMPARE(ask("GetNasDir", place(token())).returnCode, QStringLiteral("0"));
+}
+
+void StationNasServersTest::aKeyThatIsLostMeanwhileStoresNothing_data()
+{
+    QTest::addColumn<bool>("isReplaced");
+    QTest::addColumn<bool>("isDuringTheLogOn");
+    QTest::newRow("lost") << false << false;
+    QTest::newRow("lost during the log-on") << false << true;
+    QTest::newRow("replaced") << true << false;
+    QTest::newRow("replaced during the log-on") << true << true;
+}
+
+void StationNasServersTest::aKeyThatIsLostMeanwhileStoresNothing()
+{
+    QFETCH(bool, isReplaced);
+    QFETCH(bool, isDuringTheLogOn);
+    const QString first = added();
+    const QVariantMap guest = request(m_server.host(), QStringLiteral("Guest"), QString());
+    const QString second = ask("AddNasServer", guest).returnCode;
+    QCOMPARE(second, QStringLiteral("0"));
+    const QString key = m_folder->filePath(QStringLiteral("nas.key"));
+    const auto lose = [&key, isReplaced] {
+        QVERIFY(QFile::rename(key, key + u'x'));
+        if (!isReplaced)
+            return;
+        QFile other(key);
+        QVERIFY(other.open(QIODevice::NewOnly, QFile::ReadOwner | QFile::WriteOwner));
+        QCOMPARE(other.write(QByteArray(32, 'k')), 32);
+    };
+    const QVariantList before = servers();
+    const QRegularExpression words(isReplaced ? QStringLiteral("encrypted with another key")
+                                              : QStringLiteral("nas\\.key is lost"));
+    const QString host = QStringLiteral("localhost:") + m_server.host().section(u':', 1);
+    QTest::ignoreMessage(QtWarningMsg, words);
+    QTest::ignoreMessage(QtWarningMsg, words);
+    if (!isDuringTheLogOn)
+        lose();
+    const StationCall add(*m_station, QStringLiteral("AddNasServer"), with(request(), "host", host));
+    const StationCall update(*m_station, QStringLiteral("UpdateNASServer"),
+                             with(with(request(), "id", first), "logonDomain", QStringLiteral("TESTNAS")));
+    QCOMPARE(add.isAnswered(), !isDuringTheLogOn);
+    QCOMPARE(update.isAnswered(), !isDuringTheLogOn);
+    if (isDuringTheLogOn)
+        lose();
+    QCOMPARE(add.reply().returnCode, QStringLiteral("NasKeyUnusable"));
+    QCOMPARE(update.reply().returnCode, QStringLiteral("NasKeyUnusable"));
+    QCOMPARE(QFile::exists(key), isReplaced); // none was made
+    if (isReplaced)
+        QVERIFY(QFile::remove(key));
+    QVERIFY(QFile::rename(key + u'x', key));
+    QCOMPARE(servers(), before);
+}
+
 void StationNasServersTest::aLostKeyIsTold()
 {
     const QString id = added();
     const QString known = token();
     const QString key = m_folder->filePath(QStringLiteral("nas.key"));
     QVERIFY(QFile::rename(key, key + u'x'));
-    restart();
     const QRegularExpression lost(QStringLiteral("nas\\.key is lost"));
     const QVariantMap other = request(m_server.host(), QStringLiteral("Guest"), QString());
     QTest::ignoreMessage(QtWarningMsg, lost);

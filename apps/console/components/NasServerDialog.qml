@@ -16,6 +16,11 @@ ConsoleDialog {
     property bool hostEdited: false
     readonly property var hostReturnCodes: ["NasServerNotResponding", "NasHostRefused"] // Unknown to the plug-in
     readonly property bool changes: serverId !== ""
+    /// The station sends the password that it keeps to no other host.
+    readonly property bool moved: changes && NasServers.hostKey(host) !== NasServers.hostKey(shownHost)
+    readonly property bool passwordMissing: moved && passwordField.text === ""
+                                            && userName.toLowerCase() !== NasServers.guest.toLowerCase()
+    property bool passwordAsked: false
     readonly property string mistake: host === "" ? qsTr("Enter the name or the address of the NAS server.")
         : /[\/\\]/.test(host) ? qsTr("Enter the name or the address alone, without slashes.")
         : /\s/.test(host) ? qsTr("A name or an address has no spaces in it.") : ""
@@ -38,6 +43,7 @@ ConsoleDialog {
         userField.text = logon === null || logon.userName === NasServers.guest ? "" : logon.userName;
         passwordField.field.clear();
         hostEdited = false;
+        passwordAsked = false;
         refusal = "";
         busy = false;
         open();
@@ -49,6 +55,11 @@ ConsoleDialog {
         hostEdited = true;
         if (busy || mistake !== "")
             return;
+        passwordAsked = passwordMissing;
+        if (passwordAsked) {
+            passwordField.field.forceActiveFocus();
+            return;
+        }
         refusal = "";
         busy = true;
         submitted(passwordField.text);
@@ -62,7 +73,7 @@ ConsoleDialog {
     /// @param returnCode of the station, which says more than the plug-in's @p code
     function refuse(code: int, returnCode: string, words: string): void {
         busy = false;
-        faultyField = code === PluginRecordingManagement.LogonFailed ? "user"
+        faultyField = code === PluginRecordingManagement.LogonFailed || returnCode === "NasPasswordNeeded" ? "user"
             : code === PluginRecordingManagement.ServerExist || code === PluginRecordingManagement.GetDirFailed
               || hostReturnCodes.includes(returnCode) ? "host" : "general";
         refusal = code === PluginRecordingManagement.GetDirFailed
@@ -157,11 +168,12 @@ ConsoleDialog {
 
                 objectName: "password"
                 label: qsTr("Password")
-                placeholderText: dialog.changes ? qsTr("Unchanged") : ""
-                hint: dialog.changes ? qsTr("Left empty, the password stays as it is.") : ""
+                placeholderText: dialog.changes && !dialog.moved ? qsTr("Unchanged") : ""
+                hint: dialog.changes && !dialog.moved ? qsTr("Left empty, the password stays as it is.") : ""
                 echoMode: TextInput.Password
                 locked: dialog.busy
-                message: dialog.messageOf("user")
+                message: dialog.messageOf("user") || (dialog.passwordAsked && dialog.passwordMissing
+                                                      ? qsTr("Enter the password again for another host.") : "")
                 Layout.fillWidth: true
                 onEdited: dialog.refusal = ""
                 onAccepted: dialog.submit()

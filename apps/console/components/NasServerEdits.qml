@@ -36,9 +36,10 @@ Item {
     }
 
     function submit(password: string): void {
+        const kept = password === "" && !dialog.moved;
         const sent = dialog.changes
             ? recording.updateNASServer(dialog.serverId, dialog.host, dialog.logonDomain, dialog.userName,
-                                        password !== "" ? password : NasServers.logon(servers, dialog.serverId)?.password ?? "")
+                                        kept ? NasServers.logon(servers, dialog.serverId)?.password ?? "" : password)
             : recording.addNASServer(dialog.host, dialog.logonDomain, dialog.userName, password);
         if (!sent)
             dialog.refuse(PluginRecordingManagement.Unknown, "", qsTr("The request could not be sent."));

@@ -186,7 +186,10 @@ NasTest {
         verify(!dialog.busy);
     }
 
-    function test_changeKeepsThePassword(): void {
+    function test_changeKeepsThePassword_data() {
+        return [{ tag: "the same host", host: "nas2" }, { tag: "another spelling", host: "NAS2:445" }];
+    }
+    function test_changeKeepsThePassword(row): void {
         openDialog("edit");
         compare(dialog.title, "Change nas2");
         compare(piece("hostInput").text, "nas2");
@@ -194,13 +197,39 @@ NasTest {
         compare(piece("userInput").text, "recorder");
         compare(piece("passwordInput").text, "");
         compare(piece("passwordInput").placeholderText, "Unchanged");
-        submitHost("nas3");
-        compare(sent("UpdateNASServer"), { id: "{2}", host: "nas3", logonDomain: "OFFICE", userName: "recorder",
+        submitHost(row.host);
+        compare(sent("UpdateNASServer"), { id: "{2}", host: row.host, logonDomain: "OFFICE", userName: "recorder",
                                            password: "token-2", relayPath: "" });
         server.reply("UpdateNASServer", undefined, "0");
         tryVerify(() => !dialog.visible);
         compare(server.takeSent(), ["GetNasServers"]);
-        compare(text(part("nas:{2}"), "host"), "nas3");
+        compare(text(part("nas:{2}"), "host"), row.host);
+    }
+
+    function test_anotherHostNeedsThePasswordAgain(): void {
+        openDialog("edit");
+        submitHost("nas3");
+        compare(server.takeSent(), []);
+        verify(piece("passwordMessage").visible);
+        compare(piece("passwordMessage").text, "Enter the password again for another host.");
+        compare(piece("passwordInput").placeholderText, "");
+        verify(piece("passwordInput").activeFocus);
+        type("secret");
+        verify(!piece("passwordMessage").visible);
+        keyClick(Qt.Key_Return);
+        compare(sent("UpdateNASServer"), { id: "{2}", host: "nas3", logonDomain: "OFFICE", userName: "recorder",
+                                           password: "secret", relayPath: "" });
+        server.reply("UpdateNASServer", undefined, "NasPasswordNeeded");
+        verify(piece("passwordMessage").visible);
+        verify(piece("passwordInput").activeFocus);
+    }
+
+    function test_aGuestNeedsNoPasswordOnAnotherHost(): void {
+        openDialog("edit");
+        piece("userInput").text = "";
+        submitHost("nas3");
+        compare(sent("UpdateNASServer"), { id: "{2}", host: "nas3", logonDomain: "OFFICE", userName: "Guest",
+                                           password: "", relayPath: "" });
     }
 
     function test_changeSendsANewPassword(): void {
@@ -219,6 +248,7 @@ NasTest {
 
     function test_changeGoesOnWhenItsDialogIsClosed(): void {
         openDialog("edit");
+        piece("passwordInput").text = "secret";
         submitHost("nas3");
         compare(piece("cancel").text, "Close");
         keyClick(Qt.Key_Escape);
