@@ -1,5 +1,6 @@
 #include "NasAccounts.h"
 
+#include "LogonPauses.h"
 #include "PasswordVault.h"
 #include "StationData.h"
 #include "StationLog.h"
@@ -33,6 +34,7 @@ void refusePlaceholder(const SmbLogon &logon)
 
 NasAccounts::NasAccounts(StationData &data)
     : m_data(data)
+    , m_pauses(std::make_unique<LogonPauses>())
 {
 }
 

@@ -7,6 +7,7 @@
 #include <optional>
 
 class Database;
+class LogonPauses;
 class PasswordVault;
 class StationData;
 
@@ -25,6 +26,8 @@ public:
 
     Database &database();
     NasStore store();
+    /// Which accounts were refused; everybody who logs on notes it there.
+    LogonPauses &pauses() { return *m_pauses; }
     /// The key as it is now; until the next call. Throws VaultError.
     const PasswordVault &vault();
     /// Throws VaultError unless the key is there and opens all stored passwords, but for that of the server @p id,
@@ -47,5 +50,6 @@ public:
 
 private:
     StationData &m_data;
+    std::unique_ptr<LogonPauses> m_pauses;
     std::unique_ptr<PasswordVault> m_vault;
 };

@@ -1,5 +1,6 @@
 #include "NasPaths.h"
 
+#include "LogonPauses.h"
 #include "NasAccounts.h"
 #include "StationProtocol.h"
 #include "TimedWork.h"
@@ -65,7 +66,7 @@ QString NasPaths::sharedSpace(const QString &path) const
 
 PathFacts NasPaths::asked(const QString &path, const Ask &ask) const
 {
-    constexpr std::chrono::seconds silence(15);
+    constexpr std::chrono::seconds silence(15); // many paths of one edit cost one try
     const std::optional<SmbPath> place = SmbPath::parse(path);
     if (!place || place->share.isEmpty())
         return refused(StationReturnCode::PathTypeRefused);
@@ -76,11 +77,14 @@ PathFacts NasPaths::asked(const QString &path, const Ask &ask) const
     const QString host = place->hostKey();
     if (!m_silentHosts.value(host, QDeadlineTimer(0)).hasExpired())
         return refused(StationReturnCode::NasServerNotResponding);
+    if (m_accounts.pauses().wasRefused(*place, *logon, silence))
+        return refused(StationReturnCode::LogonNASServerFaled);
     const auto work = [place = *place, logon = *logon, ask, limit = m_work.limit()] {
         SmbClient client(logon, limit);
         return ask(client, place);
     };
     const PathFacts facts = m_work.await<PathFacts>(host, work, refused(StationReturnCode::NasServerNotResponding));
+    m_accounts.pauses().note(*place, *logon, facts.returnCode);
     if (facts.returnCode == StationReturnCode::NasServerNotResponding)
         m_silentHosts.insert(host, QDeadlineTimer(silence));
     return facts;

@@ -15,8 +15,8 @@ class TimedWork;
 /// DirectoryNotFound, NotADirectory or PathNotWritable, in this order. The reason of the last is PermissionDenied,
 /// VolumeReadOnly, VolumeFull or CannotCreate. Throws DatabaseError and VaultError.
 ///
-/// A call takes no longer than the limit of the work. A server that did not respond counts as silent for a while, so
-/// that many paths on it do not take many times as long.
+/// A call takes no longer than the limit of the work. A server that did not respond, and an account that was refused,
+/// are not asked again for a while, so that many paths on it do not take many times as long, nor lock the account.
 class NasPaths : public PathCheck
 {
 public:

@@ -1,5 +1,6 @@
 #include "NasRegistry.h"
 
+#include "LogonPauses.h"
 #include "NasAccounts.h"
 #include "PasswordVault.h"
 #include "RequestMap.h"
@@ -127,8 +128,9 @@ void NasRegistry::storeAfterLogon(const QString &command, const NasServer &serve
         return answer(lastPart(StationReturnCode::NASServerExist));
     m_accounts.checkKey(server.id);
     const auto logOn = [host = *host, logon, limit = m_work.limit()] { return SmbClient(logon, limit).logOn(host); };
-    const auto done = [this, command, server, answer, store](const QString &returnCode) {
+    const auto done = [this, command, server, host = *host, logon, answer, store](const QString &returnCode) {
         answerFailures(command, answer, [&] {
+            m_accounts.pauses().note(host, logon, returnCode);
             if (returnCode != StationReturnCode::Success)
                 return answer(lastPart(returnCode));
             Transaction transaction(m_accounts.database());

@@ -1,6 +1,8 @@
 #include "NasShares.h"
 
+#include "LogonPauses.h"
 #include "NasAccounts.h"
+#include "NasSpaces.h"
 #include "RequestMap.h"
 #include "StationLog.h"
 #include "StationProtocol.h"
@@ -78,8 +80,9 @@ void NasShares::getNasDir(const QVariant &data, const Answer &answer)
     const auto list = [target = *target, limit = m_work.limit()] {
         return SmbClient(target.logon, limit).folders(target.place);
     };
-    const auto done = [basePath, answer](const SmbFolders &folders) {
+    const auto done = [this, target = *target, basePath, answer](const SmbFolders &folders) {
         answerFailures(StationCommandName::GetNasDir, answer, [&] {
+            m_accounts.pauses().note(target.place, target.logon, folders.returnCode);
             if (folders.returnCode != StationReturnCode::Success)
                 return answer(lastPart(folders.returnCode));
             answer(lastPart(StationReturnCode::Success,
@@ -94,43 +97,46 @@ void NasShares::getNasCapacity(const QVariant &data, const Answer &answer)
     const std::optional<Target> target = targetOf(data, StationReturnCode::GetNasCapacityFailed, answer);
     if (!target)
         return;
-    askSpace(*target, [answer](const SmbSpace &space) {
+    const auto done = [answer](qsizetype, const QList<SmbSpace> &spaces) {
         answerFailures(StationCommandName::GetNasCapacity, answer, [&] {
+            const SmbSpace &space = spaces.constFirst();
             if (space.returnCode != StationReturnCode::Success)
                 return answer(lastPart(space.returnCode));
             answer(lastPart(
                 StationReturnCode::Success,
                 QVariantMap{{StationKey::total, totalKilobytes(space)}, {StationKey::used, usedKilobytes(space)}}));
         });
-    });
+    };
+    askSpaces(m_work, m_accounts.pauses(), {{target->logon, {target->place}}}, done);
 }
 
 void NasShares::addPathsToVolume(const QVariant &data, const Answer &answer)
 {
     const auto collection = std::make_shared<DiskCollection>();
     collection->paths = RequestMap(data).strings(StationKey::pathList);
-    QList<std::optional<Target>> targets;
+    QList<SpaceQuestion> questions;
+    QList<qsizetype> asked; // the paths behind the questions
     for (const QString &path : std::as_const(collection->paths)) {
         const std::optional<SmbPath> place = SmbPath::parse(path);
         const std::optional<SmbLogon> logon = place ? m_accounts.registered(*place) : std::nullopt;
-        targets.append(logon ? std::optional<Target>({*place, *logon}) : std::nullopt);
+        if (logon) {
+            questions.append({*logon, {*place}});
+            asked.append(collection->spaces.size());
+        }
         const QString &refusal = place ? StationReturnCode::NasServerNotFound : StationReturnCode::GetNasCapacityFailed;
         collection->spaces.append({refusal});
-        collection->missing += logon ? 1 : 0;
     }
-    if (collection->missing == 0)
+    collection->missing = questions.size();
+    if (questions.isEmpty())
         return answer(replyOf(*collection));
-    for (qsizetype i = 0; i < targets.size(); ++i) {
-        if (!targets.at(i))
-            continue;
-        askSpace(*targets.at(i), [collection, i, answer](const SmbSpace &space) {
-            answerFailures(StationCommandName::addNASPathsToVolume, answer, [&] {
-                collection->spaces[i] = space;
-                if (--collection->missing == 0)
-                    answer(replyOf(*collection));
-            });
+    const auto done = [collection, asked, answer](qsizetype index, const QList<SmbSpace> &spaces) {
+        answerFailures(StationCommandName::addNASPathsToVolume, answer, [&] {
+            collection->spaces[asked.at(index)] = spaces.constFirst();
+            if (--collection->missing == 0)
+                answer(replyOf(*collection));
         });
-    }
+    };
+    askSpaces(m_work, m_accounts.pauses(), questions, done);
 }
 
 /// What a map with a path and a log-on asks for; answers and gives nothing when that cannot be.
@@ -148,10 +154,4 @@ std::optional<NasShares::Target> NasShares::targetOf(const QVariant &data, const
         return {};
     }
     return Target{*place, m_accounts.resolved(logon, *place)};
-}
-
-void NasShares::askSpace(const Target &target, const std::function<void(const SmbSpace &)> &done)
-{
-    const auto ask = [target, limit = m_work.limit()] { return SmbClient(target.logon, limit).space(target.place); };
-    m_work.run<SmbSpace>(target.place.hostKey(), ask, {StationReturnCode::NasServerNotResponding}, done);
 }

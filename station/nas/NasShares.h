@@ -29,7 +29,6 @@ private:
     void getNasCapacity(const QVariant &data, const Answer &answer);
     void addPathsToVolume(const QVariant &data, const Answer &answer);
     std::optional<Target> targetOf(const QVariant &data, const QString &refusal, const Answer &answer);
-    void askSpace(const Target &target, const std::function<void(const SmbSpace &)> &done);
 
     NasAccounts &m_accounts;
     TimedWork &m_work;
