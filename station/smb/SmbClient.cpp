@@ -1,6 +1,7 @@
 #include "SmbClient.h"
 
 #include "NameOrder.h"
+#include "SmbKnock.h"
 #include "SmbLibrary.h"
 #include "StationProtocol.h"
 
@@ -109,7 +110,6 @@ struct SmbClient::Context
     Words words;
     SmbLibrary::Turn turn;
     SMBCCTX *handle = nullptr;
-    QString loggedOnTo; // SmbPath::hostKey()
 
     Context(const SmbLogon &logon, std::chrono::milliseconds timeout);
     ~Context() { smbc_free_context(handle, 1); }
@@ -140,31 +140,37 @@ SmbClient::SmbClient(const SmbLogon &logon, std::chrono::milliseconds timeout)
     : m_logon(logon)
     , m_timeout(timeout)
 {
-    SmbLibrary::prepare();
-    reconnect();
 }
 
 SmbClient::~SmbClient() = default;
 
 /// The next call has a connection of its own.
-void SmbClient::reconnect()
+void SmbClient::disconnect()
 {
-    m_context.reset(); // before the next one waits for its turn
-    m_context = std::make_unique<Context>(m_logon, m_timeout);
+    m_context.reset();
+    m_loggedOnTo.clear();
 }
 
 bool SmbClient::hasName() const
 {
-    return !m_context->words.userName.isEmpty();
+    return !wordsOf(m_logon).userName.isEmpty();
 }
 
 int SmbClient::call(const SmbPath &place, const Call &function)
 {
-    const Words &words = m_context->words;
+    const Words words = wordsOf(m_logon);
     if (std::max({words.domain.size(), words.userName.size(), words.password.size()}) > longestWord)
         return EACCES;
     if (const int error = findHost(place.host))
         return error;
+    if (!m_context) {
+        SmbLibrary::prepare();
+        // A silent server shall not take its turn before one that lives.
+        const int error = SmbLibrary::wasUsed() ? 0 : knockAt(place, m_timeout);
+        if (error != 0)
+            return isMissing(error) || isRefusal(error) || isStumble(error) ? EHOSTUNREACH : error;
+        m_context = std::make_unique<Context>(m_logon, m_timeout);
+    }
     const int error = function(*m_context);
     if (error == 0 || isRefusal(error) || isMissing(error))
         m_context->turn.serverAnswered();
@@ -176,10 +182,10 @@ QString SmbClient::attempt(const SmbPath &place, const QString &code, const Call
     int error = 0;
     for (int again = 0; again <= mostRepeats; ++again) {
         if (again > 0)
-            reconnect();
+            disconnect();
         // A refused log-on has the same number as a folder that this user may not read. To find out afterwards would
         // be a second refused log-on, and some of those lock an account.
-        if (hasName() && m_context->loggedOnTo != place.hostKey()) {
+        if (hasName() && m_loggedOnTo != place.hostKey()) {
             const QString logOnCode = logOn(place);
             if (logOnCode != StationReturnCode::Success)
                 return logOnCode;
@@ -192,7 +198,7 @@ QString SmbClient::attempt(const SmbPath &place, const QString &code, const Call
         return StationReturnCode::Success;
     if (isMissing(error) || (isRefusal(error) && hasName()))
         return code;
-    m_context->loggedOnTo.clear();
+    m_loggedOnTo.clear();
     if (!isRefusal(error))
         return StationReturnCode::NasServerNotResponding;
     const QString logOnCode = logOn(place);
@@ -225,14 +231,13 @@ QString SmbClient::logOn(const SmbPath &place)
     if (isStumble(error)) {
         // The library has no number for some refusals, of a locked account for instance. Whoever says anything to
         // somebody without a name speaks the protocol.
-        m_context.reset();
+        disconnect(); // before another client waits for its turn
         const bool isSpeaking = !m_logon.userName.isEmpty() && SmbClient({}, m_timeout).isSpeaking(server);
-        reconnect();
         error = call(server, listShares);
         if (isStumble(error) && isSpeaking)
             error = EACCES;
     }
-    m_context->loggedOnTo = error == 0 ? server.hostKey() : QString();
+    m_loggedOnTo = error == 0 ? server.hostKey() : QString();
     if (error == 0)
         return StationReturnCode::Success;
     return isRefusal(error) ? StationReturnCode::LogonNASServerFaled : StationReturnCode::NasServerNotResponding;

@@ -68,7 +68,7 @@ private:
     using Call = std::function<int(Context &context)>; ///< gives a system's error number, 0 for success
     using Entry = std::function<void(unsigned int type, const QString &name)>; ///< the type is one of libsmbclient's
 
-    void reconnect();
+    void disconnect();
     bool hasName() const;
     int call(const SmbPath &place, const Call &function);
     QString attempt(const SmbPath &place, const QString &code, const Call &function);
@@ -77,7 +77,8 @@ private:
 
     SmbLogon m_logon;
     std::chrono::milliseconds m_timeout;
-    std::unique_ptr<Context> m_context;
+    std::unique_ptr<Context> m_context; // made by the first call
+    QString m_loggedOnTo; // SmbPath::hostKey()
 };
 
 /// The bytes behind the block figures of an SMB server. Servers that speak the POSIX extensions give them as statvfs()

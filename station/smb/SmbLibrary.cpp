@@ -145,6 +145,12 @@ std::mutex &SmbLibrary::creation()
     return *mutex;
 }
 
+bool SmbLibrary::wasUsed()
+{
+    const std::lock_guard lock(turns().mutex);
+    return turns().isSafe && turns().wasUsed;
+}
+
 SmbLibrary::Turn::Turn()
 {
     constexpr std::chrono::seconds patience(2);

@@ -11,10 +11,13 @@ void prepare();
 /// Held while a context is made: that writes to settings which all contexts share. Never for long.
 std::mutex &creation();
 
+/// Whether a log-on was through in this process, so that connections need no turns any more.
+bool wasUsed();
+
 /// Held by a connection during its life. The library initialises parts of itself at the first log-on in the process and
 /// does not guard that against other threads: until a log-on was through, connections take turns, but one to a silent
-/// server delays the others by a moment only. Where the library cannot be made safe for threads they always take turns,
-/// however long.
+/// server delays the others by two seconds only. (See knockAt(): most silent ones never get there.) Where the library
+/// cannot be made safe for threads they always take turns, however long.
 class Turn
 {
 public:

@@ -1,6 +1,8 @@
+#include "Loopback.h"
 #include "SambaServer.h"
 #include "SmbRelay.h"
 #include "smb/SmbClient.h"
+#include "smb/SmbKnock.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -8,8 +10,8 @@
 #include <QScopeGuard>
 #include <QTest>
 
+#include <cerrno>
 #include <csignal>
-#include <thread>
 
 using namespace std::chrono_literals;
 using Fault = SmbRelay::Fault;
@@ -29,6 +31,7 @@ private slots:
     void aLogOnThatIsCutIsNoRefusal();
     void aServerThatIsKilledDoesNotRespond();
     void aServerThatIsStoppedDoesNotRespond();
+    void aKnockTellsWhoSpeaks();
     void aMissingFolderIsAskedForOnce();
     void aRefusedLogOnIsTriedOnce_data();
     void aRefusedLogOnIsTriedOnce();
@@ -173,6 +176,19 @@ void SmbFaultsTest::aServerThatIsStoppedDoesNotRespond()
     SmbClient next({{}, server.userName(), server.password()}, 2s);
     QCOMPARE(next.folders(at(server.port(), QStringLiteral("video"))).returnCode, silent);
     QCOMPARE(next.writeProbe(at(server.port(), QStringLiteral("video"))), silent);
+}
+
+void SmbFaultsTest::aKnockTellsWhoSpeaks()
+{
+    SmbRelay relay(m_server.port());
+    QCOMPARE(knockAt(at(relay.port(), {}), 15s), 0);
+    QCOMPARE(relay.acceptedLogOns() + relay.refusedLogOns(), 0);
+    relay.failAfter(0, Fault::Close);
+    QCOMPARE(knockAt(at(relay.port(), {}), 15s), ECONNRESET);
+    const SilentServer silentServer;
+    QCOMPARE(knockAt(at(silentServer.port(), {}), 100ms), ETIMEDOUT);
+    QCOMPARE(knockAt(at(freePort(), {}), 15s), ECONNREFUSED);
+    QCOMPARE(knockAt(*SmbPath::parse(QStringLiteral("//no-such-host.invalid/x")), 15s), EHOSTUNREACH);
 }
 
 void SmbFaultsTest::aMissingFolderIsAskedForOnce()
