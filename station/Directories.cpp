@@ -3,6 +3,8 @@
 #include "NameOrder.h"
 #include "StationProtocol.h"
 #include "VolumeSource.h"
+#include "disk/DiskPath.h"
+#include "disk/DiskVisit.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -43,19 +45,21 @@ QString listFailure(const std::error_code &error)
         return StationReturnCode::NotADirectory;
     case ENAMETOOLONG:
         return StationReturnCode::NameRefused;
+    case ETIMEDOUT:
+        return StationReturnCode::VolumeNotAnswering;
     default:
         return StationReturnCode::DirectoryNotReadable;
     }
 }
 
 /// Folders made for one command, taken away again unless they are kept.
-class NewFolders
+class FoldersMade
 {
 public:
-    NewFolders() = default;
-    NewFolders(const NewFolders &) = delete;
-    NewFolders &operator=(const NewFolders &) = delete;
-    ~NewFolders()
+    FoldersMade() = default;
+    FoldersMade(const FoldersMade &) = delete;
+    FoldersMade &operator=(const FoldersMade &) = delete;
+    ~FoldersMade()
     {
         std::error_code ignored; // a folder that someone filled meanwhile stays
         for (auto folder = m_folders.rbegin(); folder != m_folders.rend(); ++folder)
@@ -68,41 +72,6 @@ public:
 private:
     std::vector<fs::path> m_folders;
 };
-
-/// A path, split where it ceases to exist.
-struct SplitPath
-{
-    fs::path existing; ///< a folder
-    std::vector<fs::path> missing;
-    QString returnCode; ///< not "0": no folder can be made there
-};
-
-SplitPath split(const fs::path &path)
-{
-    SplitPath result;
-    for (auto name = path.begin(); name != path.end(); ++name) {
-        const fs::path next = result.existing / *name;
-        std::error_code error;
-        std::error_code linkError;
-        const fs::file_type type = fs::status(next, error).type();
-        if (type == fs::file_type::directory) {
-            result.existing = next;
-        } else if (type == fs::file_type::none) {
-            result.returnCode = createFailure(error);
-            return result;
-        } else if (fs::symlink_status(next, linkError).type() == fs::file_type::not_found) {
-            result.missing.assign(name, path.end());
-            result.returnCode = StationReturnCode::Success;
-            return result;
-        } else {
-            const bool isLast = std::next(name) == path.end();
-            result.returnCode = isLast ? StationReturnCode::FileExists : StationReturnCode::NotADirectory;
-            return result;
-        }
-    }
-    result.returnCode = StationReturnCode::DirectoryExists;
-    return result;
-}
 
 /// "0" when @p path is absolute and holds plain names only.
 QString checkNames(const QString &path)
@@ -121,35 +90,46 @@ QString checkNames(const QString &path)
     return StationReturnCode::Success;
 }
 
-/// "0" when a folder can be made in @p folder, as far as its volume is concerned.
-QString checkVolume(const fs::path &folder, const VolumeSource &volumes)
+std::error_code systemError(int error)
 {
-    std::error_code error;
-    const fs::path canonical = fs::canonical(folder, error);
-    if (error)
-        return createFailure(error);
-    const std::optional<Volume> volume = volumes.volumeHolding(QString::fromStdString(canonical.native()));
-    if (!volume)
-        return StationReturnCode::OutsideVolumes;
-    return volume->isReadOnly ? StationReturnCode::VolumeReadOnly : StationReturnCode::Success;
+    return {error, std::generic_category()};
+}
+
+/// Whether an entry of a listing is a folder, or a link to one. A link to a disk that does not answer counts: it is
+/// there, and whoever opens it learns why it cannot be read.
+bool isFolder(const fs::directory_entry &entry, DiskVisit &visit)
+{
+    std::error_code unknown; // the entry went away
+    const fs::file_type type = entry.symlink_status(unknown).type();
+    if (type != fs::file_type::symlink)
+        return type == fs::file_type::directory;
+    const DiskPath target = resolved(entry.path(), visit);
+    return target.error == ETIMEDOUT || (target.error == 0 && target.isFolder);
 }
 } // namespace
 
-FolderList listFolders(const QString &path)
+FolderList listFolders(const QString &path, DiskVisit &visit)
 {
     if (!path.startsWith(u'/'))
         return {StationReturnCode::PathNotAbsolute, {}};
-    const std::optional<fs::path> folder = nativePath(path);
-    if (!folder)
+    const std::optional<fs::path> native = nativePath(path);
+    if (!native)
         return {StationReturnCode::NameRefused, {}};
+    const DiskPath folder = resolved(*native, visit);
+    if (folder.error != 0)
+        return {listFailure(systemError(folder.error)), {}};
 
+    const QString canonical = QString::fromStdString(folder.canonical.native());
     QStringList names;
     std::error_code error;
-    for (fs::directory_iterator entry(*folder, error), end; !error && entry != end; entry.increment(error)) {
+    std::error_code unknown; // an entry went away
+    for (fs::directory_iterator entry(folder.canonical, error), end; !error && entry != end; entry.increment(error)) {
         const std::optional<QString> name = carriedName(entry->path().filename());
-        std::error_code unknown; // the entry went away, or its link leads nowhere
-        if (name && !name->startsWith(u'.') && entry->is_directory(unknown))
+        if (name && !name->startsWith(u'.') && isFolder(*entry, visit))
             names.append(*name);
+        const bool wasElsewhere = entry->is_symlink(unknown);
+        if (!visit.goesOn() || (wasElsewhere && !visit.enter(canonical)))
+            return {StationReturnCode::VolumeNotAnswering, {}};
     }
     if (error)
         return {listFailure(error), {}};
@@ -157,26 +137,51 @@ FolderList listFolders(const QString &path)
     return {StationReturnCode::Success, names};
 }
 
-QString createFolder(const QString &path, const VolumeSource &volumes)
+NewFolder planFolder(const QString &path, DiskVisit &visit)
 {
-    QString returnCode = checkNames(path);
-    if (returnCode != StationReturnCode::Success)
-        return returnCode;
+    const QString refusal = checkNames(path);
+    if (refusal != StationReturnCode::Success)
+        return {refusal, {}, {}};
     const std::optional<fs::path> native = nativePath(path);
     if (!native)
-        return StationReturnCode::NameRefused;
-    const SplitPath target = split(*native);
-    if (target.returnCode != StationReturnCode::Success)
-        return target.returnCode;
-    returnCode = checkVolume(target.existing, volumes);
-    if (returnCode != StationReturnCode::Success)
-        return returnCode;
+        return {StationReturnCode::NameRefused, {}, {}};
+    fs::path existing = "/";
+    const fs::path names = native->relative_path();
+    for (auto name = names.begin(); name != names.end(); ++name) {
+        const fs::path next = existing / *name;
+        const DiskPath place = resolved(next, visit);
+        const bool isLast = std::next(name) == names.end();
+        std::error_code error;
+        if (place.error == 0 && place.isFolder)
+            existing = place.canonical;
+        else if (place.error == ENOENT && fs::symlink_status(next, error).type() == fs::file_type::not_found)
+            return {StationReturnCode::Success, existing, {name, names.end()}};
+        else if (place.error == 0 || place.error == ENOENT || place.error == ENOTDIR)
+            return {isLast ? StationReturnCode::FileExists : StationReturnCode::NotADirectory, {}, {}};
+        else
+            return {createFailure(systemError(place.error)), {}, {}};
+    }
+    return {StationReturnCode::DirectoryExists, {}, {}};
+}
 
-    NewFolders made;
-    fs::path folder = target.existing;
+QString checkVolume(const NewFolder &folder, const VolumeSource &volumes)
+{
+    const QString existing = QString::fromStdString(folder.existing.native());
+    const std::optional<Volume> volume = volumes.volumeHolding(existing);
+    if (!volume)
+        return volumes.isSilent(existing) ? StationReturnCode::VolumeNotAnswering : StationReturnCode::OutsideVolumes;
+    return volume->isReadOnly ? StationReturnCode::VolumeReadOnly : StationReturnCode::Success;
+}
+
+QString makeFolder(const NewFolder &planned, DiskVisit &visit)
+{
+    FoldersMade made;
+    fs::path folder = planned.existing;
     bool isNew = false;
-    for (const fs::path &name : target.missing) {
+    for (const fs::path &name : planned.missing) {
         folder /= name;
+        if (!visit.enter(QString::fromStdString(folder.native())))
+            return StationReturnCode::VolumeNotAnswering;
         std::error_code error;
         isNew = fs::create_directory(folder, error);
         if (error)
@@ -186,6 +191,8 @@ QString createFolder(const QString &path, const VolumeSource &volumes)
     }
     if (!isNew)
         return StationReturnCode::DirectoryExists; // someone else made it meanwhile
+    if (!visit.settle())
+        return StationReturnCode::VolumeNotAnswering;
     made.keep();
     return StationReturnCode::Success;
 }
@@ -202,7 +209,7 @@ QString createFailure(const std::error_code &error)
         {EDQUOT, StationReturnCode::VolumeFull},       {ENAMETOOLONG, StationReturnCode::NameRefused},
         {EINVAL, StationReturnCode::NameRefused},      {EILSEQ, StationReturnCode::NameRefused},
         {EEXIST, StationReturnCode::FileExists},       {ENOTDIR, StationReturnCode::NotADirectory},
-        {ELOOP, StationReturnCode::NotADirectory},
+        {ELOOP, StationReturnCode::NotADirectory},     {ETIMEDOUT, StationReturnCode::VolumeNotAnswering},
     };
     for (const auto &failure : failures) {
         if (error.value() == failure.error)

@@ -3,8 +3,11 @@
 #include <QString>
 #include <QStringList>
 
+#include <filesystem>
 #include <system_error>
+#include <vector>
 
+class DiskVisit;
 class VolumeSource;
 
 /// What listFolders() found.
@@ -19,13 +22,26 @@ struct FolderList
 /// Left out are names that start with a dot, and names that no command could carry: not valid UTF-8, or with a
 /// backslash.
 /// @param path absolute, with forward slashes
-FolderList listFolders(const QString &path);
+FolderList listFolders(const QString &path, DiskVisit &visit);
 
-/// Makes the folder @p path and the parents that are missing; all of them or none. Returns a word of StationReturnCode.
-///
-/// The nearest parent that exists, symbolic links resolved, must lie on one of @p volumes.
+/// A folder that is to be made, as planFolder() found it.
+struct NewFolder
+{
+    QString returnCode; ///< a word of StationReturnCode: not "0" when no folder can be made there
+    std::filesystem::path existing; ///< the nearest parent that exists, symbolic links resolved
+    std::vector<std::filesystem::path> missing; ///< the names below it, the new folder's last
+};
+
+/// What is to be made for the folder @p path.
 /// @param path with forward slashes; refused unless it is absolute and no name in it is empty, "." or ".."
-QString createFolder(const QString &path, const VolumeSource &volumes);
+NewFolder planFolder(const QString &path, DiskVisit &visit);
+
+/// "0" when the parent of @p folder lies on one of @p volumes and can be written there, else a word of
+/// StationReturnCode.
+QString checkVolume(const NewFolder &folder, const VolumeSource &volumes);
+
+/// Makes what is missing; all of it or nothing. Returns a word of StationReturnCode.
+QString makeFolder(const NewFolder &planned, DiskVisit &visit);
 
 /// The word of StationReturnCode for a folder that could not be made because of @p error, a number of the system
 /// (errno).

@@ -1,8 +1,12 @@
 #include "MountTable.h"
 
+#include <QFile>
 #include <QSet>
 
 #include <algorithm>
+
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
 
 namespace {
 /// File systems that store data though no block device of this machine is behind them.
@@ -87,6 +91,15 @@ bool hasReadOnlyOption(const QByteArray &options)
 {
     return options.split(',').contains("ro");
 }
+
+/// The device that the folder "/" lies on, as the table of mounts writes it.
+QString rootDevice()
+{
+    struct stat status = {};
+    if (stat("/", &status) != 0)
+        return {};
+    return QStringLiteral("%1:%2").arg(major(status.st_dev)).arg(minor(status.st_dev));
+}
 } // namespace
 
 bool isSystemMount(const MountRecord &mount)
@@ -154,6 +167,23 @@ QList<MountRecord> MountTable::parse(const QByteArray &mountInfo)
         records.append(record);
     }
     return records;
+}
+
+MountTable MountTable::ofThisMachine()
+{
+    QFile file(QStringLiteral("/proc/self/mountinfo"));
+    const QList<MountRecord> records = file.open(QIODevice::ReadOnly) ? parse(file.readAll()) : QList<MountRecord>();
+    const bool hasRoot = std::any_of(records.cbegin(), records.cend(),
+                                     [](const MountRecord &record) { return record.mountPoint == u'/'; });
+    return MountTable(records, hasRoot ? QString() : rootDevice()); // asking it may hang
+}
+
+void MountTable::markAsFile(int id)
+{
+    for (MountRecord &record : m_records) {
+        if (record.id == id)
+            record.isFolder = false;
+    }
 }
 
 QList<MountRecord> MountTable::volumes() const

@@ -36,6 +36,12 @@ public:
     /// The rows of @p mountInfo, which is text as in /proc/self/mountinfo. Lines that do not have that form are left
     /// out.
     static QList<MountRecord> parse(const QByteArray &mountInfo);
+    /// That of the kernel, read now; no mount is touched. Files that are mounted count as folders: see markAsFile().
+    static MountTable ofThisMachine();
+
+    const QList<MountRecord> &records() const { return m_records; }
+    /// Notes that the mount @p id shows a single file.
+    void markAsFile(int id);
 
     /// The mounts that are listed as volumes: one for each file system that stores data and can be reached. They are
     /// sorted by mount point, but one whose path begins another's comes behind it, and the root last: clients take the

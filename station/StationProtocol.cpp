@@ -122,6 +122,7 @@ const QString StationReturnCode::EmptyName = QStringLiteral("EmptyName");
 const QString StationReturnCode::DirectoryExists = QStringLiteral("DirectoryExists");
 const QString StationReturnCode::FileExists = QStringLiteral("FileExists");
 const QString StationReturnCode::OutsideVolumes = QStringLiteral("OutsideVolumes");
+const QString StationReturnCode::VolumeNotAnswering = QStringLiteral("VolumeNotAnswering");
 const QString StationReturnCode::VolumeReadOnly = QStringLiteral("VolumeReadOnly");
 const QString StationReturnCode::VolumeFull = QStringLiteral("VolumeFull");
 const QString StationReturnCode::PermissionDenied = QStringLiteral("PermissionDenied");

@@ -174,6 +174,7 @@ extern const QString EmptyName; ///< the path is empty, or a name in it is
 extern const QString DirectoryExists; ///< a folder of that name exists
 extern const QString FileExists; ///< something else of that name exists
 extern const QString OutsideVolumes; ///< the place lies on none of the station's volumes
+extern const QString VolumeNotAnswering; ///< the disk that the path is on does not answer
 extern const QString VolumeReadOnly; ///< nothing can be written there
 extern const QString VolumeFull; ///< no space, or no quota, is left
 extern const QString PermissionDenied; ///< the station's user may not write there

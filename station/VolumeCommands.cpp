@@ -17,8 +17,9 @@ std::optional<QString> pathIn(const QVariant &data)
 }
 } // namespace
 
-VolumeCommands::VolumeCommands(const VolumeSource &volumes)
+VolumeCommands::VolumeCommands(const VolumeSource &volumes, std::chrono::milliseconds limit)
     : m_volumes(volumes)
+    , m_disks(limit)
 {
 }
 
@@ -51,28 +52,50 @@ void VolumeCommands::getVolume(const QVariant &data, const Answer &answer) const
     answer(lastPart(StationReturnCode::Success, list));
 }
 
-void VolumeCommands::getServerDir(const QVariant &data, const Answer &answer) const
+void VolumeCommands::getServerDir(const QVariant &data, const Answer &answer)
 {
     const std::optional<QString> basePath = pathIn(data);
     if (!basePath)
         return answer(lastPart(StationReturnCode::BadRequest));
-    FolderList folders{StationReturnCode::Success, {}};
-    if (basePath->isEmpty()) {
-        const QList<Volume> volumes = m_volumes.volumes();
-        for (const Volume &volume : volumes)
-            folders.names.append(volume.path);
-    } else {
-        folders = listFolders(*basePath);
+    const auto tell = [answer, path = *basePath](const FolderList &folders) {
+        // A failure carries no data: a client that looks at the data alone takes it for no folder, not for an empty
+        // one.
+        if (folders.returnCode != StationReturnCode::Success)
+            return answer(lastPart(folders.returnCode));
+        answer(lastPart(StationReturnCode::Success,
+                        QVariantMap{{StationKey::basePath, path}, {StationKey::dirFolderList, folders.names}}));
+    };
+    if (!basePath->isEmpty()) {
+        return m_disks.run<FolderList>([path = *basePath](DiskVisit &visit) { return listFolders(path, visit); },
+                                       {StationReturnCode::VolumeNotAnswering, {}}, tell);
     }
-    // A failure carries no data: a client that looks at the data alone takes it for no folder, not for an empty one.
-    if (folders.returnCode != StationReturnCode::Success)
-        return answer(lastPart(folders.returnCode));
-    answer(lastPart(StationReturnCode::Success,
-                    QVariantMap{{StationKey::basePath, *basePath}, {StationKey::dirFolderList, folders.names}}));
+    FolderList folders{StationReturnCode::Success, {}};
+    const QList<Volume> volumes = m_volumes.volumes();
+    for (const Volume &volume : volumes)
+        folders.names.append(volume.path);
+    tell(folders);
 }
 
-void VolumeCommands::createDirectory(const QVariant &data, const Answer &answer) const
+void VolumeCommands::createDirectory(const QVariant &data, const Answer &answer)
 {
     const std::optional<QString> path = pathIn(data);
-    answer(lastPart(path ? createFolder(*path, m_volumes) : StationReturnCode::BadRequest));
+    if (!path)
+        return answer(lastPart(StationReturnCode::BadRequest));
+    m_disks.run<NewFolder>([path = *path](DiskVisit &visit) { return planFolder(path, visit); },
+                           {StationReturnCode::VolumeNotAnswering, {}, {}},
+                           [this, answer](const NewFolder &folder) {
+                               answerFailures(StationCommandName::createDirectory, answer,
+                                              [&] { make(folder, answer); });
+                           });
+}
+
+void VolumeCommands::make(const NewFolder &folder, const Answer &answer)
+{
+    const QString refusal =
+        folder.returnCode == StationReturnCode::Success ? checkVolume(folder, m_volumes) : folder.returnCode;
+    if (refusal != StationReturnCode::Success)
+        return answer(lastPart(refusal));
+    m_disks.run<QString>([folder](DiskVisit &visit) { return makeFolder(folder, visit); },
+                         StationReturnCode::VolumeNotAnswering,
+                         [answer](const QString &returnCode) { answer(lastPart(returnCode)); });
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "alarms/StationTrouble.h"
+
 #include <QList>
 #include <QString>
 
@@ -16,7 +18,7 @@ struct Volume
     bool isReadOnly = false; ///< nothing can be written to it at the moment
 };
 
-/// Where a station's volumes come from. Asked on the station's thread, may block there.
+/// Where a station's volumes come from. Asked on the station's thread, may block there, for a bounded time.
 class VolumeSource
 {
 public:
@@ -29,4 +31,10 @@ public:
     /// The volume that stores what lies under @p path; none when that is not one of the station's volumes.
     /// @param path of an existing folder, absolute, symbolic links resolved
     virtual std::optional<Volume> volumeHolding(const QString &path) const = 0;
+
+    /// Whether the volume that holds @p path did not answer when it was asked last: then volumeHolding() gives none.
+    virtual bool isSilent(const QString &) const { return false; }
+
+    /// The volumes that do not answer.
+    virtual QList<StationTrouble> troubles() const { return {}; }
 };

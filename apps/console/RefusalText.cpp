@@ -49,6 +49,8 @@ const Refusal refusals[] = {
     {StationReturnCode::FileExists, QT_TRANSLATE_NOOP("Refusal", "A file of this name exists already.")},
     {StationReturnCode::OutsideVolumes,
      QT_TRANSLATE_NOOP("Refusal", "This place lies on none of the station's volumes.")},
+    {StationReturnCode::VolumeNotAnswering,
+     QT_TRANSLATE_NOOP("Refusal", "The disk that this folder is on does not answer.")},
     {StationReturnCode::VolumeReadOnly, QT_TRANSLATE_NOOP("Refusal", "This volume cannot be written to.")},
     {StationReturnCode::VolumeFull, QT_TRANSLATE_NOOP("Refusal", "This volume is full.")},
     {StationReturnCode::PermissionDenied, QT_TRANSLATE_NOOP("Refusal", "The station may not write here.")},

@@ -15,6 +15,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 
 namespace {
 enum ExitCode { Done = 0, Failed = 1, WrongUse = 2 };
@@ -121,5 +122,9 @@ int main(int argc, char **argv)
         return WrongUse;
     }
     const QGuiApplication application(argc, argv);
-    return run(options);
+    const int exitCode = run(options);
+    std::fflush(nullptr);
+    if (EmbeddedLink::isAnythingLeftBehind())
+        std::_Exit(exitCode);
+    return exitCode;
 }

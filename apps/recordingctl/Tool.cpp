@@ -38,6 +38,17 @@ ExitCode afterWriting(ExitCode exitCode)
     return ExitCode::WrongUse;
 }
 
+/// The session has ended when this returns, or is left behind.
+ExitCode runSession(const ClientSession::Options &options, const CommandLine &line)
+{
+    ClientSession session;
+    if (!session.start(options)) {
+        printError(session.error().simplified());
+        return ExitCode::WrongUse;
+    }
+    return afterWriting(runCommand(session, line));
+}
+
 } // namespace
 
 int runTool(int argc, char **argv, ClientSession::Options options)
@@ -64,14 +75,8 @@ int runTool(int argc, char **argv, ClientSession::Options options)
     if (!line.dataFolder.isEmpty())
         options.dataFolder = line.dataFolder;
     options.replyTimeout = line.timeout.value_or(defaultTimeout);
-    ClientSession session;
-    if (!session.start(options)) {
-        printError(session.error().simplified());
-        return static_cast<int>(ExitCode::WrongUse);
-    }
-    const ExitCode exitCode = afterWriting(runCommand(session, line));
-    // A station that hangs in the file system, on a network disk that is gone, cannot be waited for.
-    if (exitCode == ExitCode::NoAnswer)
+    const ExitCode exitCode = runSession(options, line);
+    if (EmbeddedLink::isAnythingLeftBehind())
         std::_Exit(static_cast<int>(exitCode));
     return static_cast<int>(exitCode);
 }

@@ -1,33 +1,74 @@
 #include "EmbeddedLink.h"
 
 #include "Station.h"
+#include "disk/DiskThreads.h"
 #include "framework/HostReturnCode.h"
 
+#include <QThread>
+
+#include <atomic>
+#include <mutex>
 #include <utility>
+
+namespace {
+std::atomic<bool> isStationLeftBehind = false;
+} // namespace
+
+/// What the station's thread uses; outlives the link where that thread hangs.
+struct EmbeddedLink::StationSide
+{
+    MakeStation makeStation;
+    QThread thread;
+    QObject object; // lives on the thread, and so do the calls to it
+    std::unique_ptr<Station> station; // likewise; used on the thread alone
+    std::mutex mutex;
+    EmbeddedLink *link = nullptr; // null once it ended
+
+    void createStation();
+    void carryOut(quint64 correlation, const StationCommand &command);
+    /// Has @p call made on the link's thread, unless the link ended.
+    void tellLink(std::function<void(EmbeddedLink &)> call);
+};
 
 EmbeddedLink::EmbeddedLink(MakeStation makeStation, QString relayPath, QObject *parent)
     : StationLink(parent)
-    , m_makeStation(std::move(makeStation))
     , m_relayPath(std::move(relayPath))
+    , m_stationSide(new StationSide)
 {
-    m_thread.setObjectName(QStringLiteral("station"));
-    m_stationSide.moveToThread(&m_thread);
-    connect(&m_thread, &QThread::started, &m_stationSide, [this] { createStation(); });
+    StationSide *const side = m_stationSide;
+    side->makeStation = std::move(makeStation);
+    side->link = this;
+    side->thread.setObjectName(QStringLiteral("station"));
+    side->object.moveToThread(&side->thread);
+    connect(&side->thread, &QThread::started, &side->object, [side] { side->createStation(); });
     connect(
-        &m_thread, &QThread::finished, &m_stationSide, [this] { m_station.reset(); }, Qt::DirectConnection);
+        &side->thread, &QThread::finished, &side->object, [side] { side->station.reset(); }, Qt::DirectConnection);
 }
 
 EmbeddedLink::~EmbeddedLink()
 {
-    m_thread.requestInterruption();
-    m_thread.quit();
-    m_thread.wait();
+    {
+        const std::lock_guard lock(m_stationSide->mutex);
+        m_stationSide->link = nullptr;
+    }
+    m_stationSide->thread.requestInterruption();
+    m_stationSide->thread.quit();
+    constexpr unsigned long patience = 1000; // milliseconds
+    if (m_stationSide->thread.wait(patience))
+        delete m_stationSide;
+    else
+        isStationLeftBehind = true;
+}
+
+bool EmbeddedLink::isAnythingLeftBehind()
+{
+    return isStationLeftBehind || DiskThreads::busyThreads() > 0;
 }
 
 void EmbeddedLink::start()
 {
-    if (!m_thread.isRunning())
-        m_thread.start();
+    if (!m_stationSide->thread.isRunning())
+        m_stationSide->thread.start();
 }
 
 bool EmbeddedLink::isUp() const
@@ -41,34 +82,46 @@ void EmbeddedLink::send(quint64 correlation, const QString &relayPath, const Sta
         return;
     if (relayPath.isEmpty() || relayPath == m_relayPath) {
         QMetaObject::invokeMethod(
-            &m_stationSide, [this, correlation, command] { carryOut(correlation, command); }, Qt::QueuedConnection);
+            &m_stationSide->object,
+            [side = m_stationSide, correlation, command] { side->carryOut(correlation, command); },
+            Qt::QueuedConnection);
         return;
     }
     const auto refuse = [this, correlation] { emit replyReceived(correlation, {HostReturnCode::UnknownStation, {}}); };
     QMetaObject::invokeMethod(this, refuse, Qt::QueuedConnection);
 }
 
-void EmbeddedLink::createStation()
+void EmbeddedLink::StationSide::createStation()
 {
-    m_station = m_makeStation();
-    if (!m_station)
+    station = makeStation();
+    if (!station)
         return;
     connect(
-        m_station.get(), &Station::eventRaised, this,
-        [this](const StationEvent &event) { emit eventReceived({}, event); }, Qt::QueuedConnection);
-    const auto goUp = [this] {
-        m_up = true;
-        emit upChanged(true);
-    };
-    QMetaObject::invokeMethod(this, goUp, Qt::QueuedConnection);
+        station.get(), &Station::eventRaised, &object,
+        [this](const StationEvent &event) {
+            tellLink([event](EmbeddedLink &target) { emit target.eventReceived({}, event); });
+        },
+        Qt::DirectConnection);
+    tellLink([](EmbeddedLink &target) {
+        target.m_up = true;
+        emit target.upChanged(true);
+    });
 }
 
-void EmbeddedLink::carryOut(quint64 correlation, const StationCommand &command)
+void EmbeddedLink::StationSide::carryOut(quint64 correlation, const StationCommand &command)
 {
-    if (m_thread.isInterruptionRequested())
+    if (thread.isInterruptionRequested())
         return;
-    m_station->handle(command, [this, correlation](const StationReply &reply) {
-        const auto hand = [this, correlation, reply] { emit replyReceived(correlation, reply); };
-        QMetaObject::invokeMethod(this, hand, Qt::QueuedConnection);
+    station->handle(command, [this, correlation](const StationReply &reply) {
+        tellLink([correlation, reply](EmbeddedLink &target) { emit target.replyReceived(correlation, reply); });
     });
+}
+
+void EmbeddedLink::StationSide::tellLink(std::function<void(EmbeddedLink &)> call)
+{
+    const std::lock_guard lock(mutex);
+    if (!link)
+        return;
+    QMetaObject::invokeMethod(
+        link, [target = link, call = std::move(call)] { call(*target); }, Qt::QueuedConnection);
 }

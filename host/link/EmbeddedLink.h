@@ -2,8 +2,6 @@
 
 #include "StationLink.h"
 
-#include <QThread>
-
 #include <functional>
 #include <memory>
 
@@ -12,19 +10,24 @@ class Station;
 /// Runs one station inside this process, on a thread of its own, so that a slow disk never blocks the window.
 ///
 /// The station is the directly connected one: its events carry the empty relay path. Commands are begun one after the
-/// other; one that waits for a NAS server does not hold up those behind it. The end of the link waits for the command
-/// that runs at that moment (a station sees QThread::isInterruptionRequested() then), and no more than a moment for NAS
-/// servers; the other commands are dropped.
+/// other; one that waits for a NAS server does not hold up those behind it. The end of the link waits a second for the
+/// command that runs at that moment (a station sees QThread::isInterruptionRequested() then) and for the station's end;
+/// the other commands are dropped. A station that hangs longer is left behind with its thread.
 class EmbeddedLink : public StationLink
 {
     Q_OBJECT
 public:
     using MakeStation = std::function<std::unique_ptr<Station>()>;
 
-    /// @param makeStation called on the station's thread, where the station lives and ends
+    /// @param makeStation called on the station's thread, where the station lives and ends. Neither it nor the station
+    /// may use what ends before the process does, as the station may be left behind.
     /// @param relayPath the name under which this station also answers, besides the empty one
     explicit EmbeddedLink(MakeStation makeStation, QString relayPath = {}, QObject *parent = nullptr);
     ~EmbeddedLink() override;
+
+    /// Whether a thread hangs that was left behind: a station's, or one of those that look at disks for it. Then the
+    /// process has to end with std::_Exit(): it must not take away what the thread uses when its disk answers at last.
+    static bool isAnythingLeftBehind();
 
     /// Starts the station; upChanged(true) follows when it runs, and nothing when @p makeStation made none. A second
     /// start does nothing.
@@ -35,13 +38,9 @@ public:
     void send(quint64 correlation, const QString &relayPath, const StationCommand &command) override;
 
 private:
-    void createStation();
-    void carryOut(quint64 correlation, const StationCommand &command);
+    struct StationSide;
 
-    MakeStation m_makeStation;
     QString m_relayPath;
-    QThread m_thread;
-    QObject m_stationSide; // lives on m_thread, and so do the calls to it
-    std::unique_ptr<Station> m_station; // likewise; used on m_thread alone
+    StationSide *m_stationSide; // owned; given away when it is left behind
     bool m_up = false;
 };

@@ -14,11 +14,12 @@ struct Gate
     std::atomic<int> entered = 0; ///< listings that began
     std::atomic<int> left = 0; ///< listings that ended
     std::atomic<QThread *> thread = nullptr; ///< of the last listing
+    std::atomic<bool> endsEarly = true; ///< a listing ends where its thread is asked to end
     std::atomic<bool> gone = false; ///< the volumes were destroyed, on this thread:
     std::atomic<QThread *> endThread = nullptr;
 };
 
-/// One volume of a slow disk: a listing ends when the test opens the gate, or when the thread is asked to end.
+/// One volume of a slow disk: a listing ends when the test opens the gate, and mostly when the thread is asked to end.
 class GatedVolumes : public VolumeSource
 {
 public:
@@ -38,7 +39,7 @@ public:
         m_gate.thread = QThread::currentThread();
         ++m_gate.entered;
         while (!m_gate.open.tryAcquire(1, 1)) {
-            if (QThread::currentThread()->isInterruptionRequested())
+            if (m_gate.endsEarly && QThread::currentThread()->isInterruptionRequested())
                 break;
         }
         ++m_gate.left;

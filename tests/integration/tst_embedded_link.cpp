@@ -4,6 +4,7 @@
 #include "link/EmbeddedLink.h"
 
 #include <QAbstractEventDispatcher>
+#include <QElapsedTimer>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
@@ -31,6 +32,7 @@ private slots:
     void commandToALinkThatIsDownIsDropped();
     void endWaitsForTheRunningCommandAlone();
     void endWithoutStart();
+    void aStationThatHangsIsLeftBehind();
 
 private:
     void goUp();
@@ -244,6 +246,24 @@ void EmbeddedLinkTest::endWithoutStart()
     m_replies.reset();
     m_link.reset();
     QCOMPARE(m_stations, 0);
+}
+
+void EmbeddedLinkTest::aStationThatHangsIsLeftBehind()
+{
+    QVERIFY(!EmbeddedLink::isAnythingLeftBehind());
+    m_gate->endsEarly = false;
+    goUp();
+    m_link->send(1, {}, {u"getVolume"_s, {}});
+    QTRY_COMPARE(m_gate->entered.load(), 1);
+    QElapsedTimer timer;
+    timer.start();
+    m_link.reset();
+    QVERIFY2(timer.elapsed() < 2000, qPrintable(QString::number(timer.elapsed())));
+    QVERIFY(EmbeddedLink::isAnythingLeftBehind());
+    QVERIFY(!m_gate->gone);
+    m_gate->open.release(); // the disk answers at last
+    QTRY_VERIFY(m_gate->gone);
+    QVERIFY(m_replies->isEmpty());
 }
 
 QTEST_GUILESS_MAIN(EmbeddedLinkTest)

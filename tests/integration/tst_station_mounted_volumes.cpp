@@ -2,6 +2,7 @@
 #include "MountWatch.h"
 #include "MountedVolumes.h"
 #include "Station.h"
+#include "StationCall.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -76,9 +77,7 @@ MountedVolumes::ReadTable tableOf(const QList<MountRecord> &records)
 StationReply ask(const QString &name, const QVariant &data = {})
 {
     Station station;
-    StationReply reply;
-    station.handle({name, data}, [&reply](const StationReply &part) { reply = part; });
-    return reply;
+    return StationCall(station, name, data).reply();
 }
 
 QStringList pathsIn(const QVariantList &volumes)

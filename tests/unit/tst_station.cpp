@@ -1,5 +1,6 @@
 #include "FakeVolumes.h"
 #include "Station.h"
+#include "StationCall.h"
 #include "StationProtocol.h"
 
 #include <QDir>
@@ -22,9 +23,9 @@ public:
 
 QList<StationReply> replies(Station &station, const QString &name, const QVariant &data = {})
 {
-    QList<StationReply> parts;
-    station.handle({name, data}, [&parts](const StationReply &part) { parts.append(part); });
-    return parts;
+    const StationCall call(station, name, data);
+    call.reply();
+    return call.parts();
 }
 
 /// What @p pattern captures in @p file of the source tree behind the text @p start, sorted.

@@ -1,7 +1,9 @@
 #include "Directories.h"
 #include "FakeVolumes.h"
 #include "Station.h"
+#include "StationCall.h"
 #include "StationProtocol.h"
+#include "disk/DiskVisit.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -41,6 +43,12 @@ private:
 bool setMode(const QString &path, mode_t mode)
 {
     return chmod(QFile::encodeName(path).constData(), mode) == 0;
+}
+
+FolderList listed(const QString &path)
+{
+    DiskVisit everywhere;
+    return listFolders(path, everywhere);
 }
 
 bool makeFile(const QString &path)
@@ -120,9 +128,9 @@ void StationDirectoriesTest::cleanup()
 
 StationReply StationDirectoriesTest::ask(const QString &name, const QString &path)
 {
-    QList<StationReply> parts;
-    m_station->handle({name, path}, [&parts](const StationReply &part) { parts.append(part); });
-    return parts.size() == 1 && parts.front().finish ? parts.front() : StationReply{QStringLiteral("not one part"), {}};
+    const StationCall call(*m_station, name, path);
+    const StationReply reply = call.reply();
+    return call.parts().size() == 1 ? reply : StationReply{QStringLiteral("not one part"), {}};
 }
 
 /// Every file and folder below the two folders, hidden ones and links too.
@@ -168,15 +176,15 @@ void StationDirectoriesTest::foldersBehindLinksAreListed()
     QVERIFY(QFile::link(m_elsewhere->filePath(QStringLiteral("file")), path(QStringLiteral("to a file"))));
     QVERIFY(QFile::link(path(QStringLiteral("nothing")), path(QStringLiteral("to nothing"))));
     QVERIFY(QFile::link(path(QStringLiteral("itself")), path(QStringLiteral("itself"))));
-    QCOMPARE(listFolders(m_folder->path()).returnCode, QStringLiteral("0"));
-    QCOMPARE(listFolders(m_folder->path()).names, QStringList{QStringLiteral("to a folder")});
+    QCOMPARE(listed(m_folder->path()).returnCode, QStringLiteral("0"));
+    QCOMPARE(listed(m_folder->path()).names, QStringList{QStringLiteral("to a folder")});
 }
 
 void StationDirectoriesTest::hiddenFoldersAreLeftOut()
 {
     QVERIFY(QDir().mkdir(path(QStringLiteral(".hidden"))));
     QVERIFY(QDir().mkdir(path(QStringLiteral("a.b"))));
-    QCOMPARE(listFolders(m_folder->path()).names, QStringList{QStringLiteral("a.b")});
+    QCOMPARE(listed(m_folder->path()).names, QStringList{QStringLiteral("a.b")});
 }
 
 void StationDirectoriesTest::namesThatNoCommandCanCarryAreLeftOut()
@@ -187,7 +195,7 @@ void StationDirectoriesTest::namesThatNoCommandCanCarryAreLeftOut()
     QCOMPARE(mkdir(latin1.constData(), 0755), 0);
     QCOMPARE(mkdir(backslash.constData(), 0755), 0);
     QVERIFY(QDir().mkdir(path(QStringLiteral("Kühe"))));
-    const FolderList folders = listFolders(m_folder->path());
+    const FolderList folders = listed(m_folder->path());
     QCOMPARE(rmdir(latin1.constData()), 0); // QTemporaryDir cannot name it either
     QCOMPARE(folders.returnCode, QStringLiteral("0"));
     QCOMPARE(folders.names, QStringList{QStringLiteral("Kühe")});
@@ -207,11 +215,11 @@ void StationDirectoriesTest::aListedFolderCanBeListed()
     QVERIFY(QDir().mkpath(path(QStringLiteral("Süd/录 像/cam 1"))));
     QString folder = m_folder->path();
     for (const QString &name : {QStringLiteral("Süd"), QStringLiteral("录 像"), QStringLiteral("cam 1")}) {
-        const FolderList folders = listFolders(folder);
+        const FolderList folders = listed(folder);
         QCOMPARE(folders.names, QStringList{name});
         folder += u'/' + folders.names.front();
     }
-    QCOMPARE(listFolders(folder).returnCode, QStringLiteral("0"));
+    QCOMPARE(listed(folder).returnCode, QStringLiteral("0"));
 }
 
 void StationDirectoriesTest::theBasePathIsEchoed_data()

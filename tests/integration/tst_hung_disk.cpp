@@ -1,0 +1,169 @@
+#include "FaultyDisk.h"
+#include "ToolRun.h"
+#include "VolumeFolder.h"
+
+#include <QDate>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <csignal>
+#include <memory>
+
+namespace {
+constexpr int mostForTheEnd = 2000; // milliseconds
+} // namespace
+
+/// recordingctl with a disk that hangs: it answers, says so, and ends.
+class HungDiskTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+
+    void volumesAreListedBesideOneThatHangs();
+    void aFolderThatHangsIsRefused_data();
+    void aFolderThatHangsIsRefused();
+    void aPathThatHangsIsRefused();
+    void aFolderThatFailsIsRefused_data();
+    void aFolderThatFailsIsRefused();
+    void theEndWaitsForNoDisk_data();
+    void theEndWaitsForNoDisk();
+
+private:
+    QString path(const char *name) const { return m_folder->filePath(QString::fromLatin1(name)); }
+    QStringList faults(const char *call) const { return {QString::fromLatin1(call) + u'=' + path("disk")}; }
+    QString log() const { return path("log"); }
+    QProcessEnvironment environment(const QStringList &faults) const;
+    Run runWith(const QStringList &faults, const QStringList &arguments) const;
+    QStringList onData(const QStringList &arguments) const;
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+};
+
+void HungDiskTest::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>(onAVolume(QStringLiteral("hung-disk-XXXXXX")));
+    QVERIFY(QDir().mkpath(path("disk/folder")));
+}
+
+QProcessEnvironment HungDiskTest::environment(const QStringList &faults) const
+{
+    QProcessEnvironment environment = quietEnvironment();
+    setDiskFaults(environment, faults, log());
+    return environment;
+}
+
+QStringList HungDiskTest::onData(const QStringList &arguments) const
+{
+    return arguments + QStringList{QStringLiteral("--data"), path("data")};
+}
+
+Run HungDiskTest::runWith(const QStringList &faults, const QStringList &arguments) const
+{
+    QProcess process;
+    process.setProcessEnvironment(environment(faults));
+    process.start(RECORDINGCTL, onData(arguments));
+    return finished(process);
+}
+
+void HungDiskTest::volumesAreListedBesideOneThatHangs()
+{
+    // The root's own folder alone, and nothing below it.
+    const Run volumes = runWith({QStringLiteral("hang=/")}, {QStringLiteral("volumes")});
+    QVERIFY(!befallenCalls(log()).isEmpty());
+    QCOMPARE(volumes.exitCode, 0);
+    QCOMPARE(volumes.outputLines().filter(QRegularExpression(QStringLiteral("^System +/ +0[.,]00 KB "))).size(), 1);
+    QVERIFY2(volumes.errors.contains(QStringLiteral("The volume / does not answer.")), qPrintable(volumes.errors));
+}
+
+void HungDiskTest::aFolderThatHangsIsRefused_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("listing") << QStringList{QStringLiteral("call"), QStringLiteral("getServerDir"),
+                                            QStringLiteral("disk/folder")};
+    QTest::newRow("making") << QStringList{QStringLiteral("call"), QStringLiteral("createDirectory"),
+                                           QStringLiteral("disk/folder/new")};
+}
+
+void HungDiskTest::aFolderThatHangsIsRefused()
+{
+    QFETCH(QStringList, arguments);
+    arguments.last() = m_folder->filePath(arguments.last());
+    const Run call = runWith(faults("hang"), arguments);
+    QVERIFY(!befallenCalls(log()).isEmpty());
+    QCOMPARE(call.exitCode, 1);
+    QVERIFY2(call.errors.contains(QStringLiteral("VolumeNotAnswering")), qPrintable(call.errors));
+}
+
+void HungDiskTest::aPathThatHangsIsRefused()
+{
+    const Run call =
+        runWith(faults("hang"),
+                {QStringLiteral("group-add"), QStringLiteral("North"), QStringLiteral("--path"), path("disk/folder")});
+    QVERIFY(!befallenCalls(log()).isEmpty());
+    QCOMPARE(call.exitCode, 1);
+    QVERIFY2(call.errors.contains(QStringLiteral("VolumeNotAnswering")), qPrintable(call.errors));
+}
+
+void HungDiskTest::aFolderThatFailsIsRefused_data()
+{
+    QTest::addColumn<QString>("fault");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("read error") << QStringLiteral("EIO") << QStringLiteral("CannotCreate");
+    QTest::newRow("full") << QStringLiteral("ENOSPC") << QStringLiteral("VolumeFull");
+    QTest::newRow("read-only") << QStringLiteral("EROFS") << QStringLiteral("VolumeReadOnly");
+}
+
+void HungDiskTest::aFolderThatFailsIsRefused()
+{
+    QFETCH(QString, fault);
+    QFETCH(QString, reason);
+    const Run call =
+        runWith({fault + u'=' + path("disk")},
+                {QStringLiteral("group-add"), QStringLiteral("North"), QStringLiteral("--path"), path("disk/folder")});
+    QCOMPARE(call.exitCode, 1);
+    QVERIFY2(call.errors.contains(reason), qPrintable(call.errors));
+    const Run making = runWith({fault + u'=' + path("disk")},
+                               {QStringLiteral("call"), QStringLiteral("createDirectory"), path("disk/folder/new")});
+    QCOMPARE(making.exitCode, 1);
+    QVERIFY2(making.errors.contains(reason), qPrintable(making.errors));
+    QVERIFY(!QFileInfo::exists(path("disk/folder/new")));
+}
+
+void HungDiskTest::theEndWaitsForNoDisk_data()
+{
+    QTest::addColumn<QString>("call");
+    QTest::addColumn<int>("signal");
+    QTest::newRow("reading a folder, SIGTERM") << QStringLiteral("readdir") << SIGTERM;
+    QTest::newRow("reading a folder, SIGINT") << QStringLiteral("readdir") << SIGINT;
+    QTest::newRow("looking at a folder, SIGTERM") << QStringLiteral("stat") << SIGTERM;
+}
+
+void HungDiskTest::theEndWaitsForNoDisk()
+{
+    QFETCH(QString, call);
+    QFETCH(int, signal);
+    const QString day = QDate::currentDate().toString(Qt::ISODate);
+    QVERIFY(QDir().mkpath(path("disk/folder/North/Gate/") + day));
+    const Run added = run(
+        onData({QStringLiteral("group-add"), QStringLiteral("North"), QStringLiteral("--path"), path("disk/folder")}));
+    QVERIFY2(added.exitCode == 0, qPrintable(added.errors));
+
+    QProcess watch;
+    watch.setProcessEnvironment(environment({QStringLiteral("hang.%1=%2").arg(call, path("disk"))}));
+    watch.start(RECORDINGCTL, onData({QStringLiteral("watch")}));
+    QTRY_VERIFY_WITH_TIMEOUT(!befallenCalls(log()).filter(call + u' ' + path("disk")).isEmpty(), 20000);
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(::kill(static_cast<pid_t>(watch.processId()), signal), 0);
+    QVERIFY(watch.waitForFinished());
+    QVERIFY2(timer.elapsed() < mostForTheEnd, qPrintable(QString::number(timer.elapsed())));
+    QCOMPARE(watch.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(watch.exitCode(), 0);
+}
+
+QTEST_GUILESS_MAIN(HungDiskTest)
+#include "tst_hung_disk.moc"
