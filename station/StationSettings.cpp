@@ -1,8 +1,13 @@
 #include "StationSettings.h"
 
-#include <QStandardPaths>
+#include <QFile>
 
 QString defaultStationFolder()
 {
-    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/recording-station");
+    const QString name = QStringLiteral("/recording-station");
+    const QString dataHome = QFile::decodeName(qgetenv("XDG_DATA_HOME"));
+    if (dataHome.startsWith(u'/')) // a relative one is to be ignored
+        return dataHome + name;
+    const QString home = QFile::decodeName(qgetenv("HOME"));
+    return home.startsWith(u'/') ? home + QStringLiteral("/.local/share") + name : QString();
 }

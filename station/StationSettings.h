@@ -21,7 +21,11 @@ struct StationSettings
     /// How long a NAS server may take for what one command needs of it.
     std::chrono::milliseconds nasTimeLimit = std::chrono::seconds(10);
     UsageSettings usage = {};
+    /// Where the key of the stored passwords lies; empty: see KeyFile. Elsewhere than in the data folder, a copy of
+    /// that gives no password away.
+    QString keyFile = {};
 };
 
-/// "recording-station" below the folder where this user's programs keep their data.
+/// "recording-station" below the folder where this user's programs keep their data: $XDG_DATA_HOME where that is an
+/// absolute path, else ~/.local/share. Empty where there is no home either.
 QString defaultStationFolder();

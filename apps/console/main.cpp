@@ -5,6 +5,8 @@
 #include "Display.h"
 #include "FollowClient.h"
 #include "Screenshot.h"
+#include "StationLog.h"
+#include "StationSettings.h"
 
 #include <QDir>
 #include <QGuiApplication>
@@ -113,6 +115,12 @@ int main(int argc, char **argv)
     case ConsoleOptions::Action::Run:
         break;
     }
+    if (options.dataFolder.isEmpty() && defaultStationFolder().isEmpty()) {
+        print(stderr,
+              QStringLiteral("There is no folder for the station's data: HOME is not set. Name one with --data."));
+        return WrongUse;
+    }
+    keepStationLogPrintable();
     if (!options.platform.isEmpty())
         qputenv("QT_QPA_PLATFORM", options.platform.toLocal8Bit());
     if (!hasDisplay()) {

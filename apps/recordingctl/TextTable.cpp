@@ -4,23 +4,6 @@
 
 #include <wchar.h>
 
-QString printable(const QString &text)
-{
-    QString result;
-    result.reserve(text.size());
-    for (const QChar character : text) {
-        if (character == u'\n')
-            result += QStringLiteral("\\n");
-        else if (character == u'\t')
-            result += QStringLiteral("\\t");
-        else if (character.category() == QChar::Other_Control)
-            result += QStringLiteral("\\x%1").arg(character.unicode(), 2, 16, QLatin1Char('0'));
-        else
-            result += character;
-    }
-    return result;
-}
-
 int displayWidth(const QString &text)
 {
     int width = 0;

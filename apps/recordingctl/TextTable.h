@@ -1,11 +1,10 @@
 #pragma once
 
+#include "PrintableText.h"
+
 #include <QList>
 #include <QString>
 #include <QStringList>
-
-/// A copy of @p text for one line of a terminal: control characters are written as \n, \t or \x1b.
-QString printable(const QString &text);
 
 /// How many columns of a terminal @p text takes.
 int displayWidth(const QString &text);

@@ -2,6 +2,8 @@
 
 #include "Commands.h"
 #include "Output.h"
+#include "StationLog.h"
+#include "StationSettings.h"
 
 #include <QCoreApplication>
 
@@ -38,6 +40,11 @@ ExitCode afterWriting(ExitCode exitCode)
     return ExitCode::WrongUse;
 }
 
+QString noStationFolder()
+{
+    return QStringLiteral("there is no folder for the station's data: HOME is not set; name one with --data");
+}
+
 /// The session has ended when this returns, or is left behind.
 ExitCode runSession(const ClientSession::Options &options, const CommandLine &line)
 {
@@ -71,9 +78,14 @@ int runTool(int argc, char **argv, ClientSession::Options options)
         return static_cast<int>(afterWriting(ExitCode::Done));
     }
 
+    keepStationLogPrintable();
     keepTraceQuiet();
     if (!line.dataFolder.isEmpty())
         options.dataFolder = line.dataFolder;
+    if (options.dataFolder.isEmpty() && !options.makeStation && defaultStationFolder().isEmpty()) {
+        printError(noStationFolder());
+        return static_cast<int>(ExitCode::WrongUse);
+    }
     options.replyTimeout = line.timeout.value_or(defaultTimeout);
     const ExitCode exitCode = runSession(options, line);
     if (EmbeddedLink::isAnythingLeftBehind())

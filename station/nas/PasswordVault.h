@@ -1,8 +1,11 @@
 #pragma once
 
+#include "KeyFile.h"
+
 #include <QByteArray>
 #include <QString>
 
+#include <memory>
 #include <stdexcept>
 
 /// The key of the passwords cannot be used: where it lies, and what is wrong with it.
@@ -19,9 +22,12 @@ class PasswordVault
 public:
     enum class WhenMissing { Fail, Create };
 
-    /// Reads the key from @p file: 32 bytes, a plain file with mode 0600 or stricter. Throws VaultError otherwise, and
-    /// leaves what is there as it is.
-    /// @param whenMissing Create makes a new key, for a station that keeps no password yet; its folder must exist
+    /// Reads the key from @p file: 32 bytes, a plain file of the station's user with mode 0600 or stricter; one that
+    /// the system keeps may be root's and readable for a group. Throws VaultError otherwise, and leaves what is there
+    /// as it is.
+    /// @param whenMissing Create makes a new key, for a station that keeps no password yet; its folder must exist, and
+    /// the system's keys are never made
+    explicit PasswordVault(const KeyFile &file, WhenMissing whenMissing);
     explicit PasswordVault(const QString &file, WhenMissing whenMissing);
     ~PasswordVault();
     PasswordVault(const PasswordVault &) = delete;
@@ -43,6 +49,17 @@ public:
     static QString placeholder();
 
 private:
-    QByteArray m_passwordKey;
-    QByteArray m_tokenKey;
+    /// Memory that is not swapped out, and wiped at its end.
+    struct FreeLocked
+    {
+        void operator()(unsigned char *memory) const;
+    };
+    using LockedKey = std::unique_ptr<unsigned char, FreeLocked>;
+
+    static LockedKey lockedMemory(size_t size);
+    static LockedKey readKey(const KeyFile &file);
+    static LockedKey derived(const LockedKey &key, int purpose, size_t size);
+
+    LockedKey m_passwordKey;
+    LockedKey m_tokenKey;
 };

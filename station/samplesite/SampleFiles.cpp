@@ -2,16 +2,19 @@
 
 #include "Directories.h"
 #include "StationProtocol.h"
+#include "files/PrivateFolder.h"
 #include "groups/FolderNames.h"
 
-#include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QThread>
 
 #include <cerrno>
 #include <system_error>
 #include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 constexpr quint32 firstSeed = 20;
@@ -30,7 +33,7 @@ SampleFiles::SampleFiles(QString folder)
 SampleFiles::~SampleFiles()
 {
     if (!m_written.isEmpty())
-        QDir(m_written).removeRecursively();
+        removeTree(m_written);
 }
 
 QString SampleFiles::pathIn(const QString &folder)
@@ -40,17 +43,23 @@ QString SampleFiles::pathIn(const QString &folder)
 
 QString SampleFiles::write(const QList<SampleGroup> &groups, const QDateTime &now)
 {
-    m_written = m_folder + QStringLiteral(".unfinished");
-    QDir(m_written).removeRecursively(); // of a start that was cut off
+    const QFileInfo place(m_folder + QStringLiteral(".unfinished"));
+    m_written = place.filePath();
+    removeTree(m_written); // of a start that was cut off
+    errno = 0;
+    const PrivateFolder dataFolder(place.path());
+    const PrivateFolder written = dataFolder.folder(place.fileName());
+    const PrivateFolder recordings = written.folder(QFileInfo(pathIn(m_written)).fileName());
     quint32 seed = firstSeed;
     for (const SampleGroup &group : groups) {
+        const PrivateFolder groupFolder = recordings.folder(folderName(group.name));
         for (const QString &camera : group.cameras) {
+            const PrivateFolder cameraFolder = groupFolder.folder(folderName(camera));
             for (int daysAgo = 0; daysAgo < group.recordedDays; ++daysAgo) {
                 const QDate day = now.date().addDays(-daysAgo);
-                const QString folder = QStringList{pathIn(m_written), folderName(group.name), folderName(camera),
-                                                   day.toString(Qt::ISODate)}
-                                           .join(u'/');
-                const QString refusal = writeDay(folder, sampleFiles(group, day, now, ++seed));
+                const PrivateFolder dayFolder = cameraFolder.folder(day.toString(Qt::ISODate));
+                const QString refusal =
+                    dayFolder.isOpen() ? writeDay(dayFolder, sampleFiles(group, day, now, ++seed)) : failure();
                 if (!refusal.isEmpty())
                     return refusal;
             }
@@ -59,17 +68,15 @@ QString SampleFiles::write(const QList<SampleGroup> &groups, const QDateTime &no
     return {};
 }
 
-QString SampleFiles::writeDay(const QString &folder, const QList<SampleFile> &files)
+QString SampleFiles::writeDay(const PrivateFolder &folder, const QList<SampleFile> &files)
 {
     if (QThread::currentThread()->isInterruptionRequested())
         return StationReturnCode::InternalError;
-    errno = 0;
-    if (!QDir().mkpath(folder))
-        return failure();
     for (const SampleFile &sample : files) {
-        QFile file(folder + u'/' + sample.name);
-        if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly) || !file.resize(sample.bytes)
-            || !file.setFileTime(sample.writtenAt, QFileDevice::FileModificationTime))
+        const OpenFile file = folder.newFile(sample.name);
+        const timespec written{static_cast<time_t>(sample.writtenAt.toSecsSinceEpoch()), 0};
+        const timespec times[] = {{0, UTIME_OMIT}, written};
+        if (!file.isOpen() || ftruncate(file.get(), sample.bytes) != 0 || futimens(file.get(), times) != 0)
             return failure();
     }
     return {};
@@ -78,7 +85,8 @@ QString SampleFiles::writeDay(const QString &folder, const QList<SampleFile> &fi
 bool SampleFiles::moveToPlace()
 {
     // A folder of that name, even an empty one, is somebody's.
-    if (QFileInfo::exists(m_folder) || !QDir().rename(m_written, m_folder))
+    const QFileInfo from(m_written);
+    if (!PrivateFolder(from.path()).rename(from.fileName(), QFileInfo(m_folder).fileName()))
         return false;
     m_written = m_folder;
     return true;

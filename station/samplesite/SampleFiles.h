@@ -2,7 +2,10 @@
 
 #include "SamplePlan.h"
 
-/// The recordings of a sample site while they are made: taken away again unless they are kept.
+class PrivateFolder;
+
+/// The recordings of a sample site while they are made: taken away again unless they are kept. For the station's user
+/// alone; links that lie in the way are not followed.
 class SampleFiles
 {
 public:
@@ -22,7 +25,7 @@ public:
     void keep();
 
 private:
-    QString writeDay(const QString &folder, const QList<SampleFile> &files);
+    static QString writeDay(const PrivateFolder &folder, const QList<SampleFile> &files);
 
     QString m_folder;
     QString m_written; // where the files are now; empty: they are not to be taken away

@@ -4,11 +4,11 @@
 #include "StationData.h"
 #include "StationLog.h"
 #include "StationProtocol.h"
+#include "files/PrivateFolder.h"
 #include "groups/FolderNames.h"
 #include "groups/GroupStore.h"
 #include "store/Database.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <QUuid>
 
@@ -36,7 +36,7 @@ RecordingGroup recordingGroup(const SampleGroup &sample, const QString &path)
 QString freeFolder(const QString &name)
 {
     QString folder = name;
-    for (int number = 2; QFileInfo::exists(folder); ++number)
+    for (int number = 2; isNameTaken(folder); ++number)
         folder = QStringLiteral("%1-%2").arg(name).arg(number);
     return folder;
 }
@@ -44,9 +44,9 @@ QString freeFolder(const QString &name)
 /// Says that the station had its sample site, so that nobody gives it another one unasked.
 void leaveMark(const QString &dataFolder)
 {
-    const QString path = dataFolder + u'/' + SampleSite::mark;
-    if (!QFile(path).open(QIODevice::WriteOnly))
-        qCWarning(stationLog, "The file %s cannot be made.", qPrintable(path));
+    const PrivateFolder folder(dataFolder);
+    if (!folder.newFile(SampleSite::mark).isOpen() && !QFileInfo::exists(dataFolder + u'/' + SampleSite::mark))
+        qCWarning(stationLog, "The file %s/%s cannot be made.", qPrintable(dataFolder), qPrintable(SampleSite::mark));
 }
 } // namespace
 

@@ -1,6 +1,7 @@
 #include "FolderReader.h"
 
-#include <QFile>
+#include "files/FileName.h"
+
 #include <QThread>
 
 #include <cerrno>
@@ -34,7 +35,7 @@ bool isDots(const dirent &entry)
 template<typename Take>
 ReadResult readEntries(const QString &path, const Take &take)
 {
-    const Folder folder(opendir(QFile::encodeName(path).constData()));
+    const Folder folder(opendir(encodedName(path).constData()));
     if (!folder)
         return failure();
     while (true) {
@@ -61,7 +62,7 @@ SubFolders readFolders(const QString &path)
     SubFolders list;
     list.result = readEntries(path, [&list](int folder, const dirent &entry) {
         if (isFolder(folder, entry))
-            list.folders.append({QFile::decodeName(entry.d_name), entry.d_ino});
+            list.folders.append({decodedName(entry.d_name), entry.d_ino});
         return true;
     });
     return list;
@@ -81,7 +82,7 @@ RecordedFiles readFiles(const QString &path)
             return errno == ENOENT;
         if (!S_ISREG(status.st_mode))
             return true;
-        const QString name = QFile::decodeName(entry.d_name);
+        const QString name = decodedName(entry.d_name);
         list.sizes.insert(name, status.st_size);
         const std::pair<qint64, qint64> time{status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
         if (time > newestTime || (time == newestTime && name > list.newest)) {
@@ -96,7 +97,7 @@ RecordedFiles readFiles(const QString &path)
 qint64 fileSize(const QString &path)
 {
     struct stat status = {};
-    if (lstat(QFile::encodeName(path).constData(), &status) != 0 || !S_ISREG(status.st_mode))
+    if (lstat(encodedName(path).constData(), &status) != 0 || !S_ISREG(status.st_mode))
         return -1;
     return status.st_size;
 }
@@ -104,7 +105,7 @@ qint64 fileSize(const QString &path)
 FolderIdentity identify(const QString &path)
 {
     struct stat status = {};
-    if (stat(QFile::encodeName(path).constData(), &status) != 0 || !S_ISDIR(status.st_mode))
+    if (stat(encodedName(path).constData(), &status) != 0 || !S_ISDIR(status.st_mode))
         return {};
     return {status.st_ino, status.st_dev};
 }

@@ -6,6 +6,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <limits>
 #include <numeric>
 
 const QString UsageGroup::backup = QStringLiteral("backupID");
@@ -29,9 +30,17 @@ struct Figures
 /// Which of the places share something: their group, or the volume that they lie on.
 using Sharing = QMap<QString, QList<qsizetype>>;
 
+/// Sizes of files may be anything up to 2^63.
+qint64 saturatedSum(qint64 left, qint64 right)
+{
+    constexpr qint64 most = std::numeric_limits<qint64>::max();
+    return left > most - right ? most : left + right;
+}
+
+/// Of values that are not negative.
 qint64 sumOf(const QList<qint64> &values)
 {
-    return std::accumulate(values.cbegin(), values.cend(), qint64(0));
+    return std::accumulate(values.cbegin(), values.cend(), qint64(0), saturatedSum);
 }
 
 /// Free space of a volume in equal parts to its groups, whatever number of paths each of them has there.
@@ -111,7 +120,7 @@ void shareUsage(const QList<UsagePlace> &places, const QList<qsizetype> &members
         const DaySums days = places.at(index).days.value_or(DaySums());
         qint64 bytes = 0;
         for (const QDate &day : averaged)
-            bytes += days.value(day).bytes;
+            bytes = saturatedSum(bytes, days.value(day).bytes);
         weights.append(bytes);
     }
     const QList<qint64> parts = partsOf(sumOf(weights) / averaged.size(), weights);
@@ -144,7 +153,7 @@ QList<qint64> partsOf(qint64 total, const QList<qint64> &weights)
     qint64 weighed = 0;
     qint64 given = 0;
     for (const qint64 weight : weights) {
-        weighed += weight;
+        weighed = saturatedSum(weighed, weight);
         const auto upTo = sum > 0
             ? static_cast<qint64>(static_cast<long double>(total) * (static_cast<long double>(weighed) / sum))
             : 0;

@@ -17,6 +17,7 @@ private slots:
     void pageWithoutDataIsNoPicture();
     void noDisplayIsSaid_data();
     void noDisplayIsSaid();
+    void noHomeIsSaid();
     void wrongUseIsSaid_data();
     void wrongUseIsSaid();
     void helpAndVersion();
@@ -132,6 +133,14 @@ void tst_console::noDisplayIsSaid()
     QCOMPARE(result.output, QString());
     QVERIFY2(result.error.contains(QStringLiteral("no display")), qPrintable(result.error));
     QVERIFY(result.error.contains(QStringLiteral("--platform offscreen --screenshot FILE")));
+}
+
+void tst_console::noHomeIsSaid()
+{
+    const Result result = run({QStringLiteral("--platform"), QStringLiteral("offscreen")},
+                              {QStringLiteral("HOME"), QStringLiteral("XDG_DATA_HOME")});
+    QCOMPARE(result.exitCode, 2);
+    QVERIFY2(result.error.contains(QStringLiteral("HOME is not set")), qPrintable(result.error));
 }
 
 void tst_console::wrongUseIsSaid_data()

@@ -29,6 +29,7 @@ private slots:
     void aPathThatHangsIsRefused();
     void aFolderThatFailsIsRefused_data();
     void aFolderThatFailsIsRefused();
+    void namesDoNotSteerTheTerminal();
     void theEndWaitsForNoDisk_data();
     void theEndWaitsForNoDisk();
 
@@ -131,6 +132,21 @@ void HungDiskTest::aFolderThatFailsIsRefused()
     QCOMPARE(making.exitCode, 1);
     QVERIFY2(making.errors.contains(reason), qPrintable(making.errors));
     QVERIFY(!QFileInfo::exists(path("disk/folder/new")));
+}
+
+void HungDiskTest::namesDoNotSteerTheTerminal()
+{
+    const QString name = QStringLiteral("a\x1b[31m\nb\u202e");
+    QVERIFY(QDir().mkpath(path("disk/") + name + QStringLiteral("/North")));
+    const QStringList add{QStringLiteral("group-add"), QStringLiteral("North"), QStringLiteral("--path"),
+                          path("disk/") + name};
+    QCOMPARE(run(onData(add)).exitCode, 0);
+    const Run usage = runWith(faults("EIO.readdir"), {QStringLiteral("usage")});
+    const QString line = QStringLiteral("The recordings in %1 cannot be read.")
+                             .arg(path("disk/") + QStringLiteral("a\\x1b[31m\\nb\\u202e/North"));
+    QVERIFY2(usage.errorLines().filter(line).size() > 0, qPrintable(usage.errors));
+    for (const QString &text : {usage.output, usage.errors})
+        QVERIFY(!text.contains(u'\x1b') && !text.contains(u'\u202e'));
 }
 
 void HungDiskTest::theEndWaitsForNoDisk_data()

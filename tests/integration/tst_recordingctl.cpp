@@ -3,6 +3,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -67,6 +68,7 @@ private slots:
     void noAnswerInTime_data();
     void noAnswerInTime();
     void passwordFromStandardInput();
+    void withoutAHomeThereIsNoDataFolder();
     void watchShowsEvents_data();
     void watchShowsEvents();
     void watchEndsByCount();
@@ -340,6 +342,29 @@ void TestRecordingctl::passwordFromStandardInput()
     const Run missing = run(call);
     QCOMPARE(missing.exitCode, 2);
     QCOMPARE(missing.errors, "recordingctl: password was to be read from standard input, but no line came\n");
+}
+
+void TestRecordingctl::withoutAHomeThereIsNoDataFolder()
+{
+    const QTemporaryDir folder;
+    for (const char *dataHome : {"", "data"}) {
+        QProcess process;
+        QProcessEnvironment environment = quietEnvironment();
+        environment.remove("HOME");
+        environment.insert("XDG_DATA_HOME", dataHome);
+        process.setProcessEnvironment(environment);
+        process.setWorkingDirectory(folder.path());
+        process.start(RECORDINGCTL, {"volumes"});
+        const Run volumes = finished(process);
+        QCOMPARE(volumes.exitCode, 2);
+        QCOMPARE(volumes.output, QString());
+        QCOMPARE(volumes.errors,
+                 "recordingctl: there is no folder for the station's data: HOME is not set; name one "
+                 "with --data\n");
+        process.start(RECORDINGCTL, {"volumes", "--data", folder.filePath("station")});
+        QCOMPARE(finished(process).exitCode, 0);
+    }
+    QVERIFY(!QFileInfo::exists(folder.filePath("data")));
 }
 
 void TestRecordingctl::watchShowsEvents_data()

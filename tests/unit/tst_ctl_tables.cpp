@@ -91,7 +91,8 @@ void TestCtlTables::controlCharactersStayOnTheLine()
 {
     TextTable table({"Name"});
     table.addRow({QStringLiteral("a\nb\tc\x1b[31m")});
-    QCOMPARE(table.toString(), "Name\na\\nb\\tc\\x1b[31m\n");
+    table.addRow({QStringLiteral("gate\u202etxt\u2066.\u200f\u2028b\u0085")});
+    QCOMPARE(table.toString(), "Name\na\\nb\\tc\\x1b[31m\ngate\\u202etxt\\u2066.\\u200f\\u2028b\\x85\n");
 }
 
 void TestCtlTables::valuesAsTextAndJson_data()

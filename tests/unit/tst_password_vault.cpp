@@ -10,6 +10,7 @@
 #include <memory>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 const QString password = QStringLiteral("Gehéim 密码 with blanks");
@@ -54,6 +55,11 @@ private slots:
     void aLinkIsNoKeyFile();
     void aFolderThatTakesNoFileIsNamed();
     void tokensStandForOneServer();
+    void anothersKeyIsRefused();
+    void theSystemsKey_data();
+    void theSystemsKey();
+    void theSystemsKeyIsNeverMade();
+    void whereTheKeyLies();
 
 private:
     QString file() const { return m_folder->filePath(QStringLiteral("nas.key")); }
@@ -203,6 +209,66 @@ void PasswordVaultTest::tokensStandForOneServer()
     QVERIFY(!vault->isToken(password, id));
     QVERIFY(QFile::remove(file()));
     QVERIFY(!created()->isToken(token, id));
+}
+
+void PasswordVaultTest::anothersKeyIsRefused()
+{
+    if (geteuid() != 0)
+        QSKIP("only root gives files away");
+    created();
+    QCOMPARE(chown(QFile::encodeName(file()).constData(), 1, 1), 0);
+    const QString error = errorOf([this] { created(); });
+    QVERIFY2(error.contains(file()) && error.contains(QStringLiteral("belongs to the user 1, expected 0")),
+             qPrintable(error));
+}
+
+void PasswordVaultTest::theSystemsKey_data()
+{
+    QTest::addColumn<int>("mode");
+    QTest::addColumn<QString>("word"); // empty: it is taken
+    QTest::newRow("0400") << 0400 << QString();
+    QTest::newRow("0440") << 0440 << QString();
+    QTest::newRow("0600") << 0600 << QString();
+    QTest::newRow("readable for all") << 0444 << QStringLiteral("0444, expected 0440 or 0400");
+    QTest::newRow("writable for the group") << 0660 << QStringLiteral("0660");
+}
+
+void PasswordVaultTest::theSystemsKey()
+{
+    QFETCH(int, mode);
+    QFETCH(QString, word);
+    created();
+    QCOMPARE(chmod(QFile::encodeName(file()).constData(), static_cast<mode_t>(mode)), 0);
+    const KeyFile key{file(), KeyFile::Keeper::System};
+    const QString error = errorOf([&] { PasswordVault(key, PasswordVault::WhenMissing::Create); });
+    QVERIFY2(word.isEmpty() ? error.isEmpty() : error.contains(word), qPrintable(error));
+}
+
+void PasswordVaultTest::theSystemsKeyIsNeverMade()
+{
+    const KeyFile key{file(), KeyFile::Keeper::System};
+    const QString error = errorOf([&] { PasswordVault(key, PasswordVault::WhenMissing::Create); });
+    QVERIFY2(error.contains(QStringLiteral("lost")), qPrintable(error));
+    QVERIFY(!QFileInfo::exists(file()));
+}
+
+void PasswordVaultTest::whereTheKeyLies()
+{
+    const auto textOf = [](const KeyFile &key) {
+        return key.path + (key.keeper == KeyFile::Keeper::System ? QStringLiteral(" (system)") : QString());
+    };
+    const QString data = QStringLiteral("/srv/data");
+    qunsetenv("CREDENTIALS_DIRECTORY");
+    QCOMPARE(textOf(KeyFile::of({}, data)), QStringLiteral("/srv/data/nas.key"));
+    QCOMPARE(textOf(KeyFile::of(QStringLiteral("/etc/rec.key"), data)), QStringLiteral("/etc/rec.key"));
+    qputenv("CREDENTIALS_DIRECTORY", QFile::encodeName(m_folder->path()));
+    QCOMPARE(textOf(KeyFile::of({}, data)), QStringLiteral("/srv/data/nas.key")); // none was handed over
+    const QString credential = m_folder->filePath(QStringLiteral("recording-station.key"));
+    QFile made(credential);
+    QVERIFY(made.open(QIODevice::WriteOnly));
+    QCOMPARE(textOf(KeyFile::of({}, data)), credential + QStringLiteral(" (system)"));
+    QCOMPARE(textOf(KeyFile::of(QStringLiteral("/etc/rec.key"), data)), QStringLiteral("/etc/rec.key"));
+    qunsetenv("CREDENTIALS_DIRECTORY");
 }
 
 QTEST_APPLESS_MAIN(PasswordVaultTest)

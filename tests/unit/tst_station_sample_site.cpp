@@ -1,6 +1,7 @@
 #include "FakeVolumes.h"
 #include "Station.h"
 #include "StationProtocol.h"
+#include "files/PrivateFolder.h"
 #include "groups/GroupStore.h"
 #include "samplesite/SamplePlan.h"
 #include "store/Database.h"
@@ -63,6 +64,8 @@ private slots:
     void aSiteIsNotTouched();
     void aFolderInTheWayIsKept();
     void aMarkIsLeft();
+    void plantedLinksAreNotFollowed();
+    void theFilesAreForTheUserAlone();
     void outsideVolumes();
     void otherDataIsRefused();
 
@@ -279,6 +282,51 @@ void SampleSiteTest::aMarkIsLeft()
     const auto owner = station();
     QCOMPARE(create(*owner).returnCode, u"0"_s);
     QVERIFY(QFileInfo::exists(mark));
+}
+
+void SampleSiteTest::plantedLinksAreNotFollowed()
+{
+    const QString target = m_folder->filePath(u"target"_s);
+    QVERIFY(QDir().mkpath(target + u"/kept"_s));
+    QVERIFY(QDir().mkpath(dataFolder()));
+    const QString marked = m_folder->filePath(u"marked"_s);
+    {
+        QFile file(marked);
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write("kept") == 4);
+    }
+    QVERIFY(QFile::link(target, dataFolder() + u"/sample.unfinished"_s));
+    QVERIFY(QFile::link(target, dataFolder() + u"/sample"_s));
+    QVERIFY(QFile::link(m_folder->filePath(u"missing"_s), dataFolder() + u"/sample-2"_s));
+    QVERIFY(QFile::link(target, dataFolder() + u"/sample-3.unfinished"_s));
+    QVERIFY(QFile::link(marked, dataFolder() + u"/sample-site-offered"_s));
+    const auto owner = station();
+    QCOMPARE(create(*owner).returnCode, u"0"_s);
+    QCOMPARE(QDir(target).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), QStringList{u"kept"_s});
+    QCOMPARE(QFileInfo(marked).size(), 4);
+    QVERIFY(!isNameTaken(m_folder->filePath(u"missing"_s)));
+    QVERIFY(QFileInfo(dataFolder() + u"/sample-3"_s).isDir());
+}
+
+void SampleSiteTest::theFilesAreForTheUserAlone()
+{
+    const mode_t mask = umask(0);
+    const auto owner = station();
+    const QString returnCode = create(*owner).returnCode;
+    umask(mask);
+    QCOMPARE(returnCode, u"0"_s);
+    int entries = 0;
+    QDirIterator all(dataFolder() + u"/sample"_s, QDir::AllEntries | QDir::NoDotAndDotDot,
+                     QDirIterator::Subdirectories);
+    while (all.hasNext()) {
+        struct stat facts = {};
+        QCOMPARE(lstat(QFile::encodeName(all.next()).constData(), &facts), 0);
+        QCOMPARE(facts.st_mode & 07777, S_ISDIR(facts.st_mode) ? 0700U : 0600U);
+        ++entries;
+    }
+    QVERIFY(entries > 100);
+    struct stat mark = {};
+    QCOMPARE(stat(QFile::encodeName(dataFolder() + u"/sample-site-offered"_s).constData(), &mark), 0);
+    QCOMPARE(mark.st_mode & 07777, 0600U);
 }
 
 void SampleSiteTest::outsideVolumes()

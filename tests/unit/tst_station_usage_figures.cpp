@@ -3,6 +3,8 @@
 #include <QRegularExpression>
 #include <QTest>
 
+#include <limits>
+
 using namespace Qt::StringLiterals;
 
 Q_DECLARE_METATYPE(UsagePlace)
@@ -232,6 +234,8 @@ void UsageFiguresTest::partsAddUp_data()
     QTest::newRow("the last weighs nothing") << qint64(10) << Numbers{1, 2, 0} << Numbers{3, 7, 0};
     QTest::newRow("large") << (qint64(1) << 60) << Numbers{qint64(1) << 50, qint64(3) << 50}
                            << Numbers{qint64(1) << 58, qint64(3) << 58};
+    constexpr qint64 most = std::numeric_limits<qint64>::max();
+    QTest::newRow("more than there are numbers") << qint64(10) << Numbers{most, most} << Numbers{10, 0};
     QTest::newRow("nothing to share") << qint64(0) << Numbers{3, 4} << Numbers{0, 0};
 }
 
