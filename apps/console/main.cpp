@@ -2,6 +2,7 @@
 #include "ConsoleOptions.h"
 #include "ConsoleSession.h"
 #include "ConsoleTypes.h"
+#include "CoreDumps.h"
 #include "Display.h"
 #include "FollowClient.h"
 #include "Screenshot.h"
@@ -97,6 +98,7 @@ int run(const ConsoleOptions &options)
 
 int main(int argc, char **argv)
 {
+    forbidCoreDumps();
     QCoreApplication::setApplicationName(QStringLiteral("recording-console"));
     QCoreApplication::setApplicationVersion(QStringLiteral(RECORDING_VERSION));
     const ConsoleOptions options = ConsoleOptions::parse(argumentList(argc, argv));

@@ -1,67 +1,110 @@
 #include "PasswordArgument.h"
 
+#include "PasswordPrompt.h"
+
 #include <QFile>
 
-#include <cstdio>
-#include <iostream>
-#include <string>
+#include <cerrno>
+#include <cstring>
+#include <optional>
 
-#include <termios.h>
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
 
-/// Keeps what is typed on the terminal from being shown, until it ends.
-class HiddenInput
+constexpr qsizetype longestLine = 4096; // bytes
+
+/// Wiped at its end.
+class Line
 {
 public:
-    HiddenInput()
+    Line() { m_bytes.reserve(longestLine + 1); } // a buffer that grows leaves copies behind
+    explicit Line(const QByteArray &bytes)
+        : Line()
     {
-        tcgetattr(STDIN_FILENO, &m_before);
-        termios hidden = m_before;
-        // An interrupt would leave the terminal without echo: it arrives as a character instead.
-        hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO | ISIG);
-        tcsetattr(STDIN_FILENO, TCSAFLUSH, &hidden);
+        m_bytes.append(bytes);
     }
-    ~HiddenInput() { tcsetattr(STDIN_FILENO, TCSAFLUSH, &m_before); }
-    HiddenInput(const HiddenInput &) = delete;
-    HiddenInput &operator=(const HiddenInput &) = delete;
+    ~Line() { explicit_bzero(m_bytes.data(), static_cast<std::size_t>(m_bytes.size())); }
+    Line(const Line &) = delete;
+    Line &operator=(const Line &) = delete;
+
+    /// Reads to the end of the line; false when it is too long, or nothing came.
+    bool readFrom(int file)
+    {
+        char byte = 0;
+        while (true) {
+            const ssize_t count = read(file, &byte, 1);
+            if (count < 0 && errno == EINTR)
+                continue;
+            if (count <= 0)
+                return count == 0 && !m_bytes.isEmpty();
+            if (byte == '\n')
+                return true;
+            if (m_bytes.size() == longestLine) {
+                m_isTooLong = true;
+                return false;
+            }
+            m_bytes.append(byte);
+        }
+    }
+    bool isTooLong() const { return m_isTooLong; }
+
+    QString text() const
+    {
+        qsizetype size = m_bytes.size();
+        while (size > 0 && (m_bytes.at(size - 1) == '\n' || m_bytes.at(size - 1) == '\r'))
+            --size;
+        return QString::fromLocal8Bit(QByteArrayView(m_bytes).first(size));
+    }
 
 private:
-    termios m_before{};
+    QByteArray m_bytes;
+    bool m_isTooLong = false;
 };
 
-QString firstLine(QByteArray line)
+ConvertedArgument tooLong(const QString &parameter)
 {
-    while (line.endsWith('\n') || line.endsWith('\r'))
-        line.chop(1);
-    return QString::fromLocal8Bit(line);
+    return {{}, QStringLiteral("%1 is longer than %2 bytes; one line was expected").arg(parameter).arg(longestLine)};
 }
 
 ConvertedArgument fromStandardInput(const QString &parameter)
 {
-    constexpr char interrupt = '\x03';
-    std::string line;
-    if (isatty(STDIN_FILENO)) {
-        std::cerr << "Password: " << std::flush;
-        const HiddenInput hidden;
-        std::getline(std::cin, line);
-        std::cerr << std::endl;
-    } else {
-        std::getline(std::cin, line);
+    const ConvertedArgument nothing{
+        {}, QStringLiteral("%1 was to be read from standard input, but no line came").arg(parameter)};
+    if (isatty(STDIN_FILENO) != 0) {
+        std::optional<QByteArray> typed = askHidden("Password: ", longestLine);
+        if (!typed)
+            return nothing;
+        const Line line(*typed);
+        explicit_bzero(typed->data(), static_cast<std::size_t>(typed->size()));
+        return {line.text(), {}};
     }
-    if (!std::cin || line.find(interrupt) != std::string::npos)
-        return {{}, QStringLiteral("%1 was to be read from standard input, but no line came").arg(parameter)};
-    return {firstLine(QByteArray::fromStdString(line)), {}};
+    Line line;
+    if (line.readFrom(STDIN_FILENO))
+        return {line.text(), {}};
+    return line.isTooLong() ? tooLong(parameter) : nothing;
 }
 
 ConvertedArgument fromFile(const QString &name, const QString &parameter)
 {
+    const auto refused = [&](const QString &reason) -> ConvertedArgument {
+        return {{}, QStringLiteral("%1 was to be read from the file \"%2\": %3").arg(parameter, name, reason)};
+    };
     QFile file(name);
-    if (!file.open(QIODevice::ReadOnly))
-        return {{},
-                QStringLiteral("%1 was to be read from the file \"%2\": %3").arg(parameter, name, file.errorString())};
-    return {firstLine(file.readLine()), {}};
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return refused(file.errorString());
+    struct stat facts = {};
+    if (fstat(file.handle(), &facts) != 0 || !(S_ISREG(facts.st_mode) || S_ISFIFO(facts.st_mode)))
+        return refused(QStringLiteral("it is neither a plain file nor a pipe"));
+    Line line;
+    errno = 0;
+    if (line.readFrom(file.handle()))
+        return {line.text(), {}};
+    if (line.isTooLong())
+        return tooLong(parameter);
+    return errno == 0 ? ConvertedArgument{QString(), {}} : refused(qt_error_string(errno));
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "Tool.h"
 
 #include "Commands.h"
+#include "CoreDumps.h"
 #include "Output.h"
 #include "StationLog.h"
 #include "StationSettings.h"
@@ -60,6 +61,7 @@ ExitCode runSession(const ClientSession::Options &options, const CommandLine &li
 
 int runTool(int argc, char **argv, ClientSession::Options options)
 {
+    forbidCoreDumps();
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("recordingctl"));
     QCoreApplication::setApplicationVersion(QStringLiteral(RECORDING_VERSION));

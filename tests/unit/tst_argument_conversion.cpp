@@ -28,6 +28,7 @@ private slots:
     void convertsTheArgumentsOfAMethod();
     void namesTheFirstWrongArgument();
     void passwordComesFromAFile();
+    void aPasswordInAFileIsBounded();
     void emptyPasswordMayBeTyped();
     void refusesPasswords_data();
     void refusesPasswords();
@@ -177,6 +178,22 @@ void TestArgumentConversion::passwordComesFromAFile()
     QCOMPARE(values.value(1), "s3 cret");
 }
 
+void TestArgumentConversion::aPasswordInAFileIsBounded()
+{
+    QTemporaryFile file;
+    QVERIFY(file.open());
+    file.write(QByteArray(4096, 'x'));
+    QVERIFY(file.flush());
+    QString error;
+    const QStringList arguments{"anna", '@' + file.fileName(), "0"};
+    QCOMPARE(convertArguments(arguments, logOnMethod(), &error).value(1).toString().size(), 4096);
+
+    file.write("x");
+    QVERIFY(file.flush());
+    QVERIFY(convertArguments(arguments, logOnMethod(), &error).isEmpty());
+    QCOMPARE(error, "password is longer than 4096 bytes; one line was expected");
+}
+
 void TestArgumentConversion::emptyPasswordMayBeTyped()
 {
     QString error;
@@ -193,6 +210,9 @@ void TestArgumentConversion::refusesPasswords_data()
     QTest::newRow("file that is not there")
         << "@/no/such/file"
         << "password was to be read from the file \"/no/such/file\": No such file or directory";
+    QTest::newRow("a device")
+        << "@/dev/zero"
+        << "password was to be read from the file \"/dev/zero\": it is neither a plain file nor a pipe";
 }
 
 void TestArgumentConversion::refusesPasswords()
