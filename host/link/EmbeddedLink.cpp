@@ -6,12 +6,23 @@
 
 #include <QThread>
 
-#include <atomic>
 #include <mutex>
 #include <utility>
+#include <vector>
 
 namespace {
-std::atomic<bool> isStationLeftBehind = false;
+/// The stations whose threads may still use them, for good.
+struct LeftBehind
+{
+    std::mutex mutex;
+    std::vector<std::shared_ptr<void>> stations;
+};
+
+LeftBehind &leftBehind()
+{
+    static auto *const list = new LeftBehind; // the threads may outlive everything static
+    return *list;
+}
 } // namespace
 
 /// What the station's thread uses; outlives the link where that thread hangs.
@@ -33,9 +44,9 @@ struct EmbeddedLink::StationSide
 EmbeddedLink::EmbeddedLink(MakeStation makeStation, QString relayPath, QObject *parent)
     : StationLink(parent)
     , m_relayPath(std::move(relayPath))
-    , m_stationSide(new StationSide)
+    , m_stationSide(std::make_shared<StationSide>())
 {
-    StationSide *const side = m_stationSide;
+    StationSide *const side = m_stationSide.get();
     side->makeStation = std::move(makeStation);
     side->link = this;
     side->thread.setObjectName(QStringLiteral("station"));
@@ -55,14 +66,15 @@ EmbeddedLink::~EmbeddedLink()
     m_stationSide->thread.quit();
     constexpr unsigned long patience = 1000; // milliseconds
     if (m_stationSide->thread.wait(patience))
-        delete m_stationSide;
-    else
-        isStationLeftBehind = true;
+        return;
+    const std::lock_guard lock(leftBehind().mutex);
+    leftBehind().stations.push_back(m_stationSide);
 }
 
 bool EmbeddedLink::isAnythingLeftBehind()
 {
-    return isStationLeftBehind || DiskThreads::busyThreads() > 0;
+    const std::lock_guard lock(leftBehind().mutex);
+    return !leftBehind().stations.empty() || DiskThreads::busyThreads() > 0;
 }
 
 void EmbeddedLink::start()
@@ -83,7 +95,7 @@ void EmbeddedLink::send(quint64 correlation, const QString &relayPath, const Sta
     if (relayPath.isEmpty() || relayPath == m_relayPath) {
         QMetaObject::invokeMethod(
             &m_stationSide->object,
-            [side = m_stationSide, correlation, command] { side->carryOut(correlation, command); },
+            [side = m_stationSide.get(), correlation, command] { side->carryOut(correlation, command); },
             Qt::QueuedConnection);
         return;
     }

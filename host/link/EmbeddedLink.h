@@ -41,6 +41,6 @@ private:
     struct StationSide;
 
     QString m_relayPath;
-    StationSide *m_stationSide; // owned; given away when it is left behind
+    std::shared_ptr<StationSide> m_stationSide; // kept for good when it is left behind
     bool m_up = false;
 };

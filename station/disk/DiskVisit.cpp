@@ -37,6 +37,8 @@ bool DiskVisit::enter(const QString &path)
     const Clock::time_point now = Clock::now();
     const std::lock_guard lock(m_guests->mutex);
     leave();
+    if (m_progress->state == Progress::GivenUp)
+        return false;
     std::set<const Progress *> &there = m_guests->byMount[mount];
     const auto hangs = [this, now](const Progress *other) { return now - other->lastSign.load() > m_guests->limit; };
     if (there.size() >= mostAtOnce || std::any_of(there.cbegin(), there.cend(), hangs))

@@ -45,7 +45,7 @@ public:
     DiskVisit &operator=(const DiskVisit &) = delete;
 
     /// To be called before @p path is touched. False: that disk does not answer to others, or enough of them wait for
-    /// it already, and it must be left alone.
+    /// it already, or nobody waits for this work any more. It must be left alone then.
     /// @param path absolute, symbolic links resolved
     bool enter(const QString &path);
     /// To be called now and then in long work on one disk. False: nobody waits for it any more.
