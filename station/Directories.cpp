@@ -100,9 +100,9 @@ std::error_code systemError(int error)
 bool isFolder(const fs::directory_entry &entry, DiskVisit &visit)
 {
     std::error_code unknown; // the entry went away
-    const fs::file_type type = entry.symlink_status(unknown).type();
-    if (type != fs::file_type::symlink)
-        return type == fs::file_type::directory;
+    // What the listing itself told of the type is enough: a disk that is mounted there may not answer.
+    if (!entry.is_symlink(unknown))
+        return entry.is_directory(unknown);
     const DiskPath target = resolved(entry.path(), visit);
     return target.error == ETIMEDOUT || (target.error == 0 && target.isFolder);
 }

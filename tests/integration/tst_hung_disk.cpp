@@ -26,6 +26,7 @@ private slots:
     void volumesAreListedBesideOneThatHangs();
     void aFolderThatHangsIsRefused_data();
     void aFolderThatHangsIsRefused();
+    void aFolderThatHangsIsListedInItsParent();
     void aPathThatHangsIsRefused();
     void aFolderThatFailsIsRefused_data();
     void aFolderThatFailsIsRefused();
@@ -97,6 +98,16 @@ void HungDiskTest::aFolderThatHangsIsRefused()
     QVERIFY(!befallenCalls(log()).isEmpty());
     QCOMPARE(call.exitCode, 1);
     QVERIFY2(call.errors.contains(QStringLiteral("VolumeNotAnswering")), qPrintable(call.errors));
+}
+
+void HungDiskTest::aFolderThatHangsIsListedInItsParent()
+{
+    QVERIFY(QDir().mkpath(path("disk/other")));
+    const Run call = runWith({QStringLiteral("hang=") + path("disk/folder")},
+                             {QStringLiteral("call"), QStringLiteral("getServerDir"), path("disk")});
+    QCOMPARE(call.exitCode, 0);
+    QVERIFY2(call.output.contains(QStringLiteral("folder")) && call.output.contains(QStringLiteral("other")),
+             qPrintable(call.output));
 }
 
 void HungDiskTest::aPathThatHangsIsRefused()
