@@ -117,6 +117,7 @@ void FaultyDiskTest::callsHang()
     QProcess process;
     process.setProcessEnvironment(environment(QStringLiteral("hang"), "a"));
     process.start(QStringLiteral("/bin/cat"), {path("a/b")});
+    QVERIFY(process.waitForStarted());
     QTRY_VERIFY(!befallenCalls(path("log")).isEmpty());
     QCOMPARE(process.state(), QProcess::Running);
     process.kill();

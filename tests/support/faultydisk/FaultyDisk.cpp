@@ -159,4 +159,12 @@ REPLACE(int, unlink, (const char *p), (p), "unlink", HERE(p), CHANGE, -1)
 REPLACE(int, unlinkat, (int d, const char *p, int o), (d, p, o), "unlink", pathAt(d, p), CHANGE, -1)
 REPLACE(int, rmdir, (const char *p), (p), "unlink", HERE(p), CHANGE, -1)
 REPLACE(int, remove, (const char *p), (p), "unlink", HERE(p), CHANGE, -1)
+// As programs call them that are built to check sizes.
+REPLACE(int, __open_2, (const char *p, int o), (p, o), "open", HERE(p), kindOfOpen(o), -1)
+REPLACE(int, __open64_2, (const char *p, int o), (p, o), "open", HERE(p), kindOfOpen(o), -1)
+REPLACE(int, __openat_2, (int d, const char *p, int o), (d, p, o), "open", pathAt(d, p), kindOfOpen(o), -1)
+REPLACE(int, __openat64_2, (int d, const char *p, int o), (d, p, o), "open", pathAt(d, p), kindOfOpen(o), -1)
+REPLACE(char *, __realpath_chk, (const char *p, char *r, size_t s), (p, r, s), "realpath", HERE(p), LOOK, nullptr)
+REPLACE(ssize_t, __readlink_chk, (const char *p, char *b, size_t n, size_t s), (p, b, n, s), "readlink", HERE(p), LOOK, -1)
+REPLACE(ssize_t, __read_chk, (int f, void *b, size_t n, size_t s), (f, b, n, s), "read", pathOf(f), LOOK, -1)
 // clang-format on
