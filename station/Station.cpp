@@ -30,8 +30,10 @@ Station::Station(StationSettings settings, QObject *parent)
     , m_hostPaths(PathKind::NetHost, m_nasAccounts, m_nasWork)
     , m_domainPaths(PathKind::NetDomain, m_nasAccounts, m_nasWork)
     , m_usage(*m_volumes, m_data, m_nasAccounts, m_nasWork, settings.usage)
-    , m_groupCommands(m_data, PathChecks{&m_localPaths, &m_hostPaths, &m_domainPaths}, settings.relayPath,
-                      [this] { m_usage.groupsChanged(); })
+    , m_groupCommands(
+          m_data, PathChecks{&m_localPaths, &m_hostPaths, &m_domainPaths}, settings.relayPath,
+          {[this] { m_usage.groupsChanged(); },
+           [this](const QString &path, const QString &folder) { return m_usage.countedBytes(path, folder); }})
     , m_cameraCommands(m_data)
     , m_nasRegistry(m_nasAccounts, m_nasWork, settings.relayPath)
     , m_nasShares(m_nasAccounts, m_nasWork, settings.relayPath)
@@ -50,6 +52,7 @@ Station::Station(StationSettings settings, QObject *parent)
         m_data.look();
         return m_data.troubles();
     });
+    m_alarms.addSource([this] { return m_volumes->troubles(); });
     m_alarms.addSource([this] { return m_usage.troubles(); });
     connect(&m_usage, &StorageUsage::troublesChanged, &m_alarms, &StationAlarms::update);
     connect(&m_usage, &StorageUsage::eventRaised, this, &Station::eventRaised);

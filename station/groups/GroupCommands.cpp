@@ -14,6 +14,9 @@
 #include <utility>
 
 namespace {
+/// A number of the connection that changes when others commit something.
+const QString dataVersion = QStringLiteral("PRAGMA data_version");
+
 EditError unknownGroup(const QString &id)
 {
     return {StationKey::recordingGroupID, -1, id, StationReturnCode::RecordingGroupNotFound, {}};
@@ -27,12 +30,11 @@ std::optional<RecordingGroup> groupWith(const QString &id, const QList<Recording
 }
 } // namespace
 
-GroupCommands::GroupCommands(StationData &data, const PathChecks &paths, const QString &relayPath,
-                             Changed groupsChanged)
+GroupCommands::GroupCommands(StationData &data, const PathChecks &paths, const QString &relayPath, Hooks hooks)
     : m_data(data)
     , m_paths(paths)
     , m_relayPath(relayPath)
-    , m_groupsChanged(std::move(groupsChanged))
+    , m_hooks(std::move(hooks))
 {
 }
 
@@ -183,40 +185,65 @@ void GroupCommands::removeRecordingGroup(const QVariant &data, const Answer &ans
 
 GroupCommands::Outcome GroupCommands::add(const Steps &steps)
 {
-    Database &database = m_data.database();
-    Transaction transaction(database);
-    GroupStore store(database);
-    const GroupSite site{store.groups(), store.cameras(), m_paths};
     RecordingGroup group;
     group.id = QUuid::createUuid().toString();
-    GroupEdit edit(group, site);
-    steps(edit);
-    Outcome outcome{group, edit.group(), edit.finish()};
-    if (!outcome.errors.isEmpty())
-        return outcome;
-    outcome.after.folder = newGroupFolder(outcome.after.name, site.groups);
-    store.insert(outcome.after);
-    transaction.commit();
-    return outcome;
+    return edit([&group](const GroupSite &) { return std::optional(group); }, steps,
+                [](GroupStore &store, const GroupSite &site, Outcome &outcome) {
+                    outcome.after.folder = newGroupFolder(outcome.after.name, site.groups);
+                    store.insert(outcome.after);
+                });
 }
 
 GroupCommands::Outcome GroupCommands::change(const QString &id, const Steps &steps)
 {
-    Database &database = m_data.database();
-    Transaction transaction(database);
-    GroupStore store(database);
-    const GroupSite site{store.groups(), store.cameras(), m_paths};
-    const std::optional<RecordingGroup> group = groupWith(id, site.groups);
-    if (!group)
-        return {{}, {}, {unknownGroup(id)}};
-    GroupEdit edit(*group, site);
-    steps(edit);
-    Outcome outcome{*group, edit.group(), edit.finish()};
-    if (!outcome.errors.isEmpty())
+    const Outcome outcome =
+        edit([&id](const GroupSite &site) { return groupWith(id, site.groups); }, steps,
+             [](GroupStore &store, const GroupSite &, Outcome &done) { store.replace(done.after); });
+    return outcome.isFound ? outcome : Outcome{{}, {}, {unknownGroup(id)}};
+}
+
+/// An edit may wait for disks and NAS servers, and nobody else shall wait for the database meanwhile: it is judged
+/// first, and again where somebody else has changed what it was judged against before it could be written.
+GroupCommands::Outcome GroupCommands::edit(const Find &find, const Steps &steps, const Write &write)
+{
+    constexpr int mostAttempts = 20;
+    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+        const Judged before = judged();
+        const std::optional<RecordingGroup> group = find(before.site);
+        if (!group)
+            return {{}, {}, {}, false};
+        GroupEdit edit(*group, before.site);
+        steps(edit);
+        Outcome outcome{*group, edit.group(), edit.finish()};
+        if (!outcome.errors.isEmpty())
+            return outcome;
+        Database &database = m_data.database();
+        Transaction transaction(database);
+        if (!isAsJudged(before))
+            continue;
+        GroupStore store(database);
+        write(store, before.site, outcome);
+        transaction.commit();
         return outcome;
-    store.replace(outcome.after);
-    transaction.commit();
-    return outcome;
+    }
+    throw DatabaseError(DatabaseTrouble::Busy, QStringLiteral("others change the recording groups all the time"));
+}
+
+GroupCommands::Judged GroupCommands::judged() const
+{
+    Database &database = m_data.database();
+    const Snapshot snapshot(database);
+    const GroupStore store(database);
+    return {database.value(dataVersion).toLongLong(), {store.groups(), store.cameras(), m_paths}};
+}
+
+bool GroupCommands::isAsJudged(const Judged &before) const
+{
+    Database &database = m_data.database();
+    if (database.value(dataVersion).toLongLong() == before.version)
+        return true; // nobody wrote anything
+    const GroupStore store(database);
+    return store.groups() == before.site.groups && store.cameras() == before.site.cameras;
 }
 
 GroupCommands::Outcome GroupCommands::remove(const QString &id)
@@ -235,14 +262,17 @@ GroupCommands::Outcome GroupCommands::remove(const QString &id)
 qint64 GroupCommands::keptBytes(const RecordingGroup &group, const QList<GroupPath> &paths) const
 {
     qint64 bytes = 0;
-    for (const GroupPath &path : paths)
-        bytes += m_paths.bytesBelow(path.kind, path.path + u'/' + group.folder);
+    for (const GroupPath &path : paths) {
+        const std::optional<qint64> counted =
+            m_hooks.countedBytes ? m_hooks.countedBytes(path.path, group.folder) : std::nullopt;
+        bytes += counted ? *counted : m_paths.bytesBelow(path.kind, path.path + u'/' + group.folder);
+    }
     return bytes;
 }
 
 void GroupCommands::answerEdit(const Outcome &outcome, const Answer &answer, const StationReply &part)
 {
     answer(part);
-    if (outcome.errors.isEmpty() && m_groupsChanged)
-        m_groupsChanged();
+    if (outcome.errors.isEmpty() && m_hooks.groupsChanged)
+        m_hooks.groupsChanged();
 }

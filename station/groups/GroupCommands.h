@@ -3,21 +3,27 @@
 #include "CommandTable.h"
 #include "GroupEdit.h"
 
+class GroupStore;
 class StationData;
 
 /// The commands about recording groups: those that tell them and those that edit them.
 ///
-/// Every edit reads, judges and writes in one transaction, so that no other process comes between. An edit that is
+/// Every edit takes effect as it was judged, or is judged again: no other process comes between. An edit that is
 /// refused changes nothing. Recorded files are never deleted.
 class GroupCommands
 {
 public:
-    /// What is to be done after an edit took effect and was answered; may come many times in a row.
-    using Changed = std::function<void()>;
+    struct Hooks
+    {
+        /// What is to be done after an edit took effect and was answered; may come many times in a row.
+        std::function<void()> groupsChanged = {};
+        /// The bytes of the recordings in the folder of a path, where they are counted and the count is up to date.
+        std::function<std::optional<qint64>(const QString &path, const QString &folder)> countedBytes = {};
+    };
 
     /// @param data must outlive this object, and so must those in @p paths
     /// @param relayPath the station's own
-    GroupCommands(StationData &data, const PathChecks &paths, const QString &relayPath, Changed groupsChanged = {});
+    GroupCommands(StationData &data, const PathChecks &paths, const QString &relayPath, Hooks hooks);
 
     /// The entries refer to this object.
     void enterInto(CommandTable &table);
@@ -29,10 +35,19 @@ private:
         RecordingGroup before; ///< worthless for a new group
         RecordingGroup after;
         QList<EditError> errors;
+        bool isFound = true; ///< there is such a group
 
         QString returnCode() const;
     };
     using Steps = std::function<void(GroupEdit &)>;
+    using Find = std::function<std::optional<RecordingGroup>(const GroupSite &)>;
+    using Write = std::function<void(GroupStore &, const GroupSite &, Outcome &)>;
+    /// What an edit is judged against, as of one moment.
+    struct Judged
+    {
+        qint64 version = 0; ///< of the data as this connection sees it
+        GroupSite site;
+    };
 
     void getRecordingGroup(const QVariant &data, const Answer &answer);
     void retrieveRecordingGroupTreeModel(const QVariant &data, const Answer &answer);
@@ -46,11 +61,14 @@ private:
     Outcome add(const Steps &steps);
     Outcome change(const QString &id, const Steps &steps);
     Outcome remove(const QString &id);
+    Outcome edit(const Find &find, const Steps &steps, const Write &write);
+    Judged judged() const;
+    bool isAsJudged(const Judged &before) const;
     qint64 keptBytes(const RecordingGroup &group, const QList<GroupPath> &paths) const;
     void answerEdit(const Outcome &outcome, const Answer &answer, const StationReply &part);
 
     StationData &m_data;
     PathChecks m_paths;
     QString m_relayPath;
-    Changed m_groupsChanged;
+    Hooks m_hooks;
 };

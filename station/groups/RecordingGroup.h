@@ -14,6 +14,8 @@ struct GroupPath
     PathKind kind = PathKind::Local;
     qint64 reservedMegabytes = 0;
     bool isRecovery = false; ///< takes recordings that are fetched later from cameras that were cut off
+
+    friend bool operator==(const GroupPath &, const GroupPath &) = default;
 };
 
 /// A stream of a camera that a recording group records.
@@ -23,6 +25,8 @@ struct GroupMember
     int stream = 0; ///< from 0
     bool timeShift = false;
     bool seamless = false;
+
+    friend bool operator==(const GroupMember &, const GroupMember &) = default;
 };
 
 /// A set of cameras that are recorded onto a set of paths.
@@ -36,6 +40,8 @@ struct RecordingGroup
     QStringList nodeIds; ///< likewise
     int reservedMinutes = 0;
     bool isReservedTimeEnabled = false; ///< else reservedMinutes is only remembered
+
+    friend bool operator==(const RecordingGroup &, const RecordingGroup &) = default;
 };
 
 /// A camera that the station knows.
@@ -43,4 +49,6 @@ struct Camera
 {
     QString name;
     int streams = 1;
+
+    friend bool operator==(const Camera &, const Camera &) = default;
 };

@@ -1,6 +1,7 @@
 #include "DatabaseFile.h"
 
 #include "StationLog.h"
+#include "files/PrivateFolder.h"
 #include "groups/WriteTrial.h"
 
 #include <QDateTime>
@@ -21,7 +22,6 @@
 #include <unistd.h>
 
 namespace {
-constexpr mode_t folderMode = 0700;
 constexpr mode_t fileMode = 0600;
 constexpr qsizetype headerSize = 100; // of SQLite's files
 constexpr auto magic = "SQLite format 3"; // their first bytes
@@ -104,12 +104,8 @@ void DatabaseFile::makeFolder() const
         return;
     if (info.exists())
         throw failed(DatabaseTrouble::Failed, QStringLiteral("The data folder %1 is no folder").arg(m_folder));
-    const QByteArray path = QFile::encodeName(QDir::cleanPath(info.absoluteFilePath()));
-    if (!QDir().mkpath(info.absolutePath()) && !QFileInfo(info.absolutePath()).isDir())
+    if (!PrivateFolder::make(QDir::cleanPath(info.absoluteFilePath())))
         throw systemFailure(failure, errno);
-    if (mkdir(path.constData(), folderMode) != 0 && errno != EEXIST)
-        throw systemFailure(failure, errno);
-    chmod(path.constData(), folderMode); // whatever the umask took away
 }
 
 bool DatabaseFile::isThere() const

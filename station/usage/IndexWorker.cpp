@@ -65,6 +65,7 @@ void IndexWorker::open()
 
 void IndexWorker::setPlaces(const QList<IndexedPlace> &places)
 {
+    ++m_timesPlaced;
     const QHash<qint64, IndexedPlace> before = std::exchange(m_places, {});
     QSet<QString> paths;
     for (const IndexedPlace &place : places) {
@@ -230,6 +231,7 @@ void IndexWorker::finishRun()
     m_run.invalidate();
     if (m_isProgressTold)
         tellProgress(false);
+    emit finished(m_timesPlaced);
     if (m_ticket)
         emit reconciled(*std::exchange(m_ticket, {}));
 }

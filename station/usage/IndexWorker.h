@@ -49,6 +49,8 @@ signals:
     void failed(const DatabaseError &error);
     /// It could be read and written, and these folders could not be read; not repeated while nothing changes.
     void worked(const QStringList &unreadable);
+    /// Nothing more is to be read; @p places counts the calls of setPlaces() until then.
+    void finished(quint64 places);
     /// A place is not on its file system any more.
     void placeLeft();
 
@@ -81,6 +83,7 @@ private:
     FolderWatch m_watch;
 
     QHash<qint64, IndexedPlace> m_places;
+    quint64 m_timesPlaced = 0;
     std::deque<Task> m_tasks;
     std::optional<quint64> m_ticket;
     QSet<QString> m_changed; // folders and files

@@ -2,11 +2,16 @@
 
 #include "FolderReader.h"
 #include "StationData.h"
+#include "disk/DiskPath.h"
 #include "store/Database.h"
 
-#include <QFileInfo>
+#include <QFile>
+
+#include <cerrno>
 
 namespace {
+constexpr std::chrono::seconds patience(1); // with a disk that says nothing
+
 /// An empty text is bound as such: a null QString would be NULL.
 QVariant text(const QString &value)
 {
@@ -17,6 +22,7 @@ QVariant text(const QString &value)
 RecordingPlaces::RecordingPlaces(StationData &data, const VolumeSource &volumes)
     : m_data(data)
     , m_volumes(volumes)
+    , m_disks(patience)
 {
 }
 
@@ -96,36 +102,55 @@ void RecordingPlaces::remember(RecordingPlace &place, const Volume &volume)
 
 QHash<qint64, PlaceState> RecordingPlaces::look()
 {
-    struct Found
-    {
-        std::optional<Volume> volume;
-        quint64 device = 0;
-    };
-    QHash<QString, Found> paths;
+    QHash<QString, Sight> sights;
     QHash<qint64, PlaceState> states;
     for (RecordingPlace &place : m_places) {
-        auto found = paths.constFind(place.path);
-        if (found == paths.cend()) {
-            const QString canonical = QFileInfo(place.path).canonicalFilePath();
-            Found now;
-            if (!canonical.isEmpty())
-                now = {m_volumes.volumeHolding(canonical), identify(canonical).device};
-            found = paths.insert(place.path, now);
-        }
+        auto sight = sights.constFind(place.path);
+        if (sight == sights.cend())
+            sight = sights.insert(place.path, lookAt(place.path));
         PlaceState &state = states[place.number];
-        const std::optional<Volume> &volume = found->volume;
-        const bool isPresent = volume && found->device != 0 // a folder
-            && (place.volumePath.isEmpty() || place.volumePath == volume->path);
-        if (isPresent) {
-            state = {UsagePlace::Storage::Present, *volume, true, found->device};
+        const std::optional<Volume> &volume = sight->volume;
+        const bool isOnItsVolume = volume && (place.volumePath.isEmpty() || place.volumePath == volume->path);
+        if (isOnItsVolume && !sight->isSilent) {
+            state = {UsagePlace::Storage::Present, *volume, false, true, sight->device};
             remember(place, *volume);
-        } else {
-            const std::optional<Volume> mounted =
-                place.volumePath.isEmpty() ? std::nullopt : m_volumes.volumeHolding(place.volumePath);
-            state.isVolumeThere = place.volumePath.isEmpty() || (mounted && mounted->path == place.volumePath);
-            state.volume.path = place.volumePath;
-            state.volume.name = place.volumeName;
+            continue;
         }
+        state.isSilent = sight->isSilent;
+        state.storage = sight->isSilent ? UsagePlace::Storage::Unknown : UsagePlace::Storage::Gone;
+        state.isVolumeThere = sight->isSilent || isMounted(place.volumePath);
+        state.volume.path = place.volumePath;
+        state.volume.name = place.volumeName;
     }
     return states;
+}
+
+/// No volume where @p path is no folder.
+RecordingPlaces::Sight RecordingPlaces::lookAt(const QString &path) const
+{
+    struct Found
+    {
+        DiskPath place;
+        quint64 device = 0;
+    };
+    const auto find = [native = QFile::encodeName(path).toStdString()](DiskVisit &visit) {
+        Found found{resolved(native, visit)};
+        if (found.place.error == 0 && found.place.isFolder)
+            found.device = identify(QString::fromStdString(found.place.canonical.native())).device;
+        return found;
+    };
+    const Found found = m_disks.await<Found>(find, {{{}, false, ETIMEDOUT}});
+    if (found.place.error != 0 || found.device == 0)
+        return {{}, 0, found.place.error == ETIMEDOUT};
+    const QString canonical = QString::fromStdString(found.place.canonical.native());
+    const std::optional<Volume> volume = m_volumes.volumeHolding(canonical);
+    return {volume, found.device, !volume && m_volumes.isSilent(canonical)};
+}
+
+bool RecordingPlaces::isMounted(const QString &volumePath) const
+{
+    if (volumePath.isEmpty())
+        return true; // the path never was on a volume
+    const std::optional<Volume> mounted = m_volumes.volumeHolding(volumePath);
+    return mounted && mounted->path == volumePath;
 }

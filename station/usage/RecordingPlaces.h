@@ -1,6 +1,7 @@
 #pragma once
 
 #include "UsageFigures.h"
+#include "disk/DiskWork.h"
 #include "groups/RecordingGroup.h"
 
 #include <QHash>
@@ -28,6 +29,7 @@ struct PlaceState
 {
     UsagePlace::Storage storage = UsagePlace::Storage::Gone;
     Volume volume; ///< as in UsagePlace
+    bool isSilent = false; ///< its disk does not answer
     bool isVolumeThere = false; ///< the volume that the place came to the group on is mounted
     quint64 device = 0; ///< number of the file system that the place's path is on, while it is present
 };
@@ -45,7 +47,7 @@ public:
     void update(const QList<RecordingGroup> &groups, const QString &backupFolder);
 
     const QList<RecordingPlace> &places() const { return m_places; } ///< as of the last update
-    /// By the number of the place. Asks the volumes once for each path; may block.
+    /// By the number of the place. Asks the volumes once for each path; waits a moment at most for disks that hang.
     QHash<qint64, PlaceState> look();
 
 private:
@@ -53,9 +55,19 @@ private:
     using Key = std::pair<QString, QString>;
     void write(const QMap<Key, QString> &groupIds);
     void load();
+    /// What is known of a path at the moment.
+    struct Sight
+    {
+        std::optional<Volume> volume;
+        quint64 device = 0;
+        bool isSilent = false;
+    };
+    Sight lookAt(const QString &path) const;
+    bool isMounted(const QString &volumePath) const;
     void remember(RecordingPlace &place, const Volume &volume);
 
     StationData &m_data;
     const VolumeSource &m_volumes;
+    DiskWork m_disks;
     QList<RecordingPlace> m_places;
 };

@@ -8,6 +8,7 @@
 #include "store/Database.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 StorageUsage::StorageUsage(const VolumeSource &volumes, StationData &data, NasAccounts &accounts, TimedWork &work,
@@ -32,6 +33,7 @@ StorageUsage::StorageUsage(const VolumeSource &volumes, StationData &data, NasAc
     connect(&m_volumeTimer, &QTimer::timeout, this, &StorageUsage::look);
     m_groupsTimer.setSingleShot(true);
     connect(&m_groupsTimer, &QTimer::timeout, this, &StorageUsage::followGroups);
+    connect(&m_nasVolumes, &NasVolumes::troublesChanged, this, &StorageUsage::troublesChanged);
     connect(&m_nasVolumes, &NasVolumes::answered, this, [this] {
         tell();
         answerReload();
@@ -168,6 +170,7 @@ void StorageUsage::startWorker()
     connect(m_worker.get(), &IndexWorker::sumsChanged, this, &StorageUsage::takeSums);
     connect(m_worker.get(), &IndexWorker::failed, this, [this](const DatabaseError &error) {
         m_indexFailure = error;
+        m_isUpToDate = false;
         if (error.trouble() == DatabaseTrouble::Damaged)
             m_data.note(error);
         emit troublesChanged();
@@ -183,6 +186,8 @@ void StorageUsage::startWorker()
         m_isReading = false;
         answerReload();
     });
+    connect(m_worker.get(), &IndexWorker::finished, this,
+            [this](quint64 places) { m_isUpToDate = places == m_givenPlaces && !m_indexFailure; });
     connect(m_worker.get(), &IndexWorker::placeLeft, this, &StorageUsage::look);
     connect(m_worker.get(), &IndexWorker::progressed, this, [this](qint64 done, qint64 total, bool isRunning) {
         const QVariantMap progress{
@@ -232,6 +237,8 @@ void StorageUsage::giveToWorker()
         places.append(
             {place.number, place.path, place.root(), state.storage == UsagePlace::Storage::Present, state.device});
     }
+    m_isUpToDate = false;
+    ++m_givenPlaces;
     QMetaObject::invokeMethod(m_worker.get(), [worker = m_worker.get(), places] { worker->setPlaces(places); });
 }
 
@@ -339,9 +346,26 @@ QStringList StorageUsage::groupsAt(const QString &path) const
     return names;
 }
 
+std::optional<qint64> StorageUsage::countedBytes(const QString &path, const QString &folder) const
+{
+    const QList<RecordingPlace> &places = m_places.places();
+    const auto place = std::find_if(places.cbegin(), places.cend(), [&](const RecordingPlace &known) {
+        return known.path == path && known.folder == folder;
+    });
+    if (!m_isUpToDate || place == places.cend() || !m_sums.value(place->number).isRead
+        || m_states.value(place->number).storage != UsagePlace::Storage::Present)
+        return {};
+    qint64 bytes = 0;
+    const DaySums days = m_sums.value(place->number).days;
+    for (const DaySum &day : days)
+        bytes = day.bytes > std::numeric_limits<qint64>::max() - bytes ? std::numeric_limits<qint64>::max()
+                                                                       : bytes + day.bytes;
+    return bytes;
+}
+
 QList<StationTrouble> StorageUsage::troubles() const
 {
-    QList<StationTrouble> troubles = placeTroubles() + readingTroubles() + m_clock.troubles();
+    QList<StationTrouble> troubles = placeTroubles() + readingTroubles() + m_nasVolumes.troubles() + m_clock.troubles();
     for (const std::optional<DatabaseError> &failure : {m_groupsFailure, m_indexFailure}) {
         if (failure)
             troubles.append(troubleOf(*failure, Database::pathIn(m_data.folder())));
@@ -368,8 +392,20 @@ QList<StationTrouble> StorageUsage::placeTroubles() const
     QMap<QString, StationTrouble> troubles;
     for (const RecordingPlace &place : m_places.places()) {
         const PlaceState state = m_states.value(place.number);
-        if (place.groupId.isEmpty() || !m_states.contains(place.number) || state.storage != UsagePlace::Storage::Gone)
+        const bool isTrouble = state.isSilent || state.storage == UsagePlace::Storage::Gone;
+        if (place.groupId.isEmpty() || !m_states.contains(place.number) || !isTrouble)
             continue;
+        if (state.isSilent) {
+            troubles.insert(place.path,
+                            {StationAlarmKind::FolderNotAnswering,
+                             StationTrouble::Severity::Error,
+                             place.path,
+                             QStringLiteral("The disk of the folder %1 does not answer").arg(place.path),
+                             QStringLiteral("Check the disk, or the network to it."),
+                             {}});
+            groups[place.path] += groupsAt(place.path);
+            continue;
+        }
         const QString subject = state.isVolumeThere ? place.path : state.volume.path;
         groups[subject] += place.groupId == UsageGroup::backup ? QStringList() : groupsAt(place.path);
         troubles.insert(

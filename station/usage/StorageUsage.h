@@ -42,6 +42,10 @@ public:
     /// Does not touch the database any more: it is damaged, or was replaced.
     void leaveDatabase(const DatabaseError &reason);
 
+    /// The bytes of the recordings in the folder @p folder of @p path; none unless they are counted, and the count
+    /// follows every change.
+    std::optional<qint64> countedBytes(const QString &path, const QString &folder) const;
+
     /// What keeps recordings from being stored or counted.
     QList<StationTrouble> troubles() const;
 
@@ -89,6 +93,8 @@ private:
     std::chrono::milliseconds m_pause; // before the groups are read again, after a failure
     quint64 m_ticket = 0; // of the last reconcile
     bool m_isReading = false; // all folders, for a client that waits
+    quint64 m_givenPlaces = 0; // times that the worker was told of places
+    bool m_isUpToDate = false; // the index has everything that the places that are there have
     QDateTime m_readingSince;
     bool m_isAwaited = false; // by a client: the event that answers it
     bool m_isOwed = false; // that event, now, whether figures changed or not
