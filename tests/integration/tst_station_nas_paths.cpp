@@ -1,5 +1,6 @@
 #include "Loopback.h"
 #include "SambaServer.h"
+#include "SmbRelay.h"
 #include "StationData.h"
 #include "TimedWork.h"
 #include "nas/NasAccounts.h"
@@ -30,6 +31,7 @@ private slots:
     void pathsAreRefused();
     void theUserOfTheRightKindIsTaken();
     void aSilentServerCostsItsTimeOnce();
+    void aRefusedAccountIsTriedOnce();
 
 private:
     QString pathOf(const QString &below) const { return QStringLiteral("//%1/%2").arg(m_server.host(), below); }
@@ -149,6 +151,22 @@ void StationNasPathsTest::aSilentServerCostsItsTimeOnce()
     }
     QVERIFY2(timer.elapsed() < 6000, qPrintable(QString::number(timer.elapsed())));
     QCOMPARE(paths.volumeOf(pathOf(QStringLiteral("video"))).returnCode, QStringLiteral("0"));
+}
+
+void StationNasPathsTest::aRefusedAccountIsTriedOnce()
+{
+    const SmbRelay relay(m_server.port());
+    const QString host = QStringLiteral("127.0.0.1:%1").arg(relay.port());
+    add(host, QStringLiteral("Host"), m_server.userName(), QStringLiteral("an old password"));
+    TimedWork work(15s);
+    const NasPaths paths(PathKind::NetHost, *m_accounts, work);
+    const NasPaths samePaths(PathKind::NetDomain, *m_accounts, work);
+    for (int i = 0; i < 10; ++i) {
+        const QString path = QStringLiteral("//%1/video/%2").arg(host).arg(i);
+        QCOMPARE(paths.look(path).returnCode, QStringLiteral("LogonNASServerFaled"));
+        QCOMPARE(samePaths.volumeOf(path).returnCode, QStringLiteral("LogonNASServerFaled"));
+    }
+    QCOMPARE(relay.refusedLogOns(), 1);
 }
 
 QTEST_GUILESS_MAIN(StationNasPathsTest)

@@ -1,6 +1,7 @@
 #include "DiskSpace.h"
 #include "Loopback.h"
 #include "SambaServer.h"
+#include "SmbRelay.h"
 #include "StationCall.h"
 #include "link/EmbeddedLink.h"
 
@@ -29,6 +30,7 @@ private slots:
     void withoutAUserNameTheRegisteredOneIsTaken();
     void pathsBecomeDisks();
     void pathsThatFailAreLeftOut();
+    void pathsOfARefusedAccountAreOneTry();
     void noPathAtAllIsAFailure_data();
     void noPathAtAllIsAFailure();
     void noPathsAskedForIsNoFailure();
@@ -227,6 +229,23 @@ void StationNasSharesTest::pathsThatFailAreLeftOut()
     QCOMPARE(reply.data.toList().size(), 1);
     QCOMPARE(reply.data.toList().front().toMap().value(QStringLiteral("diskName")),
              QVariant(pathOf(QStringLiteral("archive"))));
+}
+
+void StationNasSharesTest::pathsOfARefusedAccountAreOneTry()
+{
+    const SmbRelay relay(m_server.port());
+    const QString host = QStringLiteral("//127.0.0.1:%1/").arg(relay.port());
+    QVariantMap request = place(QString());
+    request.remove(QStringLiteral("basePath"));
+    request.insert(QStringLiteral("host"), host.section(u'/', 2, 2));
+    QCOMPARE(ask("AddNasServer", request).returnCode, QStringLiteral("0"));
+    QVERIFY2(m_server.setPassword(m_server.password() + u'2'), qPrintable(m_server.error()));
+    for (const char *share : {"archive", "video", "video/a"})
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QString::fromLatin1(share) + QStringLiteral(" is left")));
+    const QStringList paths{host + QStringLiteral("archive"), host + QStringLiteral("video"),
+                            host + QStringLiteral("video/a")};
+    QCOMPARE(addPaths(paths).returnCode, QStringLiteral("LogonNASServerFaled"));
+    QCOMPARE(relay.refusedLogOns(), 1);
 }
 
 void StationNasSharesTest::noPathAtAllIsAFailure_data()
