@@ -10,6 +10,7 @@
 #include "OutcomeText.h"
 #include "Output.h"
 #include "PluginInterface.h"
+#include "StationProtocol.h"
 #include "UsageCommands.h"
 #include "VolumeTable.h"
 #include "Watch.h"
@@ -43,11 +44,26 @@ ExitCode call(CommandRun &run)
     return run.end(name, outcome);
 }
 
+/// A list that lacks the volumes that do not answer is not all there is to know.
+ExitCode endOfVolumes(CommandRun &run)
+{
+    const CallOutcome asked = run.callStation(StationOwnCommandName::listAlarms);
+    if (asked.exitCode != ExitCode::Done)
+        return ExitCode::Done; // a station that knows no alarms
+    QVariantList alarms = asked.parts.constLast().data.toMap().value(StationKey::alarms).toList();
+    alarms.removeIf([](const QVariant &alarm) {
+        return alarm.toMap().value(StationKey::kind) != StationAlarmKind::VolumeNotAnswering;
+    });
+    printStationErrors(alarms);
+    return alarms.isEmpty() ? ExitCode::Done : ExitCode::NoAnswer;
+}
+
 ExitCode volumes(CommandRun &run)
 {
     const QString name = QStringLiteral("getVolume");
     const CallOutcome outcome = run.call(name);
-    return run.end(name, outcome, [&outcome] { printText(volumeTable(*outcome.model).toString()); });
+    const ExitCode exitCode = run.end(name, outcome, [&outcome] { printText(volumeTable(*outcome.model).toString()); });
+    return exitCode == ExitCode::Done ? endOfVolumes(run) : exitCode;
 }
 
 ExitCode folders(CommandRun &run)

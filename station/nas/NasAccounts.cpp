@@ -5,9 +5,8 @@
 #include "StationData.h"
 #include "StationLog.h"
 
-#include <QDir>
-
 #include <algorithm>
+#include <utility>
 
 namespace {
 bool isOn(const SmbPath &place, const NasServer &server)
@@ -32,8 +31,9 @@ void refusePlaceholder(const SmbLogon &logon)
 }
 } // namespace
 
-NasAccounts::NasAccounts(StationData &data)
+NasAccounts::NasAccounts(StationData &data, KeyFile keyFile)
     : m_data(data)
+    , m_keyFile(std::move(keyFile))
     , m_pauses(std::make_unique<LogonPauses>())
 {
 }
@@ -53,9 +53,8 @@ NasStore NasAccounts::store()
 const PasswordVault &NasAccounts::vault()
 {
     const bool isNeeded = !store().servers().isEmpty();
-    m_vault = std::make_unique<PasswordVault>(QDir(m_data.folder()).filePath(QStringLiteral("nas.key")),
-                                              isNeeded ? PasswordVault::WhenMissing::Fail
-                                                       : PasswordVault::WhenMissing::Create);
+    m_vault = std::make_unique<PasswordVault>(
+        m_keyFile, isNeeded ? PasswordVault::WhenMissing::Fail : PasswordVault::WhenMissing::Create);
     return *m_vault;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "KeyFile.h"
 #include "NasStore.h"
 #include "smb/SmbClient.h"
 
@@ -13,7 +14,7 @@ class StationData;
 
 /// The registered NAS servers together with their passwords, which leave this object only as tokens or for a log-on.
 ///
-/// The key lies in the file "nas.key" of the station's data folder, and is read each time that it is needed, so that
+/// The key lies in a file of its own, and is read each time that it is needed, so that
 /// one that is lost or replaced is noticed at once. It is made with the first server; while it is lost or another one,
 /// and servers are registered, everything that needs a password throws VaultError, until the key is back or the servers
 /// are removed.
@@ -21,7 +22,8 @@ class NasAccounts
 {
 public:
     /// @param data must outlive this object
-    explicit NasAccounts(StationData &data);
+    /// @param keyFile see KeyFile::of()
+    NasAccounts(StationData &data, KeyFile keyFile);
     ~NasAccounts();
 
     Database &database();
@@ -50,6 +52,7 @@ public:
 
 private:
     StationData &m_data;
+    KeyFile m_keyFile;
     std::unique_ptr<LogonPauses> m_pauses;
     std::unique_ptr<PasswordVault> m_vault;
 };

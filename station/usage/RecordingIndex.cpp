@@ -92,10 +92,12 @@ void RecordingIndex::readSums(PlaceSums &sums, const QString &condition, const Q
         QStringLiteral("SELECT number AS place, is_read FROM recording_place WHERE %1").arg(condition), values);
     while (places.next())
         sums[places.value(0).toLongLong()].isRead = places.value(1).toBool();
-    Rows days = m_database.rows(QStringLiteral("SELECT place, day, sum(files), sum(bytes) FROM recorded_day"
-                                               " WHERE files > 0 AND %1 GROUP BY place, day")
-                                    .arg(condition),
-                                values);
+    // sum() fails where a sum needs more than 64 bits.
+    Rows days = m_database.rows(
+        QStringLiteral("SELECT place, day, sum(files), CAST(min(total(bytes), 9.2e18) AS INTEGER) FROM recorded_day"
+                       " WHERE files > 0 AND %1 GROUP BY place, day")
+            .arg(condition),
+        values);
     while (days.next()) {
         const QDate day = QDate::fromString(days.value(1).toString(), Qt::ISODate);
         sums[days.value(0).toLongLong()].days.insert(day, {days.value(2).toLongLong(), days.value(3).toLongLong()});
@@ -139,7 +141,9 @@ bool RecordingIndex::resize(const DayFolder &folder, const QString &name, qint64
     const qint64 grownBy = bytes - rows.value(1).toLongLong();
     m_database.run(QStringLiteral("UPDATE recorded_file SET bytes = ? WHERE day_number = ? AND name = ?"),
                    {bytes, number, name});
-    m_database.run(QStringLiteral("UPDATE recorded_day SET bytes = bytes + ? WHERE number = ?"), {grownBy, number});
+    m_database.run(
+        QStringLiteral("UPDATE recorded_day SET bytes = CAST(min(bytes + ?, 9.2e18) AS INTEGER) WHERE number = ?"),
+        {grownBy, number});
     transaction.commit();
     return true;
 }

@@ -60,7 +60,7 @@ void NasSilenceTest::cleanup()
 void NasSilenceTest::addServer(quint16 port)
 {
     StationData data(m_site->dataFolder());
-    NasAccounts accounts(data);
+    NasAccounts accounts(data, KeyFile::of({}, data.folder()));
     const QByteArray sealed = accounts.vault().encrypted(m_server.password());
     accounts.store().insert(
         {QUuid::createUuid().toString(), u"127.0.0.1:%1"_s.arg(port), u"Host"_s, m_server.userName(), sealed});

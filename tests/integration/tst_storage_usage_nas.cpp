@@ -70,7 +70,7 @@ void StorageUsageNasTest::cleanup()
 void StorageUsageNasTest::addServer(const QString &host)
 {
     StationData data(m_site->dataFolder());
-    NasAccounts accounts(data);
+    NasAccounts accounts(data, KeyFile::of({}, data.folder()));
     const QByteArray sealed = accounts.vault().encrypted(m_server.password());
     accounts.store().insert({QUuid::createUuid().toString(), host, u"Host"_s, m_server.userName(), sealed});
 }
