@@ -167,7 +167,7 @@ void Database::make()
     } catch (const DatabaseError &error) {
         disconnect();
         QFile::remove(made);
-        throw m_file.whyDiskTakesNothing().value_or(error);
+        throw m_file.whyNotWritable().value_or(error);
     }
     qCInfo(stationLog, "A new database was made: %s", qPrintable(m_file.path()));
 }

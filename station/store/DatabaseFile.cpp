@@ -226,7 +226,7 @@ std::optional<DatabaseError> DatabaseFile::whyNotWritable() const
 {
     if (const std::optional<DatabaseError> disk = whyDiskTakesNothing())
         return disk;
-    if (access(QFile::encodeName(m_path).constData(), W_OK) != 0)
+    if (access(QFile::encodeName(m_path).constData(), W_OK) != 0 && errno != ENOENT)
         return systemFailure(m_path, errno);
     if (const int error = WriteTrial::tryFolder(QFile::encodeName(m_folder).toStdString()))
         return systemFailure(m_folder, error);

@@ -76,7 +76,7 @@ void NasVolumesTest::init()
     QTest::failOnWarning(QRegularExpression(u".*"_s));
     m_folder = std::make_unique<QTemporaryDir>();
     m_data = std::make_unique<StationData>(m_folder->path());
-    m_accounts = std::make_unique<NasAccounts>(*m_data);
+    m_accounts = std::make_unique<NasAccounts>(*m_data, KeyFile::of({}, m_data->folder()));
 }
 
 void NasVolumesTest::cleanup()

@@ -59,7 +59,7 @@ void StationNasPathsTest::init()
     m_accounts.reset();
     m_folder = std::make_unique<QTemporaryDir>();
     m_data = std::make_unique<StationData>(m_folder->path());
-    m_accounts = std::make_unique<NasAccounts>(*m_data);
+    m_accounts = std::make_unique<NasAccounts>(*m_data, KeyFile::of({}, m_data->folder()));
     add(m_server.host(), QStringLiteral("Host"), m_server.userName(), m_server.password());
 }
 

@@ -90,7 +90,7 @@ void StationGroupSharingTest::whoeverAsksIsToldOfEveryEdit()
     StationData data(path(QStringLiteral("data")));
     QStringList log;
     CommandTable table;
-    GroupCommands commands(data, {&paths, nullptr, nullptr}, {}, [&log] { log.append(QStringLiteral("changed")); });
+    GroupCommands commands(data, {&paths, nullptr, nullptr}, {}, {[&log] { log.append(QStringLiteral("changed")); }});
     commands.enterInto(table);
     QVariant id;
     const auto ask = [&](const char *command, const QVariantMap &request) {
