@@ -46,7 +46,7 @@ DatabaseTrouble troubleOf(const QSqlError &error)
 
 DatabaseError failed(const QString &what, const QSqlError &error)
 {
-    return {troubleOf(error), QStringLiteral("%1: %2").arg(what.simplified(), error.text())};
+    return {troubleOf(error), QStringLiteral("%1: %2").arg(what.simplified(), error.text()), error.databaseText()};
 }
 
 bool mayBeReadAnyway(DatabaseTrouble trouble)

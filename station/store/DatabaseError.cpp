@@ -60,9 +60,10 @@ QString filled(const char *text, const QString &first, const QString &second)
 }
 } // namespace
 
-DatabaseError::DatabaseError(DatabaseTrouble trouble, const QString &what)
+DatabaseError::DatabaseError(DatabaseTrouble trouble, const QString &what, const QString &detail)
     : std::runtime_error(what.toStdString())
     , m_trouble(trouble)
+    , m_detail(detail.isEmpty() ? what : detail)
 {
 }
 
@@ -79,7 +80,7 @@ StationTrouble troubleOf(const DatabaseError &error, const QString &file)
     return {row.returnCode,
             StationTrouble::Severity::Error,
             file,
-            filled(row.text, file, QString::fromUtf8(error.what())),
+            filled(row.text, file, error.detail()),
             remedy.contains(QStringLiteral("%1")) ? remedy.arg(folder) : remedy,
             {}};
 }

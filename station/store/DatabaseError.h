@@ -24,12 +24,15 @@ enum class DatabaseTrouble {
 class DatabaseError : public std::runtime_error
 {
 public:
-    DatabaseError(DatabaseTrouble trouble, const QString &what);
+    /// @param detail what an operator is told of it; empty: @p what
+    DatabaseError(DatabaseTrouble trouble, const QString &what, const QString &detail = {});
 
     DatabaseTrouble trouble() const { return m_trouble; }
+    const QString &detail() const { return m_detail; }
 
 private:
     DatabaseTrouble m_trouble;
+    QString m_detail;
 };
 
 /// The word of StationReturnCode that a command is refused with.
