@@ -133,6 +133,7 @@ extern const QString warning; ///< it works, and will not for long or not as exp
 namespace StationAlarmKind {
 extern const QString VolumeGone; ///< a recording group's path is not there, or not on its volume
 extern const QString VolumeNotAnswering; ///< a mount says nothing
+extern const QString PathNotWritable; ///< a recording group's path is there, and nothing can be recorded to it
 extern const QString FolderNotReadable; ///< recordings that the station may not read, or that the disk does not give
 extern const QString FolderNotAnswering; ///< the disk takes longer than a disk does
 extern const QString RecordingsNotCounted; ///< all folders of recordings are being read

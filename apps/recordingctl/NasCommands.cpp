@@ -4,6 +4,7 @@
 #include "ModelPrinter.h"
 #include "Output.h"
 #include "PasswordArgument.h"
+#include "StationProtocol.h"
 #include "Units.h"
 #include "VolumeTable.h"
 
@@ -216,5 +217,16 @@ ExitCode addNasVolumes(CommandRun &run)
 {
     const QString name = QStringLiteral("addNASPathsToVolume");
     const CallOutcome outcome = run.call(name, {QVariant(run.line().arguments)});
-    return run.end(name, outcome, [&outcome] { printText(volumeTable(*outcome.model).toString()); });
+    const ExitCode exitCode = run.end(name, outcome, [&outcome] { printText(volumeTable(*outcome.model).toString()); });
+    if (exitCode != ExitCode::Done)
+        return exitCode;
+    QStringList left = run.line().arguments;
+    for (const StationReply &part : outcome.parts) {
+        const QVariantList disks = part.data.toList();
+        for (const QVariant &disk : disks)
+            left.removeAll(disk.toMap().value(StationKey::diskName).toString());
+    }
+    for (const QString &path : std::as_const(left))
+        printError(QStringLiteral("%1 is no volume: the station could not ask for its capacity").arg(path));
+    return left.isEmpty() ? ExitCode::Done : ExitCode::Refused;
 }

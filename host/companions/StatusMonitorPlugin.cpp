@@ -10,9 +10,9 @@ using Kind = StatusMonitorPlugin::Kind;
 
 Kind kindOf(const QString &word, const QString &severity)
 {
-    static const QSet<QString> ofVolumes{StationAlarmKind::VolumeGone, StationAlarmKind::VolumeNotAnswering,
+    static const QSet<QString> ofVolumes{StationAlarmKind::VolumeGone,        StationAlarmKind::VolumeNotAnswering,
                                          StationAlarmKind::ShareNotAnswering, StationAlarmKind::ShareRefused,
-                                         StationAlarmKind::ShareMissing};
+                                         StationAlarmKind::ShareMissing,      StationAlarmKind::PathNotWritable};
     if (ofVolumes.contains(word))
         return Kind::VolumeError;
     return severity == StationSeverity::warning ? Kind::StationWarning : Kind::StationError;

@@ -9,6 +9,9 @@
 
 #include <cerrno>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace {
 constexpr std::chrono::seconds patience(1); // with a disk that says nothing
 
@@ -112,7 +115,8 @@ QHash<qint64, PlaceState> RecordingPlaces::look()
         const std::optional<Volume> &volume = sight->volume;
         const bool isOnItsVolume = volume && (place.volumePath.isEmpty() || place.volumePath == volume->path);
         if (isOnItsVolume && !sight->isSilent) {
-            state = {UsagePlace::Storage::Present, *volume, false, true, sight->device};
+            const int writeError = volume->isReadOnly ? EROFS : sight->writeError;
+            state = {UsagePlace::Storage::Present, *volume, false, writeError, true, sight->device};
             remember(place, *volume);
             continue;
         }
@@ -132,11 +136,17 @@ RecordingPlaces::Sight RecordingPlaces::lookAt(const QString &path) const
     {
         DiskPath place;
         quint64 device = 0;
+        int writeError = 0;
     };
     const auto find = [native = QFile::encodeName(path).toStdString()](DiskVisit &visit) {
         Found found{resolved(native, visit)};
-        if (found.place.error == 0 && found.place.isFolder)
-            found.device = identify(QString::fromStdString(found.place.canonical.native())).device;
+        if (found.place.error != 0 || !found.place.isFolder)
+            return found;
+        const std::filesystem::path &folder = found.place.canonical;
+        found.device = identify(QString::fromStdString(folder.native())).device;
+        // A trial file every few seconds would wear the disk: that is left to edits.
+        if (faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0)
+            found.writeError = errno;
         return found;
     };
     const Found found = m_disks.await<Found>(find, {{{}, false, ETIMEDOUT}});
@@ -144,7 +154,7 @@ RecordingPlaces::Sight RecordingPlaces::lookAt(const QString &path) const
         return {{}, 0, found.place.error == ETIMEDOUT};
     const QString canonical = QString::fromStdString(found.place.canonical.native());
     const std::optional<Volume> volume = m_volumes.volumeHolding(canonical);
-    return {volume, found.device, !volume && m_volumes.isSilent(canonical)};
+    return {volume, found.device, !volume && m_volumes.isSilent(canonical), found.writeError};
 }
 
 bool RecordingPlaces::isMounted(const QString &volumePath) const

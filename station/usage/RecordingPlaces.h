@@ -30,6 +30,7 @@ struct PlaceState
     UsagePlace::Storage storage = UsagePlace::Storage::Gone;
     Volume volume; ///< as in UsagePlace
     bool isSilent = false; ///< its disk does not answer
+    int writeError = 0; ///< a number of the system: why the station may not write there; 0 where it may
     bool isVolumeThere = false; ///< the volume that the place came to the group on is mounted
     quint64 device = 0; ///< number of the file system that the place's path is on, while it is present
 };
@@ -61,6 +62,7 @@ private:
         std::optional<Volume> volume;
         quint64 device = 0;
         bool isSilent = false;
+        int writeError = 0;
     };
     Sight lookAt(const QString &path) const;
     bool isMounted(const QString &volumePath) const;

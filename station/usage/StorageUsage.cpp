@@ -8,6 +8,7 @@
 #include "store/Database.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <limits>
 #include <utility>
 
@@ -385,47 +386,63 @@ QList<StationTrouble> StorageUsage::troubles() const
     return troubles;
 }
 
-/// One for each volume that is gone, and for each folder that is missing on a volume that is there.
+namespace {
+/// What is wrong with the storage of a place; none where recordings can be stored.
+std::optional<StationTrouble> troubleAt(const RecordingPlace &place, const PlaceState &state)
+{
+    const auto error = [](const QString &kind, const QString &subject, const QString &text, const QString &remedy) {
+        return StationTrouble{kind, StationTrouble::Severity::Error, subject, text, remedy, {}};
+    };
+    if (state.isSilent) {
+        return error(StationAlarmKind::FolderNotAnswering, place.path,
+                     QStringLiteral("The disk of the folder %1 does not answer").arg(place.path),
+                     QStringLiteral("Check the disk, or the network to it."));
+    }
+    if (state.storage == UsagePlace::Storage::Gone && state.isVolumeThere) {
+        return error(StationAlarmKind::VolumeGone, place.path,
+                     QStringLiteral("The folder %1 is not there").arg(place.path),
+                     QStringLiteral("Make the folder again, or take the path out of the recording group."));
+    }
+    if (state.storage == UsagePlace::Storage::Gone) {
+        return error(StationAlarmKind::VolumeGone, state.volume.path,
+                     QStringLiteral("The volume %1 (%2) is not there").arg(state.volume.name, state.volume.path),
+                     QStringLiteral("Connect and mount the disk, or take its paths out of the recording groups."));
+    }
+    if (state.storage == UsagePlace::Storage::Present && state.writeError == EROFS) {
+        return error(StationAlarmKind::PathNotWritable, state.volume.path,
+                     QStringLiteral("The volume %1 (%2) can only be read").arg(state.volume.name, state.volume.path),
+                     QStringLiteral("Mount it writable; the system's log says why it is not."));
+    }
+    if (state.storage == UsagePlace::Storage::Present && state.writeError != 0) {
+        return error(
+            StationAlarmKind::PathNotWritable, place.path,
+            QStringLiteral("The station may not write into the folder %1 (%2)")
+                .arg(place.path, qt_error_string(state.writeError)),
+            QStringLiteral("Let the station's user write there, or take the path out of the recording group."));
+    }
+    return {};
+}
+} // namespace
+
+/// One for each volume, or folder, that is in trouble.
 QList<StationTrouble> StorageUsage::placeTroubles() const
 {
     QMap<QString, QStringList> groups;
     QMap<QString, StationTrouble> troubles;
     for (const RecordingPlace &place : m_places.places()) {
-        const PlaceState state = m_states.value(place.number);
-        const bool isTrouble = state.isSilent || state.storage == UsagePlace::Storage::Gone;
-        if (place.groupId.isEmpty() || !m_states.contains(place.number) || !isTrouble)
+        const auto state = m_states.constFind(place.number);
+        if (place.groupId.isEmpty() || state == m_states.cend())
             continue;
-        if (state.isSilent) {
-            troubles.insert(place.path,
-                            {StationAlarmKind::FolderNotAnswering,
-                             StationTrouble::Severity::Error,
-                             place.path,
-                             QStringLiteral("The disk of the folder %1 does not answer").arg(place.path),
-                             QStringLiteral("Check the disk, or the network to it."),
-                             {}});
-            groups[place.path] += groupsAt(place.path);
-            continue;
+        if (const std::optional<StationTrouble> trouble = troubleAt(place, *state)) {
+            troubles.insert(trouble->subject, *trouble);
+            groups[trouble->subject] +=
+                place.groupId == UsageGroup::backup ? QStringList(QStringLiteral("(backup)")) : groupsAt(place.path);
         }
-        const QString subject = state.isVolumeThere ? place.path : state.volume.path;
-        groups[subject] += place.groupId == UsageGroup::backup ? QStringList() : groupsAt(place.path);
-        troubles.insert(
-            subject,
-            {StationAlarmKind::VolumeGone,
-             StationTrouble::Severity::Error,
-             subject,
-             state.isVolumeThere ? QStringLiteral("The folder %1 is not there").arg(subject)
-                                 : QStringLiteral("The volume %1 (%2) is not there").arg(state.volume.name, subject),
-             state.isVolumeThere
-                 ? QStringLiteral("Make the folder again, or take the path out of the recording group.")
-                 : QStringLiteral("Connect and mount the disk, or take its paths out of the recording groups."),
-             {}});
     }
     for (auto trouble = troubles.begin(); trouble != troubles.end(); ++trouble) {
         QStringList names = groups.value(trouble.key());
         names.removeDuplicates();
-        trouble->text += names.isEmpty()
-            ? QStringLiteral(".")
-            : QStringLiteral("; recording groups on it: %1.").arg(names.join(QStringLiteral(", ")));
+        trouble->text += QStringLiteral("; recording groups on it: %1.").arg(names.join(QStringLiteral(", ")));
     }
     return troubles.values();
 }

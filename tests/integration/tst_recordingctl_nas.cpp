@@ -63,6 +63,11 @@ void TestRecordingctlNas::serverFromBeginningToEnd()
     const Run volumes = ctl({"nas-volumes", path});
     QCOMPARE(volumes.errors, QString());
     QVERIFY2(volumes.output.contains(path), qPrintable(volumes.output));
+    const QString missing = QStringLiteral("//%1/nothing").arg(host);
+    const Run partly = ctl({"nas-volumes", path, missing});
+    QCOMPARE(partly.exitCode, 1);
+    QVERIFY2(partly.output.contains(path), qPrintable(partly.output));
+    QVERIFY2(partly.errors.contains("recordingctl: " + missing + " is no volume"), qPrintable(partly.errors));
 
     QFile file(m_folder.filePath("password"));
     QVERIFY(file.open(QIODevice::WriteOnly) && file.write(password) > 0);

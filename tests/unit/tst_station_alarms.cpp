@@ -22,6 +22,7 @@ private slots:
     void aStationInOrderHasNone();
     void aVolumeThatIsGoneIsNamed();
     void aFolderThatIsGoneIsNoVolume();
+    void aVolumeThatCanOnlyBeReadIsNamed();
     void theSecondThingThatBreaksLeavesTheFirstItsTime();
     void aReloadOfAMissingDatabaseIsRefused();
     void aDamagedDatabaseIsToldAndReadNoMore();
@@ -147,6 +148,19 @@ void StationAlarmsTest::aFolderThatIsGoneIsNoVolume()
     QTRY_VERIFY(!m_events.isEmpty());
     QVERIFY(QDir(m_path).removeRecursively());
     QTRY_COMPARE(told(), QStringList(u"VolumeGone "_s + m_path));
+}
+
+void StationAlarmsTest::aVolumeThatCanOnlyBeReadIsNamed()
+{
+    start();
+    QTRY_VERIFY(!m_events.isEmpty());
+    QCOMPARE(told(), QStringList());
+    Volume disk{m_site->disk(), u"Disk"_s, 1000 * RecordedSite::megabyte, 600 * RecordedSite::megabyte, false, true};
+    m_site->volumes()->set({m_site->system(), disk});
+    QTRY_COMPARE(told(), QStringList(u"PathNotWritable "_s + m_site->disk()));
+    disk.isReadOnly = false;
+    m_site->volumes()->set({m_site->system(), disk});
+    QTRY_COMPARE(told(), QStringList());
 }
 
 void StationAlarmsTest::theSecondThingThatBreaksLeavesTheFirstItsTime()
