@@ -75,14 +75,14 @@ struct Inquiry
     explicit Inquiry(CommandRun &run)
         : outcome(run.call(reload))
     {
-        if (outcome.exitCode != ExitCode::Done)
+        if (outcome.exitCode == ExitCode::Refused)
             return;
         const CallOutcome asked = run.callStation(StationOwnCommandName::listAlarms);
-        if (asked.exitCode != ExitCode::Done)
-            outcome = asked;
-        else
+        if (asked.exitCode == ExitCode::Done)
             state = stateIn(asked.parts.constLast().data);
-        if (state.pending.isEmpty())
+        else if (outcome.exitCode == ExitCode::Done)
+            outcome = asked;
+        if (outcome.exitCode != ExitCode::Done || state.pending.isEmpty())
             return;
         const std::chrono::milliseconds silence = std::min<std::chrono::milliseconds>(
             std::chrono::seconds(12), run.line().timeout.value_or(defaultTimeout)); // a NAS server may take ten
