@@ -32,9 +32,11 @@ void add(const std::string &name, const std::function<void(benchmark::State &)> 
     benchmark::RegisterBenchmark(name.c_str(), runOnce)->Iterations(1)->Unit(benchmark::kMillisecond);
 }
 
-void add(const std::string &name, int size, const std::function<void(benchmark::State &)> &work)
+void add(const std::string &name, const std::vector<int> &sizes,
+         const std::function<void(benchmark::State &, int size)> &work)
 {
-    add(name + '/' + std::to_string(size), work);
+    for (const int size : sizes)
+        add(name + '/' + std::to_string(size), [work, size](benchmark::State &state) { work(state, size); });
 }
 
 int runBenchmarks(int count, char **arguments)

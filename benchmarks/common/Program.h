@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 // The frame of every benchmark program: Google Benchmark with its options, and a few of our own.
 
@@ -13,8 +14,9 @@ std::optional<std::string> takeOption(const std::string &name, int &count, char 
 
 /// Registers @p work, which runs once and reports counters. What it throws is the benchmark's error.
 void add(const std::string &name, const std::function<void(benchmark::State &)> &work);
-/// Registers it under "<name>/<size>".
-void add(const std::string &name, int size, const std::function<void(benchmark::State &)> &work);
+/// Registers it in each size under "<name>/<size>".
+void add(const std::string &name, const std::vector<int> &sizes,
+         const std::function<void(benchmark::State &, int size)> &work);
 
 /// Runs what is registered and left in by the options. Returns an exit status.
 int runBenchmarks(int count, char **arguments);

@@ -9,8 +9,7 @@ using Times = std::map<std::string, double>; // of a round, by variant
 
 double runOnce(const Variant &variant, const Plan &plan, Samples &samples)
 {
-    if (variant.prepare)
-        variant.prepare();
+    variant.prepare();
     const double residentBefore = plan.isMemoryMeasured ? beginPeak() : 0;
     const double wallBefore = wallSeconds();
     const double cpuBefore = plan.cpuSeconds();

@@ -15,7 +15,7 @@ struct Variant
 {
     std::string name; ///< "ours", or what it is compared with
     std::function<void()> run; ///< measured; what it throws ends the benchmark with its text
-    std::function<void()> prepare = {}; ///< before every run, not measured; may be empty
+    std::function<void()> prepare = [] {}; ///< before every run, not measured
 };
 
 /// How often the variants run and what is measured.

@@ -7,8 +7,6 @@
 #include <QBasicTimer>
 #include <QEventLoop>
 #include <QQmlComponent>
-#include <QQuickItem>
-#include <QQuickWindow>
 #include <QTimer>
 
 #include <algorithm>
@@ -118,18 +116,6 @@ ConsoleWindow::ConsoleWindow(ConsoleClient &client, const QString &page)
     m_animation.reset(qobject_cast<QQuickItem *>(component.create()));
     require(m_animation != nullptr, component.errorString().toStdString());
     m_animation->setParentItem(m_window->contentItem());
-}
-
-ConsoleWindow::~ConsoleWindow() = default;
-
-void ConsoleWindow::animate(bool moving)
-{
-    m_animation->setProperty("moving", moving);
-}
-
-void ConsoleWindow::rest()
-{
-    runUntil([count = framesToRest]() mutable { return --count <= 0; });
 }
 
 void ConsoleWindow::refresh()

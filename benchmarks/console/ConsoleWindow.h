@@ -6,12 +6,11 @@
 #include "companions/StatusMonitorPlugin.h"
 
 #include <QQmlApplicationEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
 
 #include <functional>
 #include <memory>
-
-class QQuickItem;
-class QQuickWindow;
 
 /// What a window and its thread's event loop went through in a span of time; times in seconds.
 struct Smoothness
@@ -40,12 +39,14 @@ class ConsoleWindow
 public:
     /// @param page its key in Main.qml, for instance "usage"
     ConsoleWindow(ConsoleClient &client, const QString &page);
-    ~ConsoleWindow();
 
     /// Lets the animation run, or stand still while another window is watched.
-    void animate(bool moving);
+    void animate(bool moving) { m_animation->setProperty("moving", moving); }
     /// Waits until the delegates are made that the page needs; the animation has to run.
-    void rest();
+    void rest()
+    {
+        watch([] {}, {});
+    }
     /// What F5 does.
     void refresh();
     /// What this process has allocated in bytes, without what JavaScript does not need any more.

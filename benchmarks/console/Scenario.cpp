@@ -22,16 +22,6 @@ QVariantList renamed(QVariantList records, const QString &key, int turn, int cou
     return records;
 }
 
-QVariantList groups(int records, int turn)
-{
-    return renamed(Replies::recordingGroups(records), "recordingGroupName", turn, records);
-}
-
-std::vector<Fact> groupsShown(int records, int turn)
-{
-    return {{"tree", "rows", records + 1}, {"group:" + nameIn(turn, "Group 0"), "visible", true}};
-}
-
 /// @p values stand in every entry.
 QVariantList entriesWith(const QVariantMap &values, int records, int turn)
 {
@@ -45,48 +35,34 @@ QVariantList entriesWith(const QVariantMap &values, int records, int turn)
     return renamed(entries, "recordingGroupName", turn, Replies::entriesPerGroup);
 }
 
-QVariantList usage(int records, int turn)
-{
-    return entriesWith({}, records, turn);
-}
-
-/// No group will reach its reserved time: an alarm for each.
-QVariantList shortUsage(int records, int turn)
-{
-    return entriesWith({{"volumeRecordedDays", 0}, {"volumeOneDayUsage", 300'000'000'000LL}}, records, turn);
-}
-
-std::vector<Fact> usageShown(int records, int turn)
-{
-    return {{"groups", "count", static_cast<int>(Replies::groupIds(records).size())},
-            {"group:" + Replies::groupId(0), "name", nameIn(turn, "Group 0")}};
-}
-
-QVariantList volumes(int records, int turn)
-{
-    return renamed(Replies::volumes(records), "volumeName", turn, records);
-}
-
-std::vector<Fact> volumesShown(int records, int turn)
-{
-    return {{"volumes", "count", records}, {"volume:/mnt/video/0", "nameRole", nameIn(turn, "Video disk 0")}};
-}
-
 } // namespace
 
 std::vector<Scenario> scenarios()
 {
+    const auto groups = [](int records, int turn) {
+        return renamed(Replies::recordingGroups(records), "recordingGroupName", turn, records);
+    };
+    const auto groupsShown = [](int records, int turn) -> std::vector<Fact> {
+        return {{"tree", "rows", records + 1}, {"group:" + nameIn(turn, "Group 0"), "visible", true}};
+    };
+    const auto usage = [](int records, int turn) { return entriesWith({}, records, turn); };
+    const auto shortUsage = [](int records, int turn) { // no group will reach its reserved time: an alarm for each
+        return entriesWith({{"volumeRecordedDays", 0}, {"volumeOneDayUsage", 300'000'000'000LL}}, records, turn);
+    };
+    const auto usageShown = [](int records, int turn) -> std::vector<Fact> {
+        return {{"groups", "count", static_cast<int>(Replies::groupIds(records).size())},
+                {"group:" + Replies::groupId(0), "name", nameIn(turn, "Group 0")}};
+    };
+    const auto volumes = [](int records, int turn) {
+        return renamed(Replies::volumes(records), "volumeName", turn, records);
+    };
+    const auto volumesShown = [](int records, int turn) -> std::vector<Fact> {
+        return {{"volumes", "count", records}, {"volume:/mnt/video/0", "nameRole", nameIn(turn, "Video disk 0")}};
+    };
     return {
-        {"groups page",
-         "groups",
-         {{1000}, {10'000, true}},
-         "retrieveRecordingGroupTreeModel",
-         groups,
-         groupsShown,
-         "retrieveRecordingGroupTreeModel",
-         8},
-        {"usage page", "usage", {{10'000}, {100'000}}, "VolumeChanged", usage, usageShown},
-        {"usage page, every group short", "usage", {{50'000}}, "VolumeChanged", shortUsage, usageShown},
-        {"volumes page", "volumes", {{1000}, {10'000}}, "getVolume", volumes, volumesShown},
+        {"groups page", "groups", {1000, 10'000}, "retrieveRecordingGroupTreeModel", groups, groupsShown, true, 1000},
+        {"usage page", "usage", {10'000, 100'000}, "VolumeChanged", usage, usageShown},
+        {"usage page, every group short", "usage", {50'000}, "VolumeChanged", shortUsage, usageShown},
+        {"volumes page", "volumes", {1000, 10'000}, "getVolume", volumes, volumesShown},
     };
 }

@@ -2,6 +2,7 @@
 
 #include <QVariant>
 
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -16,24 +17,17 @@ struct Fact
 /// A page of the console and the message that fills it.
 struct Scenario
 {
-    /// One size of a scenario.
-    struct Size
-    {
-        int records; ///< in the message
-        bool plainOnce = false; ///< the plain rules take too long for more
-    };
-
     std::string name;
     QString page; ///< its key in Main.qml
-    std::vector<Size> sizes;
+    std::vector<int> sizes; ///< records in the message
     QString message; ///< "VolumeChanged", or the command that is answered
     /// What it says; @p turn changes every record, so that no message repeats the one before.
     QVariantList (*data)(int records, int turn);
     /// What stands in the window when it has arrived.
     std::vector<Fact> (*facts)(int records, int turn);
-    /// What the page asks the plug-in for when it is refreshed, done by hand where there is no page; may be null.
-    const char *request = nullptr;
-    int volumes = 0; ///< in the reply about the station's volumes that comes before the message; 0: none comes
+    bool isTree = false; ///< the page asks for it, and shows the station's volumes beside it
+    /// With more records the plain rules take too long for a second time.
+    int mostPlain = std::numeric_limits<int>::max();
 };
 
 std::vector<Scenario> scenarios();

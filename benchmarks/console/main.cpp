@@ -47,16 +47,16 @@ struct Turn
     /// What comes from the station before the message.
     void prepare(ConsoleClient &client) const
     {
-        if (scenario.volumes > 0)
-            deliver(*client.plugin, ServerCommand::getVolume, Replies::volumes(scenario.volumes));
+        if (scenario.isTree)
+            deliver(*client.plugin, ServerCommand::getVolume, Replies::volumes(8));
     }
     void reach(ConsoleClient &client) const { deliver(*client.plugin, scenario.message, data); }
 };
 
 double handlerSeconds(const Turn &turn, ConsoleClient &client)
 {
-    if (turn.scenario.request)
-        QMetaObject::invokeMethod(client.plugin.get(), turn.scenario.request);
+    if (turn.scenario.isTree)
+        QMetaObject::invokeMethod(client.plugin.get(), "retrieveRecordingGroupTreeModel");
     turn.prepare(client);
     beginPeak(); // as before the window's message
     const double start = threadSeconds();
@@ -92,34 +92,30 @@ void play(const Turn &turn, Contender &contender, Samples &samples, bool isFirst
     note("peak, MB", peakGrowth / megabyte);
 }
 
-/// A model as QML asks for it; with @p keys those of a station, or of its group.
-template<typename... Keys>
-const QStandardItem *rows(const Contender &contender, const char *getter, const Keys &...keys)
+/// The rows of all models but for what is made up in them. It asks for the volumes of every group, so that an event
+/// after it finds more models than a page would ask for.
+template<typename Plugin>
+std::vector<std::vector<RowValues>> allRows(const Contender &contender)
 {
-    QObject *model = nullptr;
-    QMetaObject::invokeMethod(contender.client.plugin.get(), getter, Q_RETURN_ARG(QObject *, model),
-                              Q_ARG(QString, keys)...);
-    require(model != nullptr, std::string(getter) + " gives no model");
-    return rowsOf(model).invisibleRootItem();
+    auto &plugin = static_cast<Plugin &>(*contender.client.plugin);
+    const QStandardItem *const tree = rowsOf(plugin.getRecordingGroupTreeModel()).item(0);
+    const std::vector<RowValues> usage = rowValues(rowsOf(plugin.getStorageUsageModel({})).invisibleRootItem());
+    std::vector<std::vector<RowValues>> rows{
+        usage, rowValues(rowsOf(plugin.getVolumeModel()).invisibleRootItem(), VolumeRole::Id)};
+    if (tree)
+        rows.push_back(rowValues(tree, TreeRole::Id));
+    for (const RowValues &group : usage) {
+        QObject *const volumes = plugin.getGroupVolumeModel({}, group.front().second.toString());
+        require(volumes, "a group has no volume model");
+        rows.push_back(rowValues(rowsOf(volumes).invisibleRootItem(), VolumeRole::Id));
+    }
+    return rows;
 }
 
-/// Throws unless both contenders' models hold the same rows. It asks for the volumes of every group, so that an event
-/// after it finds more models than a page would ask for.
-void requireSameModels(const Contender &left, const Contender &right)
+void requireSameModels(const Contender &ours, const Contender &plain)
 {
-    const QString station;
-    const auto requireSame = [&](int madeUpRole, const char *getter, const auto &...keys) {
-        requireSameRows(rows(left, getter, keys...), rows(right, getter, keys...), madeUpRole);
-    };
-    requireSame(VolumeRole::Id, "getVolumeModel");
-    requireSame(-1, "getStorageUsageModel", station);
-    if (rows(left, "getRecordingGroupTreeModel")->hasChildren())
-        requireSameRows(rows(left, "getRecordingGroupTreeModel")->child(0),
-                        rows(right, "getRecordingGroupTreeModel")->child(0), TreeRole::Id);
-    const QStandardItem *const usage = rows(left, "getStorageUsageModel", station);
-    for (int row = 0; row < usage->rowCount(); ++row)
-        requireSame(VolumeRole::Id, "getGroupVolumeModel", station,
-                    usage->child(row)->data(RecordingGroupRole::Id).toString());
+    require(allRows<PluginRecordingManagement>(ours) == allRows<PlainPlugin>(plain),
+            "the rows are not those of the plain rules");
 }
 
 /// In a round the message reaches a window of the plug-in and one of the plain rules, in random order, and once more a
@@ -128,8 +124,9 @@ void requireSameModels(const Contender &left, const Contender &right)
 /// ms" (the message where nobody looks), "window, CPU ms" (all that the shown window takes beyond that), "peak, MB"
 /// (memory that the refill takes meanwhile), "grown, MB" (memory that it keeps beyond the rows of before) and "heap,
 /// MB" (what the first message takes, rows and page). "stall, ours/plain" is the ratio in CPU time within a round.
-void playScenario(benchmark::State &state, const Scenario &scenario, const Scenario::Size &size, int mostRounds)
+void playScenario(benchmark::State &state, const Scenario &scenario, int records, int mostRounds)
 {
+    const bool isPlainOnce = records > scenario.mostPlain;
     Contender ours = contender<PluginRecordingManagement>("", scenario.page);
     Contender plain = contender<PlainPlugin>("plain ", scenario.page);
     std::array<Contender *, 2> order{&ours, &plain};
@@ -137,18 +134,18 @@ void playScenario(benchmark::State &state, const Scenario &scenario, const Scena
     Samples samples;
     const double end = wallSeconds() + secondsForASize;
     for (int number = 0; number <= mostRounds && (number <= fewestRounds || wallSeconds() < end); ++number) {
-        const Turn turn{scenario, scenario.data(size.records, number), scenario.facts(size.records, number)};
+        const Turn turn{scenario, scenario.data(records, number), scenario.facts(records, number)};
         const bool isFirst = number == 0;
         std::shuffle(order.begin(), order.end(), random);
         for (Contender *const contender : order) {
-            const bool isOnly = contender == &plain && size.plainOnce;
+            const bool isOnly = contender == &plain && isPlainOnce;
             if (isFirst || !isOnly)
                 play(turn, *contender, samples, isFirst, isOnly);
         }
-        if (isFirst && size.plainOnce)
+        if (isFirst && isPlainOnce)
             requireSameModels(ours, plain);
     }
-    if (!size.plainOnce)
+    if (!isPlainOnce)
         requireSameModels(ours, plain);
     const std::vector<double> &stalls = samples["stall, CPU ms"];
     const std::vector<double> &plainStalls = samples["plain stall, CPU ms"];
@@ -182,9 +179,8 @@ int main(int argc, char **argv)
     QQuickStyle::setStyle(QStringLiteral("Basic"));
     add("idle page", [isSmoke](auto &state) { watchIdle(state, isSmoke ? 12 : 120); });
     for (const Scenario &scenario : scenarios()) {
-        for (const Scenario::Size &size : isSmoke ? std::vector<Scenario::Size>{{64}} : scenario.sizes)
-            add(scenario.name, size.records,
-                [=](auto &state) { playScenario(state, scenario, size, isSmoke ? 1 : 9); });
+        add(scenario.name, isSmoke ? std::vector{64} : scenario.sizes,
+            [=](auto &state, int records) { playScenario(state, scenario, records, isSmoke ? 1 : 9); });
     }
     return runBenchmarks(argc, argv);
 }

@@ -7,12 +7,6 @@
 
 namespace {
 
-const QString reserveTimeKey = QStringLiteral("reserveTime");
-const QString groupNameKey = QStringLiteral("groupName");
-const QString availableSizeKey = QStringLiteral("availableSize");
-const QString recordedDaysKey = QStringLiteral("recordedDays");
-const QString oneDayUsageKey = QStringLiteral("oneDayUsage");
-
 QStandardItem *newItem(std::initializer_list<std::pair<int, QVariant>> values)
 {
     auto *const item = new QStandardItem;
@@ -55,14 +49,14 @@ QMap<QString, QVariant> sumUsage(const QVariant &data)
         const qlonglong recorded = entry[FieldKey::volumeRecordedDays].toLongLong();
         const QString id = entry[FieldKey::recordingGroupID].toString();
         QVariantMap group = result[id].toMap();
-        group[reserveTimeKey] = entry[FieldKey::recordingGroupReservedTime].toInt();
-        group[groupNameKey] = entry[FieldKey::recordingGroupName].toString();
-        group[availableSizeKey] =
-            group[availableSizeKey].toLongLong() + entry[FieldKey::volumeAvailableSize].toLongLong();
+        group[FieldKey::recordingGroupReservedTime] = entry[FieldKey::recordingGroupReservedTime].toInt();
+        group[FieldKey::recordingGroupName] = entry[FieldKey::recordingGroupName].toString();
+        group[FieldKey::volumeAvailableSize] =
+            group[FieldKey::volumeAvailableSize].toLongLong() + entry[FieldKey::volumeAvailableSize].toLongLong();
         if (recorded >= 0)
-            group[recordedDaysKey] = recorded + group[recordedDaysKey].toLongLong();
+            group[FieldKey::volumeRecordedDays] = recorded + group[FieldKey::volumeRecordedDays].toLongLong();
         if (oneDay >= 0)
-            group[oneDayUsageKey] = oneDay + group[oneDayUsageKey].toLongLong();
+            group[FieldKey::volumeOneDayUsage] = oneDay + group[FieldKey::volumeOneDayUsage].toLongLong();
         result[id] = group;
     }
     return result;
@@ -96,23 +90,23 @@ void fillUsage(QStandardItemModel &model, const QMap<QString, QVariant> &usage)
     model.clear();
     for (const QString &id : usage.keys()) {
         QVariantMap group = usage[id].toMap();
-        const qlonglong recorded = group.contains(recordedDaysKey) ? group[recordedDaysKey].toLongLong() : -1;
-        const qlonglong oneDay = group.contains(oneDayUsageKey) ? group[oneDayUsageKey].toLongLong() : -1;
-        const qlonglong available = group[availableSizeKey].toLongLong();
+        const qlonglong recorded = group.value(FieldKey::volumeRecordedDays, -1).toLongLong();
+        const qlonglong oneDay = group.value(FieldKey::volumeOneDayUsage, -1).toLongLong();
+        const qlonglong available = group[FieldKey::volumeAvailableSize].toLongLong();
         const double days = static_cast<double>(available) / static_cast<double>(oneDay / 1024);
         const qlonglong remaining = oneDay > 0 ? static_cast<qlonglong>(days) : -1;
         if (id.isEmpty())
             continue;
         model.appendRow(newItem({
             {RecordingGroupRole::Id, id},
-            {RecordingGroupRole::Name, group[groupNameKey].toString()},
+            {RecordingGroupRole::Name, group[FieldKey::recordingGroupName].toString()},
             {RecordingGroupRole::PathList, QStringList()},
             {RecordingGroupRole::NodeIdList, QStringList()},
             {RecordingGroupRole::NasPathList, QStringList()},
             {RecordingGroupRole::RecordedDays, static_cast<int>(recorded)},
             {RecordingGroupRole::RemainDays, static_cast<int>(remaining)},
             {RecordingGroupRole::OneDayUsage, oneDay},
-            {RecordingGroupRole::ReserveTime, group[reserveTimeKey].toInt()},
+            {RecordingGroupRole::ReserveTime, group[FieldKey::recordingGroupReservedTime].toInt()},
         }));
     }
 }
@@ -181,10 +175,7 @@ void PlainPlugin::EventProcessor(QString event, qint64, int, int, QVariant data,
     if (event != ServerEvent::VolumeChanged)
         return;
     const QMap<QString, QVariant> usage = sumUsage(data);
-    if (m_areVolumeModelsMade)
-        makeVolumeModels(source, data);
-    else
-        keepEntries(source, data);
+    keepEntries(source, data);
     fillUsage(rowsOf(getStorageUsageModel(source)), usage);
     reportVolumes(m_statusMonitor, source, data);
     reportGroups(m_statusMonitor, source, rowsOf(getStorageUsageModel(source)));
@@ -197,28 +188,23 @@ bool PlainPlugin::retrieveRecordingGroupTreeModel()
     return PluginRecordingManagement::retrieveRecordingGroupTreeModel();
 }
 
-void PlainPlugin::makeVolumeModels(const QString &source, const QVariant &data)
+void PlainPlugin::keepEntries(const QString &source, const QVariant &data)
 {
+    m_keptEntries[source].clear();
     m_groupVolumeModels[source].clear();
     for (const QVariant &element : data.toList()) {
         QVariantMap map = element.toMap();
         const QString id = map[FieldKey::recordingGroupID].toString();
-        if (!m_groupVolumeModels[source].contains(id)) {
-            QSharedPointer<QStandardItemModel> model(new QStandardItemModel(this));
-            model->setItemRoleNames(volumeRoleNames());
-            m_groupVolumeModels[source][id] = model;
+        if (!m_areVolumeModelsMade) {
+            m_keptEntries[source][id].append(map);
+            continue;
         }
-        m_groupVolumeModels[source][id]->appendRow(
-            newVolume(map, FieldKey::recordingPath, map[FieldKey::volumeIsNAS].toBool()));
-    }
-}
-
-void PlainPlugin::keepEntries(const QString &source, const QVariant &data)
-{
-    m_keptEntries[source].clear();
-    for (const QVariant &element : data.toList()) {
-        QVariantMap map = element.toMap();
-        m_keptEntries[source][map[FieldKey::recordingGroupID].toString()].append(map);
+        QSharedPointer<QStandardItemModel> &model = m_groupVolumeModels[source][id];
+        if (!model) {
+            model.reset(new QStandardItemModel(this));
+            model->setItemRoleNames(volumeRoleNames());
+        }
+        model->appendRow(newVolume(map, FieldKey::recordingPath, map[FieldKey::volumeIsNAS].toBool()));
     }
 }
 
@@ -270,8 +256,8 @@ QVariantList PlainPlugin::getRecordingGroupInfoList()
         }
         result.append(QVariantMap{
             {QStringLiteral("recordingGroup"), id},
-            {groupNameKey, group.data(RecordingGroupRole::Name).toString()},
-            {recordedDaysKey, group.data(RecordingGroupRole::RecordedDays).toInt()},
+            {QStringLiteral("groupName"), group.data(RecordingGroupRole::Name).toString()},
+            {QStringLiteral("recordedDays"), group.data(RecordingGroupRole::RecordedDays).toInt()},
             {QStringLiteral("remainingDays"), group.data(RecordingGroupRole::RemainDays).toInt()},
             {QStringLiteral("volumeList"), volumes},
         });

@@ -61,16 +61,12 @@ public:
     Q_INVOKABLE QVariantList getRecordingGroupInfoList();
 
 private:
-    using ModelsByGroup = QMap<QString, QSharedPointer<QStandardItemModel>>;
-
-    void makeVolumeModels(const QString &source, const QVariant &data);
     void keepEntries(const QString &source, const QVariant &data);
-
     QVariant cached(const QString &id, const QString &relayPath, const QString &key) const;
 
     QObject *m_statusMonitor = nullptr; // not owned
     std::vector<QVariantMap> m_cache; // the recording groups as the station sent them
-    QMap<QString, ModelsByGroup> m_groupVolumeModels; // by station
-    QMap<QString, QMap<QString, QVariantList>> m_keptEntries; // by station and group
+    QMap<QString, QMap<QString, QSharedPointer<QStandardItemModel>>> m_groupVolumeModels; // by station and group
+    QMap<QString, QMap<QString, QVariantList>> m_keptEntries; // likewise
     bool m_areVolumeModelsMade = true;
 };

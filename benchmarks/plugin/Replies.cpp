@@ -4,7 +4,6 @@ namespace Replies {
 
 namespace {
 
-constexpr int membersPerGroup = 4;
 constexpr qlonglong volumeSize = 4'000'000'000; // KB
 constexpr qlonglong availableSize = 1'000'000'000;
 constexpr qlonglong oneDayUsage = 2'000'000;
@@ -92,11 +91,6 @@ QVariantList recordingGroups(int count, int members)
     });
 }
 
-QVariantList recordingGroups(int count)
-{
-    return recordingGroups(count, membersPerGroup);
-}
-
 QVariantList volumeEntries(int count, Order order)
 {
     return listOf(count, [count, order](int i) {
@@ -115,11 +109,6 @@ QVariantList volumeEntries(int count, Order order)
             {"volumeIsNAS", i % 4 == 0},
         };
     });
-}
-
-QVariantList volumeEntries(int count)
-{
-    return volumeEntries(count, Order::Together);
 }
 
 QString relayPath()

@@ -13,10 +13,8 @@ enum class Order { Together, Spread };
 QVariantList volumes(int count); ///< "getVolume": five keys each
 QVariantList nasServers(int count); ///< "GetNasServers": five keys each
 /// "getRecordingGroup" and "retrieveRecordingGroupTreeModel": ten keys each, all under the relay path relayPath().
-QVariantList recordingGroups(int count, int members);
-QVariantList recordingGroups(int count); ///< of four members each
-QVariantList volumeEntries(int count, Order order); ///< "VolumeChanged": eleven keys each
-QVariantList volumeEntries(int count); ///< those of a group together
+QVariantList recordingGroups(int count, int members = 4);
+QVariantList volumeEntries(int count, Order order = Order::Together); ///< "VolumeChanged": eleven keys each
 
 QString relayPath();
 QString groupId(int group);

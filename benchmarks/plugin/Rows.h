@@ -19,12 +19,11 @@ using RowValues = std::vector<std::pair<int, QVariant>>;
 /// The fields @p keys of every record, at hand.
 std::vector<RowValues> fieldValues(const QVariantList &records, const QStringList &keys);
 
-/// The children of @p parent, value by value, in the order of the roles.
-std::vector<RowValues> rowValues(const QStandardItem *parent);
+/// The children of @p parent, value by value, in the order of the roles and without @p leftOut.
+std::vector<RowValues> rowValues(const QStandardItem *parent, int leftOut = -1);
 
 /// The floor: an item for each row, setData() for each role, one append.
 void appendRows(QStandardItem *parent, const std::vector<RowValues> &rows);
-
 /// The same after clearing the model.
 void refill(QStandardItemModel &model, const std::vector<RowValues> &rows);
 

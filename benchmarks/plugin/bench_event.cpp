@@ -36,37 +36,6 @@ const QStandardItem *volumeRows(Plugin &plugin, const QString &group)
     return rowsOf(plugin.getGroupVolumeModel({}, group)).invisibleRootItem();
 }
 
-/// The models that an event brings, made anew with their values at hand.
-class Floor
-{
-public:
-    Floor(PlainPlugin &plugin, const QStringList &groups)
-        : m_usageRows(rowValues(usageRows(plugin)))
-    {
-        for (const QString &group : groups)
-            m_volumeRows.insert(group, rowValues(volumeRows(plugin, group)));
-    }
-
-    void make()
-    {
-        m_volumes.clear();
-        for (auto group = m_volumeRows.cbegin(); group != m_volumeRows.cend(); ++group) {
-            const QSharedPointer<QStandardItemModel> model(new QStandardItemModel(&m_parent));
-            model->setItemRoleNames(volumeRoleNames());
-            appendRows(model->invisibleRootItem(), *group);
-            m_volumes.insert(group.key(), model);
-        }
-        refill(m_usage, m_usageRows);
-    }
-
-private:
-    std::vector<RowValues> m_usageRows;
-    QMap<QString, std::vector<RowValues>> m_volumeRows;
-    QObject m_parent;
-    QStandardItemModel m_usage;
-    QMap<QString, QSharedPointer<QStandardItemModel>> m_volumes;
-};
-
 void receiveEvent(const Reception &reception, int size, const Measure &measure)
 {
     const QVariant data = Replies::volumeEntries(size, reception.order);
@@ -74,7 +43,22 @@ void receiveEvent(const Reception &reception, int size, const Measure &measure)
     Client ours;
     Client<PlainPlugin> plain;
     deliver(plain.plugin, ServerEvent::VolumeChanged, data);
-    Floor floor(plain.plugin, groups);
+    const std::vector<RowValues> usage = rowValues(usageRows(plain.plugin));
+    std::vector<std::vector<RowValues>> volumes;
+    for (const QString &group : groups)
+        volumes.push_back(rowValues(volumeRows(plain.plugin, group)));
+    QObject parent;
+    QStandardItemModel usageFloor;
+    std::vector<std::unique_ptr<QStandardItemModel>> volumeFloors;
+    const auto makeFloor = [&] {
+        volumeFloors.clear();
+        for (const std::vector<RowValues> &rows : volumes) {
+            const auto &model = volumeFloors.emplace_back(std::make_unique<QStandardItemModel>(&parent));
+            model->setItemRoleNames(volumeRoleNames());
+            appendRows(model->invisibleRootItem(), rows);
+        }
+        refill(usageFloor, usage);
+    };
     plain.plugin.setVolumeModelsMade(reception.arePlainModelsMade);
     measure({
         {"ours",
@@ -85,7 +69,7 @@ void receiveEvent(const Reception &reception, int size, const Measure &measure)
          }},
         {"plain", [&] { deliver(plain.plugin, ServerEvent::VolumeChanged, data); }},
         {"read", [&] { readFields(data, usageKeys), readFields(data, volumeKeys); }},
-        {"floor", [&] { floor.make(); }},
+        {"floor", makeFloor},
     });
     requireSameRows(usageRows(ours.plugin), usageRows(plain.plugin));
     for (const QString &group : reception.arePlainModelsMade ? groups : QStringList())
@@ -119,17 +103,15 @@ std::vector<Case> eventCases()
 // What the end of one model costs among many children of one parent, in the worst order, at random, as maps have it.
 void addManyModels(const std::vector<int> &sizes)
 {
-    for (const int size : sizes) {
-        add("models of one parent", size, [size](benchmark::State &state) {
-            QObject parent;
-            std::vector<QSharedPointer<QStandardItemModel>> models;
-            const auto make = [&] {
-                for (int i = 0; i < size; ++i)
-                    models.emplace_back(new QStandardItemModel(&parent));
-                std::shuffle(models.begin(), models.end(), std::mt19937(1));
-            };
-            measure(state, {{"ours", [&] { models.clear(); }, make}}, {.rounds = 9, .fewest = 1, .seconds = 1});
-            state.counters["end of one, us"] = state.counters["ours"] / size;
-        });
-    }
+    add("models of one parent", sizes, [](benchmark::State &state, int size) {
+        QObject parent;
+        std::vector<QSharedPointer<QStandardItemModel>> models;
+        const auto make = [&] {
+            for (int i = 0; i < size; ++i)
+                models.emplace_back(new QStandardItemModel(&parent));
+            std::shuffle(models.begin(), models.end(), std::mt19937(1));
+        };
+        measure(state, {{"ours", [&] { models.clear(); }, make}}, {.rounds = 9, .fewest = 1, .seconds = 1});
+        state.counters["end of one, us"] = state.counters["ours"] / size;
+    });
 }

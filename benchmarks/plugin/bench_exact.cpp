@@ -94,14 +94,16 @@ void addSignalCounts()
 
 void addHeapCounts()
 {
+    const auto groups = [](int count) { return Replies::recordingGroups(count); };
+    const auto entries = [](int count) { return Replies::volumeEntries(count); };
     const Held everything[] = {
         {"15 heap of a volume", Replies::volumes,
          [](Plugin &plugin, const QVariantList &records) { deliver(plugin, ServerCommand::getVolume, records); }},
         {"15 heap of a NAS server", Replies::nasServers,
          [](Plugin &plugin, const QVariantList &records) { deliver(plugin, ServerCommand::GetNasServers, records); }},
-        {"15 heap of a group in the tree", Replies::recordingGroups, fillTree, heapRecords}, // the cache keeps its room
-        {"15 heap of a group volume", Replies::volumeEntries, fillEntriesAndModels},
-        {"15 heap of an entry not asked for", Replies::volumeEntries, fillEntries},
+        {"15 heap of a group in the tree", groups, fillTree, heapRecords}, // the cache keeps its room
+        {"15 heap of a group volume", entries, fillEntriesAndModels},
+        {"15 heap of an entry not asked for", entries, fillEntries},
     };
     for (const Held &held : everything)
         add(held.name, [held](benchmark::State &state) { countHeap(state, held); });

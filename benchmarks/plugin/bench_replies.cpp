@@ -134,7 +134,7 @@ std::vector<Case> replyCases()
                   {"id", "host", "logonDomain", "userName", "password"}}),
         listCase("03 recording-group reply", {100, 1000, 10'000},
                  {"getRecordingGroup",
-                  Replies::recordingGroups,
+                  [](int count) { return Replies::recordingGroups(count); },
                   &Plugin::getRecordingGroupModel,
                   RecordingGroupRole::Id,
                   {"recordingGroupID", "recordingGroupName"},

@@ -3,28 +3,13 @@
 #include "Program.h"
 #include "RecordedSite.h"
 
-#include <array>
-#include <cerrno>
-#include <cstring>
-#include <filesystem>
-
-#include <fcntl.h>
-#include <unistd.h>
-
 namespace {
 constexpr qint64 kilobyte = 1024;
 constexpr qint64 terabyte = kilobyte * kilobyte * kilobyte * kilobyte;
 
-std::string text(const char *format, int first, int second = 0)
+QString groupName(int group)
 {
-    std::array<char, 32> buffer{};
-    std::snprintf(buffer.data(), buffer.size(), format, first, second);
-    return buffer.data();
-}
-
-std::string groupName(int group)
-{
-    return text("Group %02d", group + 1);
+    return QString::asprintf("Group %02d", group + 1);
 }
 
 QDate dayOf(const RecordedTree::File &file)
@@ -38,28 +23,26 @@ qint64 bytesOf(const RecordedTree::File &file)
     return (40'000 + (file.group * 31 + file.camera * 17 + file.day * 7 + file.file * 3) % 1000) * kilobyte;
 }
 
-void makeFile(const std::string &path, qint64 bytes)
+void makeFile(const QString &path, qint64 bytes)
 {
-    const int file = open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0644);
-    const bool isMade = file >= 0 && ftruncate(file, bytes) == 0;
-    require(isMade, path + " cannot be made: " + std::strerror(errno) + "; see --help");
-    close(file);
+    QFile file(path);
+    const bool isMade = file.open(QIODevice::NewOnly) && file.resize(bytes);
+    require(isMade, (path + " cannot be made: " + file.errorString() + "; see --help").toStdString());
 }
 } // namespace
 
-RecordedTree::RecordedTree(const Layout &layout, const std::string &path)
+RecordedTree::RecordedTree(const Layout &layout, const QString &path)
     : m_layout(layout)
     , m_path(path)
     , m_sums(layout.groups)
 {
-    std::filesystem::create_directory(path);
     for (int number = 0; number < layout.all(); ++number) {
         File file{.file = number % layout.files};
         file.day = layout.days - 1 - number / layout.files % layout.days; // the newest comes last
         file.camera = number / (layout.files * layout.days) % layout.cameras;
         file.group = number / (layout.files * layout.days * layout.cameras);
         if (file.file == 0)
-            std::filesystem::create_directories(std::filesystem::path(filePath(file)).parent_path());
+            QDir().mkpath(QFileInfo(filePath(file)).path());
         makeFile(filePath(file), bytesOf(file));
         count(file, 1, bytesOf(file));
     }
@@ -67,22 +50,22 @@ RecordedTree::RecordedTree(const Layout &layout, const std::string &path)
 
 Volume RecordedTree::volume() const
 {
-    return {QString::fromStdString(m_path), QStringLiteral("Disk"), 100 * terabyte, 40 * terabyte, false, false};
+    return {m_path, QStringLiteral("Disk"), 100 * terabyte, 40 * terabyte, false, false};
 }
 
 QList<RecordingGroup> RecordedTree::groups() const
 {
     QList<RecordingGroup> groups;
     for (int group = 0; group < m_layout.groups; ++group)
-        groups.append(RecordedSite::group(QString::fromStdString(groupName(group)), {QString::fromStdString(m_path)}));
+        groups.append(RecordedSite::group(groupName(group), {m_path}));
     return groups;
 }
 
-std::string RecordedTree::filePath(const File &file) const
+QString RecordedTree::filePath(const File &file) const
 {
-    return m_path + '/' + groupName(file.group) + text("/Camera %03d/", file.camera + 1)
-        + dayOf(file).toString(Qt::ISODate).toStdString()
-        + text("/%02d-%02d.rec", file.file / 6, file.file % 6 * 10); // one for ten minutes
+    const QString camera = QString::asprintf("Camera %03d", file.camera + 1);
+    return RecordedSite::dayFolder(m_path, groupName(file.group), camera, dayOf(file))
+        + QString::asprintf("/%02d-%02d.rec", file.file / 6, file.file % 6 * 10); // one for ten minutes
 }
 
 void RecordedTree::count(const File &file, qint64 files, qint64 bytes)
@@ -95,23 +78,23 @@ void RecordedTree::count(const File &file, qint64 files, qint64 bytes)
 
 void RecordedTree::grow(const File &file, qint64 bytes)
 {
-    const std::string path = filePath(file);
-    std::filesystem::resize_file(path, std::filesystem::file_size(path) + static_cast<std::uintmax_t>(bytes));
+    const QString path = filePath(file);
+    require(QFile::resize(path, QFileInfo(path).size() + bytes), "a recording cannot grow");
     count(file, 0, bytes);
 }
 
 void RecordedTree::add(int group)
 {
     const File file{group, 0, 0, m_layout.files};
-    const std::string elsewhere = m_path + ".new";
+    const QString elsewhere = m_path + QStringLiteral(".new");
     makeFile(elsewhere, bytesOf(file));
-    std::filesystem::rename(elsewhere, filePath(file));
+    require(QFile::rename(elsewhere, filePath(file)), "a recording cannot be moved into its folder");
     count(file, 1, bytesOf(file));
 }
 
 void RecordedTree::remove(int group)
 {
     const File file{group, 0, 0, m_layout.files};
-    std::filesystem::remove(filePath(file));
+    require(QFile::remove(filePath(file)), "a recording cannot be removed");
     count(file, -1, -bytesOf(file));
 }

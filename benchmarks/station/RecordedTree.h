@@ -4,8 +4,6 @@
 #include "groups/RecordingGroup.h"
 #include "usage/UsageFigures.h"
 
-#include <string>
-
 /// How many of each there are; the files of a tree are their product.
 struct Layout
 {
@@ -22,11 +20,19 @@ struct Layout
 class RecordedTree
 {
 public:
+    struct File
+    {
+        int group = 0;
+        int camera = 0;
+        int day = 0; ///< 0: the newest
+        int file = 0;
+    };
+
     /// Makes the files in the new folder @p path.
-    RecordedTree(const Layout &layout, const std::string &path);
+    RecordedTree(const Layout &layout, const QString &path);
 
     const Layout &layout() const { return m_layout; }
-    const std::string &path() const { return m_path; } ///< of all groups
+    const QString &path() const { return m_path; } ///< of all groups
     Volume volume() const; ///< that the path is on, of which nothing is used up
     QList<RecordingGroup> groups() const;
     static QDate newestDay() { return {2026, 3, 19}; }
@@ -35,13 +41,6 @@ public:
     const QList<DaySums> &sums() const { return m_sums; }
     qint64 bytes() const { return m_bytes; } ///< of all files, as they are now
 
-    struct File
-    {
-        int group = 0;
-        int camera = 0;
-        int day = 0; ///< 0: the newest
-        int file = 0;
-    };
     /// Gives that file @p bytes more, or less.
     void grow(const File &file, qint64 bytes);
     /// A file behind all others of the newest day of the group's first camera comes, complete, and goes.
@@ -49,11 +48,11 @@ public:
     void remove(int group);
 
 private:
-    std::string filePath(const File &file) const;
+    QString filePath(const File &file) const;
     void count(const File &file, qint64 files, qint64 bytes);
 
     Layout m_layout;
-    std::string m_path;
+    QString m_path;
     QList<DaySums> m_sums;
     qint64 m_bytes = 0;
 };

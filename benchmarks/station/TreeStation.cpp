@@ -40,10 +40,10 @@ void waitFor(const std::function<bool()> &isSo, const std::string &what)
     }
 }
 
-TreeStation::TreeStation(const Layout &layout, std::string path, const std::string &dataFolder)
+TreeStation::TreeStation(const Layout &layout, const QString &path, const QString &dataFolder)
     : m_layout(layout)
-    , m_path(std::move(path))
-    , m_dataFolder(QString::fromStdString(dataFolder))
+    , m_path(path)
+    , m_dataFolder(dataFolder)
 {
 }
 
@@ -135,14 +135,8 @@ void TreeStation::checkIndex()
     const PlaceSums sums = RecordingIndex(database).sums();
     QList<qint64> places = sums.keys();
     std::sort(places.begin(), places.end()); // in the order of the groups
-    const bool isSame = std::equal(places.cbegin(), places.cend(), files().sums().cbegin(), files().sums().cend(),
-                                   [&sums](qint64 place, const DaySums &days) {
-                                       const auto isEqual = [](const DaySum &a, const DaySum &b) {
-                                           return a.files == b.files && a.bytes == b.bytes;
-                                       };
-                                       const DaySums &read = sums[place].days;
-                                       return read.keys() == days.keys()
-                                           && std::equal(read.cbegin(), read.cend(), days.cbegin(), isEqual);
-                                   });
-    require(isSame, "the station's sums are not those of the files");
+    QList<DaySums> read;
+    for (const qint64 place : std::as_const(places))
+        read.append(sums[place].days);
+    require(read == files().sums(), "the station's sums are not those of the files");
 }

@@ -16,7 +16,7 @@ class TreeStation
 public:
     /// The files come into the new folder @p path, when they are first asked for, and the database into the data folder
     /// @p dataFolder.
-    TreeStation(const Layout &layout, std::string path, const std::string &dataFolder);
+    TreeStation(const Layout &layout, const QString &path, const QString &dataFolder);
 
     int size() const { return m_layout.all(); } ///< files
     RecordedTree &files();
@@ -40,7 +40,7 @@ private:
     bool areFiguresTold();
 
     Layout m_layout;
-    std::string m_path;
+    QString m_path;
     QString m_dataFolder;
     std::unique_ptr<RecordedTree> m_files;
     std::unique_ptr<Station> m_station;
@@ -57,4 +57,4 @@ void addReading(const TreeStations &trees);
 void addChanges(const TreeStations &trees);
 void addEvents(const std::vector<int> &groups);
 /// @param folder for the data of the stations
-void addLink(const std::string &folder, const std::vector<int> &records);
+void addLink(const QString &folder, const std::vector<int> &records);

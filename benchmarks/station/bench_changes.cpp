@@ -55,8 +55,8 @@ void changeFiles(benchmark::State &state, TreeStation &tree, const Change &chang
 void addChanges(const TreeStations &trees)
 {
     for (const auto &tree : trees) {
-        add("start to figures", tree->size(), [&tree](auto &state) { start(state, *tree); });
+        add("start to figures", {tree->size()}, [&tree](auto &state, int) { start(state, *tree); });
         for (const Change &change : changes)
-            add(change.name, tree->size(), [&tree, &change](auto &state) { changeFiles(state, *tree, change); });
+            add(change.name, {tree->size()}, [&tree, &change](auto &state, int) { changeFiles(state, *tree, change); });
     }
 }

@@ -75,6 +75,5 @@ void makeEvent(benchmark::State &state, int groups)
 
 void addEvents(const std::vector<int> &groups)
 {
-    for (const int size : groups)
-        add("making an event", size, [size](auto &state) { makeEvent(state, size); });
+    add("making an event", groups, makeEvent);
 }

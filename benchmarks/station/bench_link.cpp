@@ -16,7 +16,6 @@
 #include <sched.h>
 
 namespace {
-constexpr int members = 4;
 constexpr int recordsInAll = 60'000; // of all trips together, about
 constexpr int mostTrips = 1001;
 constexpr int fewestTrips = 7;
@@ -29,12 +28,9 @@ StationCommand commandFor(int records)
     return {StationCommandName::retrieveRecordingGroupTreeModel, QVariantMap{{StationKey::relayPath, QString()}}};
 }
 
-StationSettings settings(const QString &dataFolder)
+std::unique_ptr<Station> newStation(const QString &dataFolder)
 {
-    StationSettings settings;
-    settings.dataFolder = dataFolder;
-    settings.volumes = std::make_unique<FakeVolumes>();
-    return settings;
+    return std::make_unique<Station>(StationSettings{dataFolder, {}, std::make_unique<FakeVolumes>()});
 }
 
 /// A database with @p count recording groups, of some cameras each and of no path that a station would look after.
@@ -43,14 +39,16 @@ void makeGroups(const QString &dataFolder, int count)
     Database database(dataFolder);
     Transaction transaction(database);
     GroupStore store(database);
-    for (int camera = 0; camera < members; ++camera)
-        store.insert(Camera{QStringLiteral("Camera %1").arg(camera), 1});
+    QList<GroupMember> members;
+    for (const char *const camera : {"Camera 0", "Camera 1", "Camera 2", "Camera 3"}) {
+        store.insert(Camera{camera, 1});
+        members.append({camera});
+    }
     for (int number = 0; number < count; ++number) {
         RecordingGroup group;
         group.id = QStringLiteral("{00000000-0000-4000-8000-%1}").arg(number, 12, 10, QLatin1Char('0'));
         group.name = group.folder = QStringLiteral("Group %1").arg(number);
-        for (int camera = 0; camera < members; ++camera)
-            group.members.append({QStringLiteral("Camera %1").arg(camera), 0, false, false});
+        group.members = members;
         store.insert(group);
     }
     transaction.commit();
@@ -76,17 +74,13 @@ void roundTrip(benchmark::State &state, const QString &dataFolder, int records)
     const auto core = stayOnOneCore();
     const StationCommand command = commandFor(records);
     makeGroups(dataFolder, records);
-    Station here(settings(dataFolder));
-    StationReply reply;
-    bool isThere = false;
-    const auto take = [&](const StationReply &part) {
-        reply = part;
-        isThere = true;
-    };
-    here.handle(command, take);
-    const StationReply known = reply;
+    const auto here = newStation(dataFolder);
+    std::optional<StationReply> reply;
+    const auto take = [&reply](const StationReply &part) { reply = part; };
+    here->handle(command, take);
+    const StationReply known = reply.value();
 
-    EmbeddedLink link([dataFolder] { return std::make_unique<Station>(settings(dataFolder)); });
+    EmbeddedLink link([dataFolder] { return newStation(dataFolder); });
     StationCalls calls(link);
     link.start();
     waitFor([&link] { return link.isUp(); }, "the link");
@@ -102,28 +96,24 @@ void roundTrip(benchmark::State &state, const QString &dataFolder, int records)
     });
     // Two queued calls with the reply, as every link inside a process needs them.
     const auto sendToEcho = [&] {
-        const auto answer = [&take, known] { take(known); };
+        const auto answer = [take, known] { take(known); };
         const auto handBack = [&caller, answer] { QMetaObject::invokeMethod(&caller, answer, Qt::QueuedConnection); };
         QMetaObject::invokeMethod(&echo, handBack, Qt::QueuedConnection);
     };
     const auto variant = [&](const std::string &name, const std::function<void()> &send) {
         const auto run = [&, send] {
             send();
-            waitFor([&isThere] { return isThere; }, "a reply");
+            waitFor([&reply] { return reply.has_value(); }, "a reply");
             const QString &code = records == 0 ? StationReturnCode::UnknownCommand : StationReturnCode::Success;
-            require(reply.returnCode == code && reply.data.toList().size() == records,
+            require(reply->returnCode == code && reply->data.toList().size() == records,
                     "the reply is not that of the station's groups");
         };
-        const auto prepare = [&] {
-            isThere = false;
-            reply = {};
-        };
-        return Variant{name, run, prepare};
+        return Variant{name, run, [&reply] { reply.reset(); }};
     };
     measure(state,
             {
                 variant("ours", [&] { calls.send(command.name, command.data, &caller, take); }),
-                variant("station", [&] { here.handle(command, take); }),
+                variant("station", [&] { here->handle(command, take); }),
                 variant("floor", sendToEcho),
             },
             {.rounds = std::clamp(recordsInAll / std::max(records, 1), fewestTrips, mostTrips),
@@ -133,10 +123,9 @@ void roundTrip(benchmark::State &state, const QString &dataFolder, int records)
 }
 } // namespace
 
-void addLink(const std::string &folder, const std::vector<int> &records)
+void addLink(const QString &folder, const std::vector<int> &records)
 {
-    for (const int size : records) {
-        const QString dataFolder = QString::fromStdString(folder) + QStringLiteral("/link-%1").arg(size);
-        add("round trip", size, [dataFolder, size](auto &state) { roundTrip(state, dataFolder, size); });
-    }
+    add("round trip", records, [folder](benchmark::State &state, int size) {
+        roundTrip(state, folder + QStringLiteral("/link-%1").arg(size), size);
+    });
 }

@@ -44,12 +44,7 @@ QMap<QString, DaySums> readPlainly(const QString &path)
         files.next();
         const QFileInfo file = files.fileInfo();
         const QStringList names = file.filePath().mid(path.size()).split(u'/', Qt::SkipEmptyParts);
-        if (names.size() != 4)
-            continue;
-        const QDate day = QDate::fromString(names.at(2), Qt::ISODate);
-        if (!day.isValid())
-            continue;
-        DaySum &sum = groups[names.at(0)][day];
+        DaySum &sum = groups[names.at(0)][QDate::fromString(names.at(2), Qt::ISODate)];
         ++sum.files;
         sum.bytes += file.size();
     }
@@ -79,11 +74,12 @@ void readAll(benchmark::State &state, TreeStation &tree, const Reading &reading)
     std::vector<Variant> variants{
         {"ours", [&] { reading.run(tree); }, [&] { reading.prepare(tree); }},
         {"floor",
-         [&] { require(walk(AT_FDCWD, files.path().c_str()) == files.bytes(), "the walk's bytes are wrong"); }},
+         [&] {
+             require(walk(AT_FDCWD, QFile::encodeName(files.path())) == files.bytes(), "the walk's bytes are wrong");
+         }},
     };
     const auto readToMaps = [&] {
-        const auto groups = readPlainly(QString::fromStdString(files.path()));
-        require(groups.size() == files.sums().size(), "the plain reading's groups are wrong");
+        require(readPlainly(files.path()).values() == files.sums(), "the plain reading's sums are wrong");
     };
     if (reading.isPlainToo)
         variants.push_back({"plain", readToMaps});
@@ -112,7 +108,7 @@ void addReading(const TreeStations &trees)
 {
     for (const auto &tree : trees) {
         for (const Reading &reading : readings) {
-            add(reading.name, tree->size(), [&tree, &reading](auto &state) {
+            add(reading.name, {tree->size()}, [&tree, &reading](auto &state, int) {
                 readAll(state, *tree, reading);
                 if (reading.name == "reading again")
                     tree->readingAgain = state.counters["ours"];

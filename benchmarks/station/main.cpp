@@ -1,10 +1,11 @@
-#include "Keeper.h"
+#include "Program.h"
 #include "TreeStation.h"
 
 #include <QCoreApplication>
+#include <QDir>
 
 #include <cstdio>
-#include <filesystem>
+#include <cstdlib>
 
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -40,6 +41,16 @@ std::string quickFolder(const std::vector<Layout> &layouts, const std::string &o
     return isRoomy ? folder : otherwise;
 }
 
+/// Makes a new folder in @p parent, which @p remover removes with all that is in it.
+QString newFolder(const std::string &parent, FILE *remover)
+{
+    std::string folder = parent + "/station-benchmark-XXXXXX";
+    require(remover && mkdtemp(folder.data()), "no folder can be made in " + parent);
+    std::fwrite(folder.c_str(), 1, folder.size() + 1, remover); // with the null
+    std::fflush(remover);
+    return QString::fromStdString(folder);
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -51,15 +62,17 @@ int main(int argc, char **argv)
     const bool isSmoke = takeOption("--smoke", argc, argv).has_value();
     const std::optional<std::string> folder = takeOption("--folder", argc, argv);
     const std::vector<Layout> &layouts = isSmoke ? smokeLayouts : allLayouts;
-    const std::string temporary = std::filesystem::temp_directory_path().string();
-    Keeper keeper;
-    const std::string files = keeper.newFolder(folder.value_or(quickFolder(layouts, temporary)));
-    const std::string data = keeper.newFolder(temporary);
+    const std::string temporary = QDir::tempPath().toStdString();
+    // It goes on when the pipe to it is closed, which it is when this process ends, however it ends.
+    const std::unique_ptr<FILE, int (*)(FILE *)> remover(
+        popen("trap '' INT TERM HUP; exec xargs --null rm -rf --", "we"), pclose);
+    const QString files = newFolder(folder.value_or(quickFolder(layouts, temporary)), remover.get());
+    const QString data = newFolder(temporary, remover.get());
     const QCoreApplication application(argc, argv);
 
     TreeStations trees;
     for (const Layout &layout : layouts) {
-        const std::string name = '/' + std::to_string(layout.all());
+        const QString name = QStringLiteral("/%1").arg(layout.all());
         trees.push_back(std::make_unique<TreeStation>(layout, files + name, data + name));
     }
     addReading(trees);

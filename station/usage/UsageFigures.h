@@ -13,6 +13,8 @@ struct DaySum
 {
     qint64 files = 0;
     qint64 bytes = 0;
+
+    friend bool operator==(const DaySum &, const DaySum &) = default;
 };
 
 /// Days with recordings, each with at least one file.
