@@ -2,20 +2,12 @@
 
 #include <algorithm>
 #include <stdexcept>
-#include <string_view>
 
-std::optional<std::string> takeOption(const std::string &name, int &count, char **arguments)
+bool takeFlag(std::string_view name, int &count, char **arguments)
 {
     char **const end = arguments + count;
-    char **const found = std::find_if(arguments + 1, end, [&name](std::string_view argument) {
-        return argument.substr(0, argument.find('=')) == name;
-    });
-    if (found == end)
-        return {};
-    const std::string_view argument = *found;
-    std::rotate(found, found + 1, end);
-    --count;
-    return std::string(argument.substr(std::min(name.size() + 1, argument.size())));
+    count = static_cast<int>(std::remove(arguments + 1, end, name) - arguments);
+    return arguments + count < end;
 }
 
 void add(const std::string &name, const std::function<void(benchmark::State &)> &work)

@@ -3,14 +3,14 @@
 #include <benchmark/benchmark.h>
 
 #include <functional>
-#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 // The frame of every benchmark program: Google Benchmark with its options, and a few of our own.
 
-/// The value of "<name>=value" or, for a flag, an empty text; taken out of the command line. None: it is not there.
-std::optional<std::string> takeOption(const std::string &name, int &count, char **arguments);
+/// Takes the flag @p name out of the command line; false: it is not there.
+bool takeFlag(std::string_view name, int &count, char **arguments);
 
 /// Registers @p work, which runs once and reports counters. What it throws is the benchmark's error.
 void add(const std::string &name, const std::function<void(benchmark::State &)> &work);

@@ -4,7 +4,6 @@
 #include "PlainPlugin.h"
 #include "Program.h"
 #include "Replies.h"
-#include "Rounds.h"
 #include "Rows.h"
 
 #include <QGuiApplication>
@@ -56,7 +55,7 @@ struct Turn
 double handlerSeconds(const Turn &turn, ConsoleClient &client)
 {
     if (turn.scenario.isTree)
-        QMetaObject::invokeMethod(client.plugin.get(), "retrieveRecordingGroupTreeModel");
+        client.plugin->retrieveRecordingGroupTreeModel();
     turn.prepare(client);
     beginPeak(); // as before the window's message
     const double start = threadSeconds();
@@ -98,16 +97,13 @@ template<typename Plugin>
 std::vector<std::vector<RowValues>> allRows(const Contender &contender)
 {
     auto &plugin = static_cast<Plugin &>(*contender.client.plugin);
-    const QStandardItem *const tree = rowsOf(plugin.getRecordingGroupTreeModel()).item(0);
-    const std::vector<RowValues> usage = rowValues(rowsOf(plugin.getStorageUsageModel({})).invisibleRootItem());
-    std::vector<std::vector<RowValues>> rows{
-        usage, rowValues(rowsOf(plugin.getVolumeModel()).invisibleRootItem(), VolumeRole::Id)};
-    if (tree)
-        rows.push_back(rowValues(tree, TreeRole::Id));
+    const std::vector<RowValues> usage = rowValues(plugin.getStorageUsageModel({}));
+    std::vector<std::vector<RowValues>> rows{usage, rowValues(plugin.getVolumeModel(), VolumeRole::Id)};
+    if (const QStandardItem *const station = rowsOf(plugin.getRecordingGroupTreeModel()).item(0))
+        rows.push_back(rowValues(station, TreeRole::Id));
     for (const RowValues &group : usage) {
-        QObject *const volumes = plugin.getGroupVolumeModel({}, group.front().second.toString());
-        require(volumes, "a group has no volume model");
-        rows.push_back(rowValues(rowsOf(volumes).invisibleRootItem(), VolumeRole::Id));
+        const QString id = group.front().second.toString();
+        rows.push_back(rowValues(plugin.getGroupVolumeModel({}, id), VolumeRole::Id));
     }
     return rows;
 }
@@ -173,7 +169,7 @@ void watchIdle(benchmark::State &state, int frames)
 int main(int argc, char **argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    const bool isSmoke = takeOption("--smoke", argc, argv).has_value();
+    const bool isSmoke = takeFlag("--smoke", argc, argv);
     const QGuiApplication application(argc, argv);
     QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
     QQuickStyle::setStyle(QStringLiteral("Basic"));

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Rounds.h"
+#include "Measuring.h"
 
 /// Takes the variants of a piece of work and measures them.
 using Measure = std::function<void(const std::vector<Variant> &variants)>;

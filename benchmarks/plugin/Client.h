@@ -2,6 +2,7 @@
 
 #include "FakeStationPlugin.h"
 #include "PluginRecordingManagement.h"
+#include "Rows.h"
 #include "ServerVocabulary.h"
 #include "framework/FrameworkWrapperBase.h"
 
@@ -58,10 +59,4 @@ inline void deliver(PluginBase &plugin, const QString &name, const QVariant &dat
         plugin.EventProcessor(name, 0, 0, 0, data, {});
     else
         plugin.CommandProcessor(name, data, nullptr, ReturnCode::Success, {}, true, {});
-}
-
-/// A model as the plug-in's getters give it.
-inline QStandardItemModel &rowsOf(QObject *model)
-{
-    return *qobject_cast<QStandardItemModel *>(model);
 }

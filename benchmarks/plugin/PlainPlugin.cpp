@@ -5,6 +5,8 @@
 
 #include <QUuid>
 
+#include <memory>
+
 namespace {
 
 QStandardItem *newItem(std::initializer_list<std::pair<int, QVariant>> values)
@@ -66,22 +68,19 @@ void appendGroups(QStandardItemModel &tree, const QVariant &data)
 {
     for (const QVariant &element : data.toList()) {
         QVariantMap map = element.toMap();
-        QStandardItem *item = newItem({
+        std::unique_ptr<QStandardItem> item(newItem({
             {TreeRole::Id, QUuid::createUuid()},
             {TreeRole::Name, map[FieldKey::recordingGroupName]},
             {TreeRole::RelayPath, map[FieldKey::relayPath]},
             {TreeRole::Type, NodeType::RecordingGroup},
             {TreeRole::RecordingGroupId, map[FieldKey::recordingGroupID]},
-        });
+        }));
         const QModelIndexList parents = tree.match(tree.index(0, 0), TreeRole::RelayPath, map[FieldKey::relayPath], -1,
                                                    Qt::MatchExactly | Qt::MatchRecursive);
         for (const QModelIndex &parent : parents) {
-            if (item && parent.data(TreeRole::Type).toString() != NodeType::RecordingGroup) {
-                tree.itemFromIndex(parent)->appendRow(item);
-                item = nullptr;
-            }
+            if (item && parent.data(TreeRole::Type).toString() != NodeType::RecordingGroup)
+                tree.itemFromIndex(parent)->appendRow(item.release());
         }
-        delete item;
     }
 }
 
@@ -164,6 +163,7 @@ void PlainPlugin::CommandProcessor(QString command, QVariant data, void *, QStri
     }
     if (command == ServerCommand::retrieveRecordingGroupTreeModel) {
         appendGroups(rowsOf(getRecordingGroupTreeModel()), data);
+        m_cache.clear();
         for (const QVariant &element : data.toList())
             m_cache.push_back(element.toMap());
         emit retrieveRecordingGroupTreeModelFinish();
@@ -180,12 +180,6 @@ void PlainPlugin::EventProcessor(QString event, qint64, int, int, QVariant data,
     reportVolumes(m_statusMonitor, source, data);
     reportGroups(m_statusMonitor, source, rowsOf(getStorageUsageModel(source)));
     emit volumeInfoChanged();
-}
-
-bool PlainPlugin::retrieveRecordingGroupTreeModel()
-{
-    m_cache.clear();
-    return PluginRecordingManagement::retrieveRecordingGroupTreeModel();
 }
 
 void PlainPlugin::keepEntries(const QString &source, const QVariant &data)

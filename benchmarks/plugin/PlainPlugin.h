@@ -28,7 +28,6 @@ public:
     /// Without them an event's entries are kept by group instead, for models that nobody asks for.
     void setVolumeModelsMade(bool areMade) { m_areVolumeModelsMade = areMade; }
 
-    Q_INVOKABLE bool retrieveRecordingGroupTreeModel();
     Q_INVOKABLE QVariantList getRecordingGroupPathList(const QString &id, const QString &relayPath) const
     {
         return cached(id, relayPath, FieldKey::recordingGroupPathList).toList();

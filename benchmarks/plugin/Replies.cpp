@@ -33,16 +33,6 @@ int groupCount(int entries)
     return (entries + entriesPerGroup - 1) / entriesPerGroup;
 }
 
-QVariantMap member(int group, int number)
-{
-    return {
-        {"camName", cameraName(group, number)},
-        {"streamIndex", number % 3},
-        {"enableTimeShift", number % 2 == 0},
-        {"enableSeamless", false},
-    };
-}
-
 } // namespace
 
 QVariantList volumes(int count)
@@ -75,6 +65,15 @@ QVariantList recordingGroups(int count, int members)
 {
     return listOf(count, [members](int i) {
         const QString path = numbered("/mnt/video/", i);
+        const auto node = [i](int number) { return QStringLiteral("node-%1-%2").arg(i).arg(number); };
+        const auto member = [i](int number) {
+            return QVariantMap{
+                {"camName", cameraName(i, number)},
+                {"streamIndex", number % 3},
+                {"enableTimeShift", number % 2 == 0},
+                {"enableSeamless", false},
+            };
+        };
         return QVariantMap{
             {"recordingGroupID", groupId(i)},
             {"recordingGroupName", numbered("Group ", i)},
@@ -82,11 +81,10 @@ QVariantList recordingGroups(int count, int members)
             {"recordingGroupPathList", QVariantList{path + "/a", path + "/b"}},
             {"reserveSpace", QVariantList{qlonglong(2048), qlonglong(4096)}},
             {"recordingGroupNASPathList", QVariantList{numbered("//nas/share/", i)}},
-            {"recordingGroupNodeIdList",
-             listOf(members, [i](int number) { return QStringLiteral("node-%1-%2").arg(i).arg(number); })},
+            {"recordingGroupNodeIdList", listOf(members, node)},
             {"recordingGroupRecoveryPathList", QVariantList()},
             {"recordingGroupReservedTime", reservedTime},
-            {"recordingGroupMemberList", listOf(members, [i](int number) { return member(i, number); })},
+            {"recordingGroupMemberList", listOf(members, member)},
         };
     });
 }

@@ -28,6 +28,12 @@ void fetch(const QVariant &value)
 
 } // namespace
 
+QStandardItemModel &rowsOf(QObject *model)
+{
+    require(model != nullptr, "there is no model");
+    return static_cast<QStandardItemModel &>(*model);
+}
+
 void readFields(const QVariant &data, const QStringList &keys, const QStringList &textLists)
 {
     const QVariantList records = data.toList();
@@ -63,6 +69,11 @@ std::vector<RowValues> rowValues(const QStandardItem *parent, int leftOut)
     return rows;
 }
 
+std::vector<RowValues> rowValues(QObject *model, int leftOut)
+{
+    return rowValues(rowsOf(model).invisibleRootItem(), leftOut);
+}
+
 void appendRows(QStandardItem *parent, const std::vector<RowValues> &rows)
 {
     QList<QStandardItem *> items;
@@ -82,9 +93,4 @@ void refill(QStandardItemModel &model, const std::vector<RowValues> &rows)
 {
     model.clear();
     appendRows(model.invisibleRootItem(), rows);
-}
-
-void requireSameRows(const QStandardItem *left, const QStandardItem *right, int differingRole)
-{
-    require(rowValues(left, differingRole) == rowValues(right, differingRole), "the rows differ");
 }

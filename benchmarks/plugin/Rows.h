@@ -6,8 +6,12 @@
 #include <utility>
 #include <vector>
 
+class QObject;
 class QStandardItem;
 class QStandardItemModel;
+
+/// A model as the plug-in's getters give it. Throws where there is none.
+QStandardItemModel &rowsOf(QObject *model);
 
 /// Fetches the fields @p keys of every record of a reply and makes nothing of them. Lists are taken as texts where they
 /// are among @p textLists.
@@ -21,11 +25,10 @@ std::vector<RowValues> fieldValues(const QVariantList &records, const QStringLis
 
 /// The children of @p parent, value by value, in the order of the roles and without @p leftOut.
 std::vector<RowValues> rowValues(const QStandardItem *parent, int leftOut = -1);
+/// Those of a model's root.
+std::vector<RowValues> rowValues(QObject *model, int leftOut = -1);
 
 /// The floor: an item for each row, setData() for each role, one append.
 void appendRows(QStandardItem *parent, const std::vector<RowValues> &rows);
 /// The same after clearing the model.
 void refill(QStandardItemModel &model, const std::vector<RowValues> &rows);
-
-/// Throws unless both hold the same rows but for @p differingRole.
-void requireSameRows(const QStandardItem *left, const QStandardItem *right, int differingRole = -1);

@@ -25,17 +25,6 @@ struct Reception
     bool arePlainModelsMade; ///< the plain rules make them; else they keep the entries, as nobody asks
 };
 
-const QStandardItem *usageRows(PluginRecordingManagement &plugin)
-{
-    return rowsOf(plugin.getStorageUsageModel({})).invisibleRootItem();
-}
-
-template<typename Plugin>
-const QStandardItem *volumeRows(Plugin &plugin, const QString &group)
-{
-    return rowsOf(plugin.getGroupVolumeModel({}, group)).invisibleRootItem();
-}
-
 void receiveEvent(const Reception &reception, int size, const Measure &measure)
 {
     const QVariant data = Replies::volumeEntries(size, reception.order);
@@ -43,10 +32,10 @@ void receiveEvent(const Reception &reception, int size, const Measure &measure)
     Client ours;
     Client<PlainPlugin> plain;
     deliver(plain.plugin, ServerEvent::VolumeChanged, data);
-    const std::vector<RowValues> usage = rowValues(usageRows(plain.plugin));
+    const std::vector<RowValues> usage = rowValues(plain.plugin.getStorageUsageModel({}));
     std::vector<std::vector<RowValues>> volumes;
     for (const QString &group : groups)
-        volumes.push_back(rowValues(volumeRows(plain.plugin, group)));
+        volumes.push_back(rowValues(plain.plugin.getGroupVolumeModel({}, group)));
     QObject parent;
     QStandardItemModel usageFloor;
     std::vector<std::unique_ptr<QStandardItemModel>> volumeFloors;
@@ -71,9 +60,11 @@ void receiveEvent(const Reception &reception, int size, const Measure &measure)
         {"read", [&] { readFields(data, usageKeys), readFields(data, volumeKeys); }},
         {"floor", makeFloor},
     });
-    requireSameRows(usageRows(ours.plugin), usageRows(plain.plugin));
+    require(rowValues(ours.plugin.getStorageUsageModel({})) == usage, "the usage rows differ");
     for (const QString &group : reception.arePlainModelsMade ? groups : QStringList())
-        requireSameRows(volumeRows(ours.plugin, group), volumeRows(plain.plugin, group), VolumeRole::Id);
+        require(rowValues(ours.plugin.getGroupVolumeModel({}, group), VolumeRole::Id)
+                    == rowValues(plain.plugin.getGroupVolumeModel({}, group), VolumeRole::Id),
+                "the volumes of a group differ");
 }
 
 } // namespace

@@ -16,8 +16,7 @@ constexpr int membersPerGroup = 64;
 constexpr int cameraQueries = 1000;
 
 /// Fills the cache; whatever the plug-in kept for its queries is gone.
-template<typename Plugin>
-void fillCache(Plugin &plugin, const QVariant &groups)
+void fillCache(PluginRecordingManagement &plugin, const QVariant &groups)
 {
     plugin.retrieveRecordingGroupTreeModel();
     deliver(plugin, ServerCommand::retrieveRecordingGroupTreeModel, groups);

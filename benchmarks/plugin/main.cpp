@@ -78,8 +78,8 @@ void addAll(bool isSmoke)
 int main(int argc, char **argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    const bool isSmoke = takeOption("--smoke", argc, argv).has_value();
-    const bool isGrowth = takeOption("--growth", argc, argv).has_value();
+    const bool isSmoke = takeFlag("--smoke", argc, argv);
+    const bool isGrowth = takeFlag("--growth", argc, argv);
     const QGuiApplication application(argc, argv);
     if (isGrowth)
         return countInstructions();

@@ -27,7 +27,7 @@ void makeFile(const QString &path, qint64 bytes)
 {
     QFile file(path);
     const bool isMade = file.open(QIODevice::NewOnly) && file.resize(bytes);
-    require(isMade, (path + " cannot be made: " + file.errorString() + "; see --help").toStdString());
+    require(isMade, (path + " cannot be made: " + file.errorString()).toStdString());
 }
 } // namespace
 

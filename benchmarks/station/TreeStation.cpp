@@ -13,19 +13,15 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <numeric>
 
 namespace {
-constexpr qsizetype averagedDays = 7;
-
-/// Bytes that a group records in a day, as docs/station-protocol.md has them.
+/// Bytes that a group records in a day, as docs/station-protocol.md has them: the mean of the last seven days.
 qint64 oneDayUsage(const DaySums &days)
 {
-    const qsizetype count = qMin(averagedDays, days.size());
-    qint64 bytes = 0;
-    auto day = days.cend();
-    for (qsizetype i = 0; i < count; ++i)
-        bytes += (--day)->bytes;
-    return bytes / count;
+    const QList<DaySum> last = days.values().mid(std::max<qsizetype>(0, days.size() - 7));
+    return std::accumulate(last.begin(), last.end(), 0LL, [](qint64 sum, const DaySum &day) { return sum + day.bytes; })
+        / last.size();
 }
 } // namespace
 

@@ -1,5 +1,5 @@
+#include "Measuring.h"
 #include "Program.h"
-#include "Rounds.h"
 #include "TreeStation.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include "FakeVolumes.h"
+#include "Measuring.h"
 #include "Program.h"
-#include "Rounds.h"
 #include "StationProtocol.h"
 #include "TreeStation.h"
 #include "groups/GroupStore.h"
@@ -19,14 +19,6 @@ namespace {
 constexpr int recordsInAll = 60'000; // of all trips together, about
 constexpr int mostTrips = 1001;
 constexpr int fewestTrips = 7;
-
-/// Without records a command that the station does not know: what remains is the way there and back.
-StationCommand commandFor(int records)
-{
-    if (records == 0)
-        return {QStringLiteral("benchmark.nothing"), {}};
-    return {StationCommandName::retrieveRecordingGroupTreeModel, QVariantMap{{StationKey::relayPath, QString()}}};
-}
 
 std::unique_ptr<Station> newStation(const QString &dataFolder)
 {
@@ -72,7 +64,11 @@ auto stayOnOneCore()
 void roundTrip(benchmark::State &state, const QString &dataFolder, int records)
 {
     const auto core = stayOnOneCore();
-    const StationCommand command = commandFor(records);
+    // A command that the station does not know: what remains is the way there and back.
+    StationCommand command{QStringLiteral("benchmark.nothing"), {}};
+    if (records > 0)
+        command = {StationCommandName::retrieveRecordingGroupTreeModel,
+                   QVariantMap{{StationKey::relayPath, QString()}}};
     makeGroups(dataFolder, records);
     const auto here = newStation(dataFolder);
     std::optional<StationReply> reply;

@@ -1,5 +1,5 @@
+#include "Measuring.h"
 #include "Program.h"
-#include "Rounds.h"
 #include "TreeStation.h"
 
 #include <QDirIterator>
@@ -65,26 +65,24 @@ struct Reading
     std::string name;
     void (*run)(TreeStation &tree);
     void (*prepare)(TreeStation &tree); ///< before every run
-    bool isPlainToo;
 };
 
 void readAll(benchmark::State &state, TreeStation &tree, const Reading &reading)
 {
     const RecordedTree &files = tree.files();
-    std::vector<Variant> variants{
-        {"ours", [&] { reading.run(tree); }, [&] { reading.prepare(tree); }},
-        {"floor",
-         [&] {
-             require(walk(AT_FDCWD, QFile::encodeName(files.path())) == files.bytes(), "the walk's bytes are wrong");
-         }},
+    const auto walkAll = [&] {
+        require(walk(AT_FDCWD, QFile::encodeName(files.path())) == files.bytes(), "the walk's bytes are wrong");
     };
     const auto readToMaps = [&] {
         require(readPlainly(files.path()).values() == files.sums(), "the plain reading's sums are wrong");
     };
-    if (reading.isPlainToo)
-        variants.push_back({"plain", readToMaps});
     const int size = tree.size();
-    measure(state, variants,
+    measure(state,
+            {
+                {"ours", [&] { reading.run(tree); }, [&] { reading.prepare(tree); }},
+                {"floor", walkAll},
+                {"plain", readToMaps},
+            },
             {.rounds = std::clamp(300'000 / size, 1, 7), .cpuSeconds = processSeconds, .isMemoryMeasured = true});
     tree.checkIndex();
     state.counters["us a file"] = state.counters["ours"] / size;
@@ -92,15 +90,13 @@ void readAll(benchmark::State &state, TreeStation &tree, const Reading &reading)
 }
 
 const Reading readings[] = {
-    {"first reading", [](TreeStation &tree) { tree.waitForFigures(); }, [](TreeStation &tree) { tree.forgetIndex(); },
-     true},
-    {"reading again", [](TreeStation &tree) { tree.readAll(); }, [](TreeStation &tree) { tree.settle(); }, true},
+    {"first reading", [](TreeStation &tree) { tree.waitForFigures(); }, [](TreeStation &tree) { tree.forgetIndex(); }},
+    {"reading again", [](TreeStation &tree) { tree.readAll(); }, [](TreeStation &tree) { tree.settle(); }},
     {"reading ten changes", [](TreeStation &tree) { tree.readAll(); },
      [](TreeStation &tree) {
          tree.settle();
          growSome(tree.files());
-     },
-     false},
+     }},
 };
 } // namespace
 

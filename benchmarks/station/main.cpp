@@ -11,17 +11,6 @@
 #include <unistd.h>
 
 namespace {
-constexpr auto help = R"(station-benchmark [--folder=DIR] [--smoke] [options of Google Benchmark]
-
-What the station's index of recordings costs, and the link to it. Up to 1,110,000 sparse files stand for the recordings.
-They take inodes, 1 GB of memory and next to no space, and go with the program. They are made in /dev/shm where that has
-room for them: other file systems are much slower at making so many files, above all where as many were removed a minute
-ago. The station's database lies in the system's temporary folder.
-
-  --folder=DIR  makes the files in DIR
-  --smoke       runs everything in a small size, to see that it works
-)";
-
 const std::vector<Layout> allLayouts{{10, 1, 20, 50}, {10, 5, 20, 100}, {10, 50, 20, 100}};
 const std::vector<Layout> smokeLayouts{{2, 2, 20, 3}};
 constexpr int smokeRecords = 32;
@@ -53,20 +42,17 @@ QString newFolder(const std::string &parent, FILE *remover)
 
 } // namespace
 
+/// Google Benchmark with its own options, and one of ours: --smoke runs everything in a small size, to see that it
+/// works. The files of the recordings take inodes, 1 GB of memory and next to no space.
 int main(int argc, char **argv)
 {
-    if (takeOption("--help", argc, argv)) {
-        std::fputs(help, stdout);
-        return 0;
-    }
-    const bool isSmoke = takeOption("--smoke", argc, argv).has_value();
-    const std::optional<std::string> folder = takeOption("--folder", argc, argv);
+    const bool isSmoke = takeFlag("--smoke", argc, argv);
     const std::vector<Layout> &layouts = isSmoke ? smokeLayouts : allLayouts;
     const std::string temporary = QDir::tempPath().toStdString();
     // It goes on when the pipe to it is closed, which it is when this process ends, however it ends.
     const std::unique_ptr<FILE, int (*)(FILE *)> remover(
         popen("trap '' INT TERM HUP; exec xargs --null rm -rf --", "we"), pclose);
-    const QString files = newFolder(folder.value_or(quickFolder(layouts, temporary)), remover.get());
+    const QString files = newFolder(quickFolder(layouts, temporary), remover.get());
     const QString data = newFolder(temporary, remover.get());
     const QCoreApplication application(argc, argv);
 
