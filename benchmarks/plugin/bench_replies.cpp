@@ -89,15 +89,11 @@ void fillTree(int size, const Measure &measure)
     const std::vector<RowValues> records = fieldValues(data, cacheKeys);
     std::vector<RowValues> cache;
     QStandardItemModel floor;
-    floor.appendRow(new QStandardItem);
-    const auto empty = [&] {
-        floor.item(0)->removeRows(0, floor.item(0)->rowCount());
-        cache.clear();
-    };
+    const auto empty = [&] { floor.clear(), cache.clear(); };
     std::vector<Variant> variants{
         {"ours", [&] { deliver(ours.plugin, command, data); }, [&] { ours.plugin.retrieveRecordingGroupTreeModel(); }},
         {"read", [&] { readFields(data, treeKeys), readFields(data, cacheKeys); }},
-        {"floor", [&] { appendRows(floor.item(0), rows), cache = records; }, empty},
+        {"floor", [&] { appendRows(floor.invisibleRootItem(), rows), cache = records; }, empty},
     };
     if (size <= mostPlainGroups) {
         variants.push_back({"plain", [&] { deliver(plain.plugin, command, data); },

@@ -5,7 +5,6 @@
 
 namespace {
 constexpr qint64 kilobyte = 1024;
-constexpr qint64 terabyte = kilobyte * kilobyte * kilobyte * kilobyte;
 
 QString groupName(int group)
 {
@@ -46,11 +45,6 @@ RecordedTree::RecordedTree(const Layout &layout, const QString &path)
         makeFile(filePath(file), bytesOf(file));
         count(file, 1, bytesOf(file));
     }
-}
-
-Volume RecordedTree::volume() const
-{
-    return {m_path, QStringLiteral("Disk"), 100 * terabyte, 40 * terabyte, false, false};
 }
 
 QList<RecordingGroup> RecordedTree::groups() const

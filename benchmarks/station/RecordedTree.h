@@ -1,6 +1,5 @@
 #pragma once
 
-#include "VolumeSource.h"
 #include "groups/RecordingGroup.h"
 #include "usage/UsageFigures.h"
 
@@ -33,7 +32,6 @@ public:
 
     const Layout &layout() const { return m_layout; }
     const QString &path() const { return m_path; } ///< of all groups
-    Volume volume() const; ///< that the path is on, of which nothing is used up
     QList<RecordingGroup> groups() const;
     static QDate newestDay() { return {2026, 3, 19}; }
 

@@ -16,6 +16,8 @@
 #include <numeric>
 
 namespace {
+constexpr qint64 terabyte = qint64(1) << 40;
+
 /// Bytes that a group records in a day, as docs/station-protocol.md has them: the mean of the last seven days.
 qint64 oneDayUsage(const DaySums &days)
 {
@@ -75,7 +77,7 @@ Station &TreeStation::station()
         return *m_station;
     StationSettings settings;
     settings.dataFolder = m_dataFolder;
-    settings.volumes = std::make_unique<FakeVolumes>(QList{files().volume()});
+    settings.volumes = std::make_unique<FakeVolumes>(QList<Volume>{{files().path(), "Disk", terabyte, terabyte / 2}});
     settings.usage.tellInterval = std::chrono::milliseconds(1);
     settings.usage.settleTime = std::chrono::milliseconds(1);
     settings.usage.volumeInterval = std::chrono::hours(1);

@@ -13,7 +13,6 @@
 namespace {
 const std::vector<Layout> allLayouts{{10, 1, 20, 50}, {10, 5, 20, 100}, {10, 50, 20, 100}};
 const std::vector<Layout> smokeLayouts{{2, 2, 20, 3}};
-constexpr int smokeRecords = 32;
 
 /// A file system in memory with room for all files of @p layouts twice over, else @p otherwise.
 std::string quickFolder(const std::vector<Layout> &layouts, const std::string &otherwise)
@@ -63,7 +62,7 @@ int main(int argc, char **argv)
     }
     addReading(trees);
     addChanges(trees);
-    addEvents(isSmoke ? std::vector{smokeRecords} : std::vector{10, 100, 1000});
-    addLink(data, isSmoke ? std::vector{smokeRecords} : std::vector{0, 1000, 10'000});
+    addEvents(isSmoke ? std::vector{32} : std::vector{10, 100, 1000});
+    addLink(data, isSmoke ? std::vector{32} : std::vector{0, 1000, 10'000});
     return runBenchmarks(argc, argv);
 }
