@@ -176,12 +176,16 @@ void Database::open(bool wasLeftOpen)
 {
     try {
         connect(m_file.path(), Access::ReadWrite);
+        requireMade(*this);
         if (wasLeftOpen)
-            check();
+            check(QStringLiteral("PRAGMA quick_check(1)"));
         if (m_limitation)
             return requireSchema(*this);
         updateSchema(*this);
-        return setId();
+        checkTables();
+        if (!m_limitation)
+            setId();
+        return;
     } catch (const DatabaseError &error) {
         disconnect();
         m_limitation = mayBeReadAnyway(error.trouble()) ? m_file.whyNotWritable() : std::nullopt;
@@ -199,7 +203,9 @@ bool Database::openForReading(Access access)
 {
     try {
         connect(m_file.path(), access);
+        requireMade(*this);
         requireSchema(*this);
+        checkTables();
         return true;
     } catch (const DatabaseError &error) {
         disconnect();
@@ -244,13 +250,21 @@ void Database::disconnect()
 }
 
 /// SQLite takes most damage for data.
-void Database::check()
+void Database::check(const QString &question)
 {
-    const QString found = value(QStringLiteral("PRAGMA quick_check(1)")).toString();
+    const QString found = value(question).toString();
     if (found == QStringLiteral("ok"))
         return;
     m_limitation = DatabaseError(DatabaseTrouble::Damaged, found.simplified());
     qCInfo(stationLog, "The database is damaged: %s", m_limitation->what());
+}
+
+/// A clean end says nothing of the disk. All but the files of each day, so that every start can afford it.
+void Database::checkTables()
+{
+    const QStringList tables = smallTables();
+    for (const QString &table : tables)
+        check(QStringLiteral("PRAGMA quick_check(%1)").arg(table));
 }
 
 /// Tells this database from any other that is written over it; databases of older stations have none.

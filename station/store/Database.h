@@ -60,8 +60,9 @@ private:
 class Database
 {
 public:
-    /// Makes folder and file where there never were any and brings the tables up to date (see Schema.h). A database
-    /// that was not closed is checked. Throws DatabaseError; what is there is left as it is then.
+    /// Makes folder and file where there never were any and brings the tables up to date (see Schema.h). Its
+    /// small tables are checked for damage, and all of a database that was not closed. Throws DatabaseError; what is
+    /// there is left as it is then.
     explicit Database(const QString &folder);
     ~Database();
     Database(const Database &) = delete;
@@ -98,7 +99,8 @@ private:
     bool openForReading(Access access);
     void connect(const QString &path, Access access);
     void disconnect();
-    void check();
+    void check(const QString &question);
+    void checkTables();
     void setId();
 
     DatabaseFile m_file;

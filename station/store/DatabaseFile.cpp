@@ -130,6 +130,8 @@ bool DatabaseFile::isThere() const
     }
     if (facts.st_size == 0)
         throw failed(DatabaseTrouble::Damaged, QStringLiteral("the file is empty"));
+    if (facts.st_size < headerSize) // SQLite takes a file of one byte for a new one
+        throw failed(DatabaseTrouble::Damaged, QStringLiteral("the file is cut off"));
     if ((facts.st_mode & (S_IRWXG | S_IRWXO)) != 0)
         chmod(QFile::encodeName(m_path).constData(), fileMode);
     return true;

@@ -143,3 +143,16 @@ void requireSchema(Database &database)
                 .arg(newest));
     }
 }
+
+void requireMade(Database &database)
+{
+    if (version(database) == 0)
+        throw DatabaseError(DatabaseTrouble::Damaged, QStringLiteral("no station made its tables"));
+}
+
+QStringList smallTables()
+{
+    return {QStringLiteral("camera"),          QStringLiteral("recording_group"), QStringLiteral("group_path"),
+            QStringLiteral("group_member"),    QStringLiteral("group_node"),      QStringLiteral("nas_server"),
+            QStringLiteral("recording_place"), QStringLiteral("recorded_day")};
+}

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 class Database;
 
@@ -12,3 +13,9 @@ void updateSchema(Database &database);
 
 /// Throws DatabaseError unless the tables of @p database, which may not be written, are up to date.
 void requireSchema(Database &database);
+
+/// Throws DatabaseError unless a station made the tables of @p database: another program leaves an empty one behind.
+void requireMade(Database &database);
+
+/// All tables but the one that has a row for each recorded file.
+QStringList smallTables();

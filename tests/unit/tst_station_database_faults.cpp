@@ -28,10 +28,13 @@ private slots:
     void aDatabaseThatWentAwayIsMissed();
     void anEmptyFileIsNoNewStation();
     void whatIsNoFileIsRefused();
+    void aDatabaseWithoutTablesIsNoNewStation();
+    void aTableThatIsMissingIsMissed();
     void anOddVersionIsRefused_data();
     void anOddVersionIsRefused();
     void aTruncatedFileIsDamaged();
     void noDamagedPageCutsAReading();
+    void damageThatReadsAsDataIsFound();
     void aDatabaseThatWasLeftOpenIsChecked();
     void aDamagedDatabaseIsNotWritten();
     void entriesOfGroupsThatAreGoneAreLeftOut();
@@ -167,12 +170,32 @@ void StationDatabaseFaultsTest::whatIsNoFileIsRefused()
     QVERIFY(!QFile::exists(m_folder->filePath(u"elsewhere"_s)));
 }
 
+/// As ".recover" leaves it where nothing could be read.
+void StationDatabaseFaultsTest::aDatabaseWithoutTablesIsNoNewStation()
+{
+    QVERIFY(QDir().mkpath(folder()) && runAlone(file(), u"CREATE TABLE other (number INTEGER)"_s));
+    QVERIFY(runAlone(file(), u"DROP TABLE other"_s));
+    QCOMPARE(opening(), DatabaseTrouble::Damaged);
+    QCOMPARE(opening(), DatabaseTrouble::Damaged); // the first one made no tables
+}
+
+void StationDatabaseFaultsTest::aTableThatIsMissingIsMissed()
+{
+    for (const QString &table : {u"camera"_s, u"nas_server"_s, u"recorded_day"_s}) {
+        makeDatabase(folder(), 1);
+        QVERIFY(runAlone(file(), u"DROP TABLE "_s + table));
+        QVERIFY2(opening(), qPrintable(table));
+        QVERIFY(QDir(folder()).removeRecursively());
+    }
+}
+
 void StationDatabaseFaultsTest::anOddVersionIsRefused_data()
 {
     QTest::addColumn<int>("version");
     QTest::addColumn<DatabaseTrouble>("trouble");
     QTest::newRow("below zero") << -1 << DatabaseTrouble::Damaged;
     QTest::newRow("far below zero") << -2147483647 << DatabaseTrouble::Damaged;
+    QTest::newRow("none") << 0 << DatabaseTrouble::Damaged;
     QTest::newRow("newer") << 1000 << DatabaseTrouble::Newer;
 }
 
@@ -191,7 +214,7 @@ void StationDatabaseFaultsTest::aTruncatedFileIsDamaged()
 {
     makeDatabase(folder(), 100);
     const QByteArray whole = contentOf(file());
-    for (const qint64 size : {whole.size() / 2, pageSize, Q_INT64_C(100), Q_INT64_C(10)}) {
+    for (const qint64 size : {whole.size() / 2, pageSize, Q_INT64_C(100), Q_INT64_C(10), Q_INT64_C(1)}) {
         QVERIFY(write(file(), whole.left(size)));
         QCOMPARE(troubleOf([this] {
                      Database database(folder());
@@ -230,6 +253,32 @@ void StationDatabaseFaultsTest::noDamagedPageCutsAReading()
         }
     }
     QVERIFY(refused > 10);
+}
+
+/// A page whose second half was lost is still a page, with rows that are not the station's. The last end was clean.
+void StationDatabaseFaultsTest::damageThatReadsAsDataIsFound()
+{
+    makeDatabase(folder(), 20);
+    {
+        Database database(folder());
+        database.run(u"INSERT INTO camera (name, streams) VALUES ('Yard', 1), ('Gate', 2)"_s);
+    }
+    const QByteArray whole = contentOf(file());
+    int found = 0;
+    for (qint64 page = 1; page < whole.size() / pageSize; ++page) {
+        QByteArray damaged = whole;
+        damaged.replace(page * pageSize + pageSize / 2, pageSize / 2, QByteArray(pageSize / 2, '\0'));
+        if (damaged == whole)
+            continue;
+        QVERIFY(write(file(), damaged));
+        const std::optional<DatabaseTrouble> trouble = troubleOf([this] {
+            Database database(folder());
+            const Transaction transaction(database);
+        });
+        QVERIFY2(trouble == DatabaseTrouble::Damaged, qPrintable(u"page %1"_s.arg(page)));
+        ++found;
+    }
+    QVERIFY(found >= 5);
 }
 
 /// Stands in for a process that was killed: its write-ahead file stays.
