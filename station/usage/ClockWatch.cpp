@@ -1,14 +1,20 @@
 #include "ClockWatch.h"
 
 #include "StationProtocol.h"
+#include "files/OpenFile.h"
 
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
-#include <QSaveFile>
+#include <QUuid>
 
+#include <algorithm>
 #include <chrono>
+#include <cstdio>
 #include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace std::chrono_literals;
 
@@ -76,22 +82,29 @@ QList<StationTrouble> ClockWatch::troubles() const
 
 QDateTime ClockWatch::stored() const
 {
-    constexpr qint64 most = 64; // bytes
-    QFile file(m_file);
-    if (QFileInfo(m_file).isSymLink() || !file.open(QIODevice::ReadOnly))
+    // Whoever may write here could have put a link, or a pipe that never ends, in the file's place.
+    const OpenFile file(open(QFile::encodeName(m_file).constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    struct stat facts = {};
+    if (!file.isOpen() || fstat(file.get(), &facts) != 0 || !S_ISREG(facts.st_mode))
         return {};
-    return QDateTime::fromString(QString::fromLatin1(file.read(most)).trimmed(), Qt::ISODate);
+    char content[64] = {};
+    const ssize_t length = read(file.get(), content, sizeof content);
+    const QByteArrayView text(content, std::max<ssize_t>(length, 0));
+    return QDateTime::fromString(QString::fromLatin1(text.trimmed()), Qt::ISODate);
 }
 
 void ClockWatch::store(const QDateTime &time)
 {
-    if (!QFileInfo(QFileInfo(m_file).path()).isDir())
+    const QString made = m_file + QStringLiteral(".new-") + QUuid::createUuid().toString(QUuid::Id128);
+    const QByteArray from = QFile::encodeName(made);
+    const QByteArray text = time.toUTC().toString(Qt::ISODate).toLatin1() + '\n';
+    const OpenFile file(open(from.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600));
+    if (!file.isOpen())
         return;
-    QSaveFile file(m_file);
-    if (!file.open(QIODevice::WriteOnly))
-        return;
-    file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
-    file.write(time.toUTC().toString(Qt::ISODate).toLatin1() + '\n');
-    if (file.commit())
+    if (write(file.get(), text.constData(), static_cast<std::size_t>(text.size())) == text.size()
+        && fsync(file.get()) == 0
+        && rename(from.constData(), QFile::encodeName(m_file).constData()) == 0) // a link would be replaced itself
         m_stored = time;
+    else
+        unlink(from.constData());
 }

@@ -1,11 +1,15 @@
 #include "UsageStation.h"
 
 #include "StationCall.h"
+#include "usage/ClockWatch.h"
 
 #include <QElapsedTimer>
 #include <QRegularExpression>
 #include <QSqlDatabase>
 #include <QSqlQuery>
+#include <QTemporaryDir>
+
+#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -33,6 +37,7 @@ private slots:
     void aDayOfTheFutureIsNotRecorded();
     void aClockThatWasSetBackMakesFiguresUnknown();
     void aClockFarAheadIsToldByTheSecondStart();
+    void whatLiesInPlaceOfTheTimeIsNotFollowed();
 
 private:
     /// Kinds and subjects of what the station tells under that key.
@@ -308,6 +313,27 @@ void StationAlarmsTest::aClockFarAheadIsToldByTheSecondStart()
     startAt(right.addSecs(60)); // what was wrong was not kept
     QTRY_COMPARE(lines(), u"Doors 1 3000 1024000 614400"_s);
     QCOMPARE(told(), QStringList());
+}
+
+void StationAlarmsTest::whatLiesInPlaceOfTheTimeIsNotFollowed()
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(u"latest-time"_s);
+    const QString elsewhere = folder.filePath(u"elsewhere"_s);
+    QFile other(elsewhere);
+    QVERIFY(other.open(QIODevice::WriteOnly) && other.write("kept") == 4);
+    other.close();
+    QVERIFY(QFile::link(elsewhere, file));
+    ClockWatch(folder.path(), {}).look({});
+    QVERIFY(other.open(QIODevice::ReadOnly));
+    QCOMPARE(other.readAll(), "kept");
+    QVERIFY(QFileInfo(file).isFile() && !QFileInfo(file).isSymLink());
+
+    QVERIFY(QFile::remove(file) && mkfifo(QFile::encodeName(file).constData(), 0600) == 0);
+    ClockWatch(folder.path(), {}).look({}); // reading a pipe that nobody writes to would not end
+    QVERIFY(QFileInfo(file).isFile());
+    QVERIFY(!QFileInfo(file).permissions().testAnyFlags(QFile::ReadGroup | QFile::ReadOther));
+    QCOMPARE(QDir(folder.path()).entryList(QDir::Files), (QStringList{u"elsewhere"_s, u"latest-time"_s}));
 }
 
 QTEST_GUILESS_MAIN(StationAlarmsTest)
