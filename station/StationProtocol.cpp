@@ -165,6 +165,7 @@ const QString StationSeverity::warning = QStringLiteral("warning");
 const QString StationAlarmKind::VolumeGone = QStringLiteral("VolumeGone");
 const QString StationAlarmKind::VolumeNotAnswering = QStringLiteral("VolumeNotAnswering");
 const QString StationAlarmKind::PathNotWritable = QStringLiteral("PathNotWritable");
+const QString StationAlarmKind::GroupWithoutPath = QStringLiteral("GroupWithoutPath");
 const QString StationAlarmKind::FolderNotReadable = QStringLiteral("FolderNotReadable");
 const QString StationAlarmKind::FolderNotAnswering = QStringLiteral("FolderNotAnswering");
 const QString StationAlarmKind::RecordingsNotCounted = QStringLiteral("RecordingsNotCounted");

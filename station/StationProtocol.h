@@ -134,6 +134,7 @@ namespace StationAlarmKind {
 extern const QString VolumeGone; ///< a recording group's path is not there, or not on its volume
 extern const QString VolumeNotAnswering; ///< a mount says nothing
 extern const QString PathNotWritable; ///< a recording group's path is there, and nothing can be recorded to it
+extern const QString GroupWithoutPath; ///< a recording group with cameras has lost its paths
 extern const QString FolderNotReadable; ///< recordings that the station may not read, or that the disk does not give
 extern const QString FolderNotAnswering; ///< the disk takes longer than a disk does
 extern const QString RecordingsNotCounted; ///< all folders of recordings are being read

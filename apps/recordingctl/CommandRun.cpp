@@ -93,11 +93,27 @@ ExitCode CommandRun::end(const CallOutcome &outcome, const QJsonObject &json, co
         printResult();
     printErrors(outcome);
     if (outcome.returnCode.startsWith(QStringLiteral("Database"))) {
-        const CallOutcome asked = callStation(StationOwnCommandName::listAlarms);
-        if (asked.exitCode == ExitCode::Done)
-            printStationErrors(asked.parts.constLast().data.toMap().value(StationKey::alarms).toList());
+        printStationErrors(stationAlarms());
+        return outcome.exitCode;
     }
-    return outcome.exitCode;
+    if (outcome.exitCode != ExitCode::Done || outcome.returnCode.isEmpty())
+        return outcome.exitCode;
+    // What was read from a damaged database may lack something, or be wrong.
+    QVariantList alarms = stationAlarms();
+    alarms.removeIf([](const QVariant &alarm) {
+        return alarm.toMap().value(StationKey::kind) != StationReturnCode::DatabaseDamaged;
+    });
+    printStationErrors(alarms);
+    return alarms.isEmpty() ? ExitCode::Done : ExitCode::Refused;
+}
+
+/// Empty where the station does not tell them.
+QVariantList CommandRun::stationAlarms()
+{
+    const CallOutcome asked = callStation(StationOwnCommandName::listAlarms);
+    if (asked.exitCode != ExitCode::Done)
+        return {};
+    return asked.parts.constLast().data.toMap().value(StationKey::alarms).toList();
 }
 
 QObject &CommandRun::plugin() const

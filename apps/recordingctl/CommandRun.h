@@ -46,12 +46,13 @@ public:
 
     /// Prints what came of @p name: with --json @p outcome as "call" prints it, else by @p printResult when it is done.
     /// Errors go to standard error.
-    /// A station that could not use its database is asked why.
+    /// A station that could not use its database is asked why; one whose database is damaged did not answer well.
     ExitCode end(const QString &name, const CallOutcome &outcome, const std::function<void()> &printResult = {});
     /// The same, with an object in place of the outcome's.
     ExitCode end(const CallOutcome &outcome, const QJsonObject &json, const std::function<void()> &printResult);
 
 private:
+    QVariantList stationAlarms();
     QObject &plugin() const;
     std::chrono::milliseconds timeout() const;
 

@@ -106,7 +106,11 @@ struct Inquiry
     ExitCode end(CommandRun &run, const QJsonObject &json, const std::function<void()> &printResult) const
     {
         const ExitCode exitCode = run.end(outcome, json, printResult);
-        printStationErrors(state.alarms);
+        QVariantList others = state.alarms;
+        others.removeIf([](const QVariant &alarm) {
+            return textOf(alarm, StationKey::kind) == StationReturnCode::DatabaseDamaged;
+        });
+        printStationErrors(others); // the end of every command tells damage
         for (const QVariant &trouble : state.pending) {
             const QDateTime since = QDateTime::fromString(textOf(trouble, StationKey::since), Qt::ISODateWithMs);
             printError(QStringLiteral("unknown, asked since %1: %2")

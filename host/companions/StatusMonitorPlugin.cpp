@@ -12,7 +12,8 @@ Kind kindOf(const QString &word, const QString &severity)
 {
     static const QSet<QString> ofVolumes{StationAlarmKind::VolumeGone,        StationAlarmKind::VolumeNotAnswering,
                                          StationAlarmKind::ShareNotAnswering, StationAlarmKind::ShareRefused,
-                                         StationAlarmKind::ShareMissing,      StationAlarmKind::PathNotWritable};
+                                         StationAlarmKind::ShareMissing,      StationAlarmKind::PathNotWritable,
+                                         StationAlarmKind::NasKeyUnusable};
     if (ofVolumes.contains(word))
         return Kind::VolumeError;
     return severity == StationSeverity::warning ? Kind::StationWarning : Kind::StationError;

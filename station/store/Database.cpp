@@ -175,6 +175,8 @@ void Database::make()
 void Database::open(bool wasLeftOpen)
 {
     try {
+        m_file.requireWritable();
+        m_file.requireWritable();
         connect(m_file.path(), Access::ReadWrite);
         requireMade(*this);
         if (wasLeftOpen)

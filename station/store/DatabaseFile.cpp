@@ -224,6 +224,14 @@ void DatabaseFile::setWriteAheadAside() const
                   qPrintable(aside));
 }
 
+void DatabaseFile::requireWritable() const
+{
+    for (const auto &[path, mode] : {std::pair(m_path, W_OK), std::pair(m_folder, W_OK | X_OK)}) {
+        if (faccessat(AT_FDCWD, QFile::encodeName(path).constData(), mode, AT_EACCESS) != 0)
+            throw systemFailure(path, errno);
+    }
+}
+
 std::optional<DatabaseError> DatabaseFile::whyNotWritable() const
 {
     if (const std::optional<DatabaseError> disk = whyDiskTakesNothing())

@@ -46,6 +46,8 @@ public:
     /// Moves the write-ahead file of a database that was written over aside: SQLite would write it into the new one.
     void setWriteAheadAside() const;
 
+    /// Throws DatabaseError where this user may not write the file, or beside it: SQLite opens it all the same.
+    void requireWritable() const;
     /// Why nothing can be written; none where it can.
     std::optional<DatabaseError> whyNotWritable() const;
     /// The same from the system's figures of the disk alone, without a trial.

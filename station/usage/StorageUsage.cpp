@@ -367,6 +367,17 @@ std::optional<qint64> StorageUsage::countedBytes(const QString &path, const QStr
 QList<StationTrouble> StorageUsage::troubles() const
 {
     QList<StationTrouble> troubles = placeTroubles() + readingTroubles() + m_nasVolumes.troubles() + m_clock.troubles();
+    for (const RecordingGroup &group : m_groups) {
+        if (group.paths.isEmpty() && !group.members.isEmpty()) {
+            troubles.append(
+                {StationAlarmKind::GroupWithoutPath,
+                 StationTrouble::Severity::Error,
+                 group.name,
+                 QStringLiteral("The recording group %1 has cameras and no path: nothing is recorded.").arg(group.name),
+                 QStringLiteral("Add a path to the recording group."),
+                 {}});
+        }
+    }
     for (const std::optional<DatabaseError> &failure : {m_groupsFailure, m_indexFailure}) {
         if (failure)
             troubles.append(troubleOf(*failure, Database::pathIn(m_data.folder())));
@@ -466,6 +477,14 @@ QList<StationTrouble> StorageUsage::readingTroubles() const
         troubles.append({StationAlarmKind::FolderNotAnswering, StationTrouble::Severity::Pending, reading.path,
                          QStringLiteral("The disk of the recordings in %1 does not answer.").arg(reading.path),
                          QStringLiteral("Check the disk, or the network to it."), reading.since});
+    } else if (m_isReading && !reading.path.isEmpty()) {
+        troubles.append(
+            {StationAlarmKind::RecordingsNotCounted,
+             StationTrouble::Severity::Pending,
+             QStringLiteral("recordings"),
+             QStringLiteral("The recordings are being counted, those in %1 at the moment.").arg(reading.path),
+             {},
+             m_readingSince});
     } else if (m_isReading) {
         troubles.append({StationAlarmKind::RecordingsNotCounted,
                          StationTrouble::Severity::Pending,

@@ -27,7 +27,7 @@ struct UsageSettings
     /// After what time a database that failed is tried again at first; later pauses grow.
     std::chrono::milliseconds retryTime = std::chrono::seconds(1);
     /// How long the reading of one folder may take until the folder counts as not answering.
-    std::chrono::milliseconds folderPatience = std::chrono::seconds(10);
+    std::chrono::milliseconds folderPatience = std::chrono::seconds(5);
     /// The day that is not over yet; empty: the machine's.
     std::function<QDate()> today = {};
     /// What the clock says; empty: the machine's.

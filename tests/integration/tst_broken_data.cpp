@@ -26,6 +26,8 @@ private slots:
     void aSiteInOrderIsFine();
     void aBrokenDatabaseEndsEveryCommand_data();
     void aBrokenDatabaseEndsEveryCommand();
+    void aDamagedTableIsNoGoodAnswer();
+    void aGroupThatLostItsPathsIsNamed();
     void aDiskThatTakesNothingIsRead_data();
     void aDiskThatTakesNothingIsRead();
     void aFullDiskLetsNothingBegin();
@@ -126,6 +128,34 @@ void BrokenDataTest::aBrokenDatabaseEndsEveryCommand()
     }
     const QJsonObject json = ctl({u"usage"_s, u"--json"_s}).json();
     QCOMPARE(json.value(u"returnCode"_s).toString(), code);
+}
+
+void BrokenDataTest::aDamagedTableIsNoGoodAnswer()
+{
+    QFile file(database());
+    constexpr int pageSize = 4096;
+    QVERIFY(file.open(QIODevice::ReadWrite) && file.seek(file.size() - pageSize));
+    QCOMPARE(file.write(QByteArray(pageSize, '\xa5')), pageSize); // of an index, or of the recordings
+    file.close();
+    qsizetype told = 0;
+    for (const QString &command : {u"usage"_s, u"alarms"_s}) {
+        const Run run = ctl({command});
+        QCOMPARE(run.exitCode, 1);
+        told += run.errors.count(u"is damaged"_s);
+    }
+    QCOMPARE(told, 2); // once each
+}
+
+void BrokenDataTest::aGroupThatLostItsPathsIsNamed()
+{
+    QCOMPARE(ctl({u"camera-add"_s, u"Yard"_s}).exitCode, 0);
+    QCOMPARE(ctl({u"group-update"_s, u"Doors"_s, u"--add-member"_s, u"Yard"_s}).errors, QString());
+    runAlone(database(), u"DELETE FROM group_path"_s);
+    for (const QString &command : {u"usage"_s, u"alarms"_s}) {
+        const Run run = ctl({command});
+        QCOMPARE(run.exitCode, 1);
+        QVERIFY2(run.errors.contains(u"The recording group Doors has cameras and no path"_s), qPrintable(run.errors));
+    }
 }
 
 void BrokenDataTest::aDiskThatTakesNothingIsRead_data()
