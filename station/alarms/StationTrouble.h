@@ -3,8 +3,8 @@
 #include <QDateTime>
 #include <QString>
 
-/// Something about the station or its storage that an operator has to know. Who notices it tells it as long as it lasts;
-/// StationAlarms gathers what all of them tell.
+/// Something about the station or its storage that an operator has to know. Who notices it tells it as long as it
+/// lasts; StationAlarms gathers what all of them tell.
 struct StationTrouble
 {
     enum class Severity {

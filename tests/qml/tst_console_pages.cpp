@@ -154,13 +154,10 @@ public:
     }
     Q_INVOKABLE void addAlarm(const QVariantMap &alarm)
     {
-        static const QHash<int, QByteArray> roles{{Qt::UserRole + 1, "sourceRole"},
-                                                  {Qt::UserRole + 2, "kindRole"},
-                                                  {Qt::UserRole + 3, "groupIdRole"},
-                                                  {Qt::UserRole + 4, "groupNameRole"},
-                                                  {Qt::UserRole + 5, "sinceRole"},
-                                                  {Qt::UserRole + 6, "textRole"},
-                                                  {Qt::UserRole + 7, "remedyRole"}};
+        static const QHash<int, QByteArray> roles{
+            {Qt::UserRole + 1, "sourceRole"},    {Qt::UserRole + 2, "kindRole"},  {Qt::UserRole + 3, "groupIdRole"},
+            {Qt::UserRole + 4, "groupNameRole"}, {Qt::UserRole + 5, "sinceRole"}, {Qt::UserRole + 6, "textRole"},
+            {Qt::UserRole + 7, "remedyRole"}};
         m_alarms.setItemRoleNames(roles);
         auto item = std::make_unique<QStandardItem>();
         for (auto role = roles.begin(); role != roles.end(); ++role)
