@@ -1,6 +1,7 @@
 #include "MountedVolumes.h"
 
 #include "StationLog.h"
+#include "StationProtocol.h"
 #include "disk/DiskThreads.h"
 
 #include <QFileInfo>
@@ -243,7 +244,7 @@ QList<StationTrouble> MountedVolumes::troubles() const
     for (const Looks::Mount &mount : std::as_const(m_looks->mounts)) {
         if (mount.silentSince.isValid()) {
             troubles.append(
-                {QStringLiteral("VolumeNotAnswering"), StationTrouble::Severity::Error, mount.path,
+                {StationAlarmKind::VolumeNotAnswering, StationTrouble::Severity::Error, mount.path,
                  QStringLiteral("The volume %1 does not answer.").arg(mount.path),
                  QStringLiteral("Check the disk, or the connection to the server that it is on; if it is gone "
                                 "for good, unmount it."),

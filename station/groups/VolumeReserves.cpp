@@ -1,16 +1,7 @@
 #include "VolumeReserves.h"
 
+#include "SaturatedSum.h"
 #include "StationProtocol.h"
-
-#include <limits>
-
-namespace {
-qint64 saturatedSum(qint64 left, qint64 right)
-{
-    constexpr qint64 most = std::numeric_limits<qint64>::max();
-    return left > most - right ? most : left + right;
-}
-} // namespace
 
 VolumeReserves::VolumeReserves(const PathChecks &paths)
     : m_paths(paths)

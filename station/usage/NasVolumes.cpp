@@ -187,7 +187,7 @@ QList<StationTrouble> NasVolumes::troubles() const
             continue;
         const QString share = shareOf(volume.key().second);
         merge(troubles,
-              {QStringLiteral("SharePending"), Severity::Pending, share,
+              {StationAlarmKind::SharePending, Severity::Pending, share,
                QStringLiteral("The NAS server of %1 has not answered yet.").arg(share), QString(), volume->askedAt});
     }
     return troubles;

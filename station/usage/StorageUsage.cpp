@@ -1,6 +1,7 @@
 #include "StorageUsage.h"
 
 #include "IndexWorker.h"
+#include "SaturatedSum.h"
 #include "StationData.h"
 #include "StationLog.h"
 #include "StationProtocol.h"
@@ -9,7 +10,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <limits>
 #include <utility>
 
 StorageUsage::StorageUsage(const VolumeSource &volumes, StationData &data, NasAccounts &accounts, TimedWork &work,
@@ -359,8 +359,7 @@ std::optional<qint64> StorageUsage::countedBytes(const QString &path, const QStr
     qint64 bytes = 0;
     const DaySums days = m_sums.value(place->number).days;
     for (const DaySum &day : days)
-        bytes = day.bytes > std::numeric_limits<qint64>::max() - bytes ? std::numeric_limits<qint64>::max()
-                                                                       : bytes + day.bytes;
+        bytes = saturatedSum(bytes, day.bytes);
     return bytes;
 }
 

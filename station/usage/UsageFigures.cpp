@@ -1,12 +1,12 @@
 #include "UsageFigures.h"
 
+#include "SaturatedSum.h"
 #include "StationProtocol.h"
 
 #include <QHash>
 #include <QSet>
 
 #include <algorithm>
-#include <limits>
 #include <numeric>
 
 const QString UsageGroup::backup = QStringLiteral("backupID");
@@ -29,13 +29,6 @@ struct Figures
 
 /// Which of the places share something: their group, or the volume that they lie on.
 using Sharing = QMap<QString, QList<qsizetype>>;
-
-/// Sizes of files may be anything up to 2^63.
-qint64 saturatedSum(qint64 left, qint64 right)
-{
-    constexpr qint64 most = std::numeric_limits<qint64>::max();
-    return left > most - right ? most : left + right;
-}
 
 /// Of values that are not negative.
 qint64 sumOf(const QList<qint64> &values)
