@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# What scripts/run, scripts/test, scripts/test-debian13 and scripts/benchmark share. Source it after `set -euo pipefail`.
+# What the scripts share. Source it after `set -euo pipefail`.
 
 repository=$(cd -- "$(dirname -- "$(readlink -f -- "${BASH_SOURCE[0]}")")/.." && pwd)
 current_step=
@@ -94,4 +94,9 @@ configure() {
     if [[ ! -f build/$1/build.ninja || CMakePresets.json -nt build/$1/build.ninja ]]; then
         quietly cmake --preset "$1"
     fi
+}
+
+# The one that CMakeLists.txt states.
+project_version() {
+    sed -n 's/^project(recording-management VERSION \([0-9.]*\).*/\1/p' "$repository/CMakeLists.txt"
 }

@@ -1,0 +1,1 @@
+// Owns the headers that are read once; it has nothing to say itself.
