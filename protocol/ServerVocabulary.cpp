@@ -22,12 +22,6 @@ const QString ServerCommand::retrieveRecordingGroupTreeModel = QStringLiteral("r
 
 const QString ServerEvent::VolumeChanged = QStringLiteral("VolumeChanged");
 
-const QString StatusMonitorMethod::monitorVolumeStatus = QStringLiteral("monitorVolumeStatus");
-const QString StatusMonitorMethod::removeVolumeError = QStringLiteral("removeVolumeError");
-const QString StatusMonitorMethod::monitorInsufficientRecordingDays =
-    QStringLiteral("monitorInsufficientRecordingDays");
-const QString StatusMonitorMethod::monitorSufficientRecordingGroup = QStringLiteral("monitorSufficientRecordingGroup");
-
 const QString ReturnCode::Success = QStringLiteral("0");
 
 const QString NasReturnCode::LogonNASServerFaled = QStringLiteral("LogonNASServerFaled");

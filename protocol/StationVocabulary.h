@@ -2,112 +2,50 @@
 
 #include <QString>
 
-/// The words of the station's protocol, each once and named after its text; docs/station-protocol.md says what they
-/// mean together. The station knows no client, so it has its own copy of them.
-
-/// Commands that the station carries out.
-namespace StationCommandName {
-extern const QString getVolume;
-extern const QString getServerDir;
-extern const QString createDirectory;
-extern const QString getRecordingGroup;
-extern const QString retrieveRecordingGroupTreeModel;
-extern const QString addRecordingGroup;
-extern const QString addPathToRecordingGroup;
-extern const QString removePathFromRecordingGroup;
-extern const QString removeRecordingGroup;
-extern const QString addRecordingGroupWithCompleteInfo;
-extern const QString updateRecordingGroup;
-extern const QString GetNasServers;
-extern const QString AddNasServer;
-extern const QString UpdateNASServer;
-extern const QString RemoveNASServer;
-extern const QString GetNasDir;
-extern const QString GetNasCapacity;
-extern const QString addNASPathsToVolume;
-extern const QString reloadStorageUsageInfo;
-} // namespace StationCommandName
+/// The station's own words, which the plug-in does not know, each once and named after its text; the others stand in
+/// ServerVocabulary.h. docs/station-protocol.md says what they mean together.
 
 /// Commands of the station's own, which begin with "station.": for whoever sets it up.
-namespace StationOwnCommandName {
+namespace StationCommandName {
 extern const QString listCameras; ///< "station.listCameras"
 extern const QString addCamera; ///< "station.addCamera"
 extern const QString removeCamera; ///< "station.removeCamera"
 extern const QString createSampleSite; ///< "station.createSampleSite"
-extern const QString listAlarms;
-} // namespace StationOwnCommandName
+extern const QString listAlarms; ///< "station.listAlarms"
+extern const QString listStorage; ///< "station.listStorage"
+extern const QString forecast; ///< "station.forecast"
+extern const QString listPastAlarms; ///< "station.listPastAlarms"
+extern const QString listActivity; ///< "station.listActivity"
+extern const QString readHistory; ///< "station.readHistory"
+extern const QString listUnassignedRecordings; ///< "station.listUnassignedRecordings"
+extern const QString assignRecordings; ///< "station.assignRecordings"
+extern const QString deleteRecordings; ///< "station.deleteRecordings"
+extern const QString cancelDeletion; ///< "station.cancelDeletion"
+extern const QString acknowledgeAlarm; ///< "station.acknowledgeAlarm"
+extern const QString withdrawAcknowledgement; ///< "station.withdrawAcknowledgement"
+} // namespace StationCommandName
 
 /// Events that no plug-in knows.
-namespace StationOwnEventName {
-extern const QString AlarmsChanged;
-} // namespace StationOwnEventName
-
-/// Events that the station raises.
 namespace StationEventName {
-extern const QString VolumeChanged;
+extern const QString AlarmsChanged; ///< "station.AlarmsChanged"
+extern const QString ActivityAdded; ///< "station.ActivityAdded"
+extern const QString DeletionProgress; ///< "station.DeletionProgress"
 extern const QString StorageScanProgress;
 } // namespace StationEventName
 
 /// Keys of what the station is asked and of what it answers.
 namespace StationKey {
-extern const QString volumePath;
-extern const QString volumeName;
-extern const QString volumeSize;
-extern const QString volumeAvailableSize;
-extern const QString volumeIsSystem;
-extern const QString basePath;
-extern const QString dirFolderList;
-extern const QString relayPath;
-extern const QString recordingGroupID;
-extern const QString recordingGroupIDList;
-extern const QString recordingGroupName;
-extern const QString recordingGroupPathList;
-extern const QString recordingGroupNASPathList;
-extern const QString recordingGroupRecoveryPathList;
-extern const QString recordingGroupNodeIdList;
-extern const QString recordingGroupMemberList;
-extern const QString recordingGroupReservedTime;
-extern const QString recordingGroupReservedTimeEnabled;
-extern const QString reserveSpace;
-extern const QString path;
-extern const QString pathType;
-extern const QString isRecoveryMode;
-extern const QString pathInfoList;
-extern const QString deviceInfos;
-extern const QString updateRmCameraList;
-extern const QString updateAddCameraList;
-extern const QString updateRmPathList;
-extern const QString updateAddPathList;
-extern const QString updateSetPathList;
-extern const QString updateSetRecordingGroup;
-extern const QString camName;
-extern const QString streamIndex;
-extern const QString enableTimeShift;
-extern const QString enableSeamless;
 extern const QString streams;
 extern const QString keptBytes;
-extern const QString errorAction;
 extern const QString element;
 extern const QString index;
 extern const QString value;
 extern const QString returnCode;
 extern const QString reason;
 extern const QString id;
-extern const QString host;
-extern const QString logonDomain;
-extern const QString userName;
-extern const QString password;
 extern const QString total;
 extern const QString used;
-extern const QString pathList;
-extern const QString diskName;
-extern const QString diskTotal;
-extern const QString diskUsed;
 // Storage usage.
-extern const QString recordingPath;
-extern const QString volumeOneDayUsage;
-extern const QString volumeRecordedDays;
-extern const QString volumeIsNAS;
 extern const QString done;
 extern const QString running;
 // Alarms.
@@ -119,9 +57,103 @@ extern const QString subject;
 extern const QString text;
 extern const QString remedy;
 extern const QString since;
+extern const QString until;
+extern const QString acknowledgedAt;
+extern const QString acknowledgedBy;
+extern const QString note;
+// Activity.
+extern const QString number;
+extern const QString time;
+extern const QString client;
+extern const QString user;
+extern const QString duration;
+extern const QString from;
+extern const QString limit;
+extern const QString before;
+// What was.
+extern const QString resolution;
+extern const QString samples;
+extern const QString gaps;
+extern const QString moreFrom;
+extern const QString recordedDays;
+extern const QString remainingDays;
+extern const QString oneDayUsage;
+extern const QString recordedBytes;
 // Sample site.
 extern const QString created;
+// What volumes hold.
+extern const QString state;
+extern const QString size;
+extern const QString free;
+extern const QString reservedForRoot;
+extern const QString groups;
+extern const QString paths;
+extern const QString bytesPerDay;
+extern const QString counted;
+extern const QString countedAt;
+extern const QString backupBytes;
+extern const QString withoutGroupBytes;
+extern const QString otherBytes;
+extern const QString unknownBytes;
+extern const QString excessBytes;
+// Forecasts.
+extern const QString command;
+extern const QString data;
+extern const QString errors;
+extern const QString volumes;
+extern const QString now;
+extern const QString then;
+// Recordings of no group.
+extern const QString place;
+extern const QString folder;
+extern const QString cameras;
+extern const QString recordedFiles;
+extern const QString oldestDay;
+extern const QString newestDay;
+extern const QString deletion;
+extern const QString begun;
+extern const QString ended;
+extern const QString confirmation;
+extern const QString movedDays;
+extern const QString deletedBytes;
+extern const QString leftFiles;
+extern const QString leftBytes;
+extern const QString leftEntries;
+extern const QString left;
 } // namespace StationKey
+
+/// Why a deletion left something in its place, where no return code says it.
+namespace StationLeftReason {
+extern const QString NotARecording; ///< the index does not have it
+extern const QString CannotDelete; ///< the disk fails, or something else is in the way
+} // namespace StationLeftReason
+
+/// Where a volume is.
+namespace StationVolumeKind {
+extern const QString local; ///< mounted on the station's machine
+extern const QString NAS; ///< a share of a NAS server
+} // namespace StationVolumeKind
+
+/// How a volume stands.
+namespace StationVolumeState {
+extern const QString there;
+extern const QString readOnly; ///< there, and mounted so that nothing can be written
+extern const QString gone; ///< not mounted; a share that its server refuses or does not have
+extern const QString notAnswering; ///< it says nothing
+extern const QString unknown; ///< nobody knows yet
+} // namespace StationVolumeState
+
+/// Whose figures "station.readHistory" reads.
+namespace StationHistoryKind {
+extern const QString recordingGroup;
+extern const QString volume;
+} // namespace StationHistoryKind
+
+/// How far apart the samples are that it reads.
+namespace StationResolution {
+extern const QString hour;
+extern const QString day;
+} // namespace StationResolution
 
 /// How bad an alarm is.
 namespace StationSeverity {
@@ -135,6 +167,7 @@ extern const QString VolumeGone; ///< a recording group's path is not there, or 
 extern const QString VolumeNotAnswering; ///< a mount says nothing
 extern const QString PathNotWritable; ///< a recording group's path is there, and nothing can be recorded to it
 extern const QString GroupWithoutPath; ///< a recording group with cameras has lost its paths
+extern const QString InsufficientRecordingDays; ///< a recording group will not reach its reserved time
 extern const QString FolderNotReadable; ///< recordings that the station may not read, or that the disk does not give
 extern const QString FolderNotAnswering; ///< the disk takes longer than a disk does
 extern const QString RecordingsNotCounted; ///< all folders of recordings are being read
@@ -148,9 +181,9 @@ extern const QString ClockAhead; ///< it is far ahead of everything that was rec
 extern const QString RecordingsOfTheFuture; ///< folders of days that have not come yet
 } // namespace StationAlarmKind
 
-/// What a StationReply says in its return code: "0" for success, else one word for each kind of refusal.
+/// What a StationReply says in its return code where it is neither ReturnCode::Success nor one of NasReturnCode: a word
+/// for each kind of refusal.
 namespace StationReturnCode {
-extern const QString Success; ///< "0"
 // Any command.
 extern const QString UnknownCommand; ///< the station has no command of that name
 extern const QString BadRequest; ///< the data is not of the type that the command takes
@@ -164,6 +197,12 @@ extern const QString DatabaseReadOnly; ///< its disk is mounted read-only: the s
 extern const QString DatabaseBusy; ///< another program keeps it locked
 extern const QString DatabaseReplaced; ///< the data folder or the database was replaced while the station ran
 extern const QString DatabaseFailed; ///< it cannot be used for another reason; the station's log says why
+extern const QString StationStopping; ///< the station ended before it was done; an edit may have taken effect
+extern const QString RequestIdInUse; ///< the id was given to another command, or to this one with other data
+extern const QString OperatorNeeded; ///< the broker's user is a viewer, and the command changes something
+extern const QString UserRefused; ///< the station's table of roles takes no commands of the broker's user
+extern const QString TooManyCommands; ///< too many commands that came over the broker are under way
+extern const QString ReplyTooLarge; ///< the reply is larger than the broker, or a message, may be
 extern const QString InternalError; ///< the station failed where it should not have, out of memory for instance
 // Paths.
 extern const QString PathNotAbsolute; ///< the path does not start with a slash
@@ -203,11 +242,27 @@ extern const QString EmptyCameraName; ///< a camera needs a name
 extern const QString CameraExists; ///< a camera of that name exists
 extern const QString CameraInUse; ///< a recording group has the camera among its members
 extern const QString SiteNotEmpty; ///< the station has cameras or recording groups already
-// NAS servers. The first four are spelt as clients expect them.
-extern const QString LogonNASServerFaled; ///< the NAS server refused user name and password
-extern const QString NASServerExist; ///< that user of that host is registered already
-extern const QString GetNasDirFailed; ///< the folder cannot be listed: missing, no share, not allowed, no path
-extern const QString GetNasCapacityFailed; ///< the same for its capacity
+extern const QString ForecastRefused; ///< the command is no edit of a recording group
+// What was.
+extern const QString NoHistory; ///< no figures of that recording group or volume are kept
+// Recordings of no group.
+extern const QString PlaceNotFound; ///< no such place holds recordings that belong to no group
+extern const QString PlaceInUse; ///< a recording group, or the backup area, has that folder
+extern const QString PlaceOnNas; ///< that is done on the station's own disks only
+extern const QString PlaceBusy; ///< recordings of no group are being deleted or moved
+extern const QString PlaceNotCounted; ///< nobody knows yet what it holds
+extern const QString ConfirmationRefused; ///< another name than that of the folder was typed
+extern const QString NoPathOnVolume; ///< the recording group has no path on the file system of the place
+extern const QString RecordingsExist; ///< the recording group has recordings of that camera and day there
+extern const QString CannotMove; ///< the disk refuses
+extern const QString DeletionCancelled; ///< it was told to stop
+extern const QString RecordingsLeft; ///< some could not be deleted
+extern const QString NoDeletion; ///< none goes on there
+// Alarms.
+extern const QString AlarmNotFound; ///< nothing of that kind and subject troubles the station
+extern const QString AlarmNotAcknowledged; ///< there is nothing to withdraw
+extern const QString NoteRefused; ///< it is too long
+// NAS servers.
 extern const QString NasServerNotResponding; ///< no such host, nothing listens there, or it says nothing
 extern const QString NasServerNotFound; ///< no NAS server is registered under that id, or for the host of the path
 extern const QString NasHostRefused; ///< empty, or not written as a host name is

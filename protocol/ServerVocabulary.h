@@ -32,14 +32,6 @@ namespace ServerEvent {
 extern const QString VolumeChanged;
 }
 
-/// Methods of the client's status monitor; every argument is a string.
-namespace StatusMonitorMethod {
-extern const QString monitorVolumeStatus;
-extern const QString removeVolumeError;
-extern const QString monitorInsufficientRecordingDays;
-extern const QString monitorSufficientRecordingGroup;
-} // namespace StatusMonitorMethod
-
 /// How every reply says success; anything else is a failure.
 namespace ReturnCode {
 extern const QString Success;
