@@ -51,16 +51,21 @@ LogTraceObject recordOf(TraceWriter &writer)
     return record;
 }
 
-LogTraceObject *globalObject()
+TraceWriter &globalWriter()
 {
     static TraceWriter writer(readTraceSettings([](const char *name) { return std::getenv(name); }));
-    static LogTraceObject record = recordOf(writer);
+    return writer;
+}
+
+LogTraceObject *globalObject()
+{
+    static LogTraceObject record = recordOf(globalWriter());
     return &record;
 }
 
 } // namespace
 
-/// The library's one export. The first call reads the environment and opens the log. Returns 0, or 1 when there is no
+/// What modules ask for. The first call reads the environment and opens the log. Returns 0, or 1 when there is no
 /// logging object; @p result is null then.
 extern "C" __attribute__((visibility("default"))) int LogTrace_GetGlobalObject(int, LogTraceObject **result)
 {
@@ -69,4 +74,11 @@ extern "C" __attribute__((visibility("default"))) int LogTrace_GetGlobalObject(i
     *result = nullptr;
     guarded([&] { *result = globalObject(); });
     return *result ? 0 : 1;
+}
+
+/// What a client asks for, see ErrorReceiver.h.
+extern "C" __attribute__((visibility("default"))) void RecordingTrace_SetErrorReceiver(TraceErrorReceiver receiver,
+                                                                                       void *context)
+{
+    guarded([&] { globalWriter().setErrorReceiver(receiver, context); });
 }

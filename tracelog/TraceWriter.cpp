@@ -25,6 +25,11 @@ constexpr std::uint32_t moduleOf(std::uint32_t level)
     return level >> 8;
 }
 
+constexpr bool isError(std::uint32_t level)
+{
+    return severityOf(level) <= TraceSettings::ErrorSeverity;
+}
+
 void complain(const std::string &text)
 {
     std::fprintf(stderr, "libZarnLogUtl: %s\n", text.c_str());
@@ -102,7 +107,17 @@ std::uint32_t TraceWriter::registerModule(std::string_view name)
 bool TraceWriter::shouldLog(std::uint32_t level) const
 {
     askedLevel = level;
-    return severityOf(level) <= m_level;
+    if (isWanted(severityOf(level)))
+        return true;
+    const std::scoped_lock lock(m_receiverMutex);
+    return m_receiver && isError(level);
+}
+
+void TraceWriter::setErrorReceiver(TraceErrorReceiver receiver, void *context)
+{
+    const std::scoped_lock lock(m_receiverMutex);
+    m_receiver = receiver;
+    m_receiverContext = context;
 }
 
 std::shared_ptr<spdlog::logger> TraceWriter::loggerOf(std::uint32_t module)
@@ -116,6 +131,11 @@ void TraceWriter::write(const char *format, std::va_list arguments)
     std::string text = formatted(format, arguments);
     std::replace_if(
         text.begin(), text.end(), [](unsigned char letter) { return letter < 0x20 || letter == 0x7f; }, ' ');
-    const bool error = severityOf(askedLevel) <= TraceSettings::ErrorSeverity;
-    loggerOf(moduleOf(askedLevel))->log(error ? spdlog::level::err : spdlog::level::trace, spdlog::string_view_t(text));
+    const bool error = isError(askedLevel);
+    const std::shared_ptr<spdlog::logger> logger = loggerOf(moduleOf(askedLevel));
+    if (isWanted(severityOf(askedLevel)))
+        logger->log(error ? spdlog::level::err : spdlog::level::trace, spdlog::string_view_t(text));
+    const std::scoped_lock lock(m_receiverMutex);
+    if (error && m_receiver)
+        m_receiver(m_receiverContext, logger->name().c_str(), text.c_str());
 }

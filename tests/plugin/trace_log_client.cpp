@@ -1,5 +1,7 @@
 // Writes lines through the trace library named first: every further argument is a module name, or a level and a text
-// as 2:text, written by the module named last.
+// as 2:text, written by the module named last. "receive:" prints error lines from there on, "ignore:" no more.
+
+#include "ErrorReceiver.h"
 
 #include "trace/TraceLibrary.h"
 
@@ -23,6 +25,11 @@ void write(const LogTraceObject &object, const char *format, ...)
     va_end(arguments);
 }
 
+void receive(void *context, const char *module, const char *text)
+{
+    std::printf("%s: %s, %s\n", static_cast<const char *>(context), module, text);
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -34,12 +41,20 @@ int main(int argc, char **argv)
     LogTraceObject *object = nullptr;
     if (!getGlobalObject || getGlobalObject(0, &object) != 0 || !object)
         return 3;
+    const auto setReceiver = reinterpret_cast<TraceSetErrorReceiver>(dlsym(library, "RecordingTrace_SetErrorReceiver"));
+    if (!setReceiver)
+        return 4;
+    char context[] = "received";
     std::uint32_t module = 0;
     for (int i = 2; i < argc; ++i) {
         const char *const text = std::strchr(argv[i], ':');
         if (!text) {
             object->registerModule(object->handle, static_cast<int>(std::strlen(argv[i])), argv[i], &module);
             std::printf("%s is %u\n", argv[i], module);
+            continue;
+        }
+        if (const bool begin = std::strcmp(argv[i], "receive:") == 0; begin || std::strcmp(argv[i], "ignore:") == 0) {
+            setReceiver(begin ? receive : nullptr, context);
             continue;
         }
         const auto severity = static_cast<std::uint32_t>(std::stoul(argv[i]));

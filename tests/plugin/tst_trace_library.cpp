@@ -1,3 +1,4 @@
+#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
@@ -17,8 +18,8 @@ QString placeOf(const QString &path, int line)
     const QString name = path.section('/', -1);
     if (line == 0 || (line == 55 && name == "PluginRecordingManagement_Req.cpp"))
         return QStringLiteral("%1:%2").arg(name).arg(line);
-    QFile source(path);
-    if (!path.startsWith('/') || !source.open(QIODevice::ReadOnly))
+    QFile source(QDir(QStringLiteral(BUILD_FOLDER)).filePath(path)); // compilers' caches make it relative
+    if (!source.open(QIODevice::ReadOnly))
         return QStringLiteral("no file %1").arg(path);
     const QString code = QString::fromUtf8(source.readAll()).split('\n').value(line - 1);
     if (code.contains("TraceScope scope("))

@@ -37,10 +37,12 @@ class TraceLogTest : public QObject
 private slots:
     void init();
 
-    void exportsOneEntry();
+    void exportsTwoEntries();
     void modulesAreNumberedFromOne();
     void levelDecidesWhatIsWritten_data();
     void levelDecidesWhatIsWritten();
+    void receiverGetsErrorsWhateverTheLevelIs_data();
+    void receiverGetsErrorsWhateverTheLevelIs();
     void lineHasTimeLevelModuleAndText();
     void linesGoToStandardErrorWhenNoFileIsNamed();
     void textOfAnyLengthIsOneLine();
@@ -86,14 +88,15 @@ TraceLogTest::Run TraceLogTest::run(const QStringList &arguments, const QMap<QSt
             QString::fromUtf8(client.readAllStandardError()).split('\n', Qt::SkipEmptyParts)};
 }
 
-void TraceLogTest::exportsOneEntry()
+void TraceLogTest::exportsTwoEntries()
 {
     QProcess nm;
     nm.start("nm", {"-D", "--defined-only", "--format=just-symbols", QStringLiteral(TRACE_LIBRARY)});
     QVERIFY(nm.waitForFinished());
     QStringList symbols = QString::fromUtf8(nm.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
     symbols = symbols.filter(QRegularExpression("^(?!__(asan|odr|start|stop))"));
-    QCOMPARE(symbols, QStringList{"LogTrace_GetGlobalObject"});
+    symbols.sort();
+    QCOMPARE(symbols, QStringList({"LogTrace_GetGlobalObject", "RecordingTrace_SetErrorReceiver"}));
     QCOMPARE(QFileInfo(QStringLiteral(TRACE_LIBRARY)).fileName(), QStringLiteral("libZarnLogUtl.so"));
 }
 
@@ -120,6 +123,28 @@ void TraceLogTest::levelDecidesWhatIsWritten()
     QCOMPARE(result.exitCode, 0);
     QTEST(result.output, "output");
     QCOMPARE(linesOf(path("log")).size(), result.output.filter("written").size());
+}
+
+void TraceLogTest::receiverGetsErrorsWhateverTheLevelIs_data()
+{
+    QTest::addColumn<QStringList>("written"); // to the file
+    QTest::newRow("off") << QStringList{};
+    QTest::newRow("error") << QStringList{"before", "first second", "after"};
+    QTest::newRow("trace") << QStringList{"before", "first second", "Enter", "after"};
+}
+
+void TraceLogTest::receiverGetsErrorsWhateverTheLevelIs()
+{
+    QFETCH(const QStringList, written);
+    const Run result = run({"Recording", "2:before", "receive:", "2:first\nsecond", "5:Enter", "ignore:", "2:after"},
+                           {{"LEVEL", QTest::currentDataTag()}, {"FILE", path("log")}});
+    QCOMPARE(result.exitCode, 0);
+    QCOMPARE(result.output.filter("received"), QStringList{"received: Recording, client, first second"});
+    QStringList texts;
+    for (const QString &line : linesOf(path("log")))
+        texts.append(line.section("client, ", 1));
+    QCOMPARE(texts, written);
+    QCOMPARE(result.errors, QStringList{});
 }
 
 void TraceLogTest::lineHasTimeLevelModuleAndText()

@@ -2,6 +2,7 @@
 #include "PluginCaller.h"
 #include "PluginInterface.h"
 #include "PluginRecordingManagement.h"
+#include "TraceRecorder.h"
 #include "framework/HostFramework.h"
 #include "framework/HostReturnCode.h"
 
@@ -19,7 +20,8 @@ namespace {
 class ScriptedLink : public StationLink
 {
 public:
-    bool isUp() const override { return m_up; }
+    void start() override { }
+    StationState state(const QString &) const override { return m_state; }
 
     void send(quint64 correlation, const QString &relayPath, const StationCommand &command) override
     {
@@ -40,8 +42,8 @@ public:
 
     void goUp()
     {
-        m_up = true;
-        emit upChanged(true);
+        m_state = {StationState::Kind::Up};
+        emit stateChanged({}, m_state);
     }
 
     QHash<QString, QList<QList<StationReply>>> answers;
@@ -51,7 +53,7 @@ public:
     QStringList relayPaths;
 
 private:
-    bool m_up = false;
+    StationState m_state;
 };
 
 const StationReply success{QStringLiteral("0"), {}};
@@ -76,6 +78,7 @@ private slots:
     void firstRefusedPartCounts();
     void usageIsAnsweredByAnEvent();
     void refusedByThePlugin();
+    void aForeignTraceLibraryTellsNoFact();
     void answeredWithinTheCall();
     void silenceEndsWithNoAnswer_data();
     void silenceEndsWithNoAnswer();
@@ -123,16 +126,17 @@ void TestPluginCaller::tableFitsThePlugin()
     for (const QMetaMethod &signal : interface.signalMethods())
         signalNames.append(QString::fromLatin1(signal.name()));
     for (const Invokable &invokable : interface.invokables()) {
-        const AnswerRow *answer = answerOf(invokable.name());
+        const auto answer = answerOf(invokable.name(), *m_plugin->metaObject());
         // Whatever may refuse a request returns bool or an id; nothing else does.
         const int type = invokable.full().returnMetaType().id();
-        QCOMPARE(answer != nullptr, type == QMetaType::Bool || type == QMetaType::QString);
+        QCOMPARE(answer.has_value(), type == QMetaType::Bool || type == QMetaType::QString);
         if (answer) {
-            QVERIFY2(signalNames.contains(QLatin1String(answer->signal)), answer->signal);
+            QVERIFY2(signalNames.contains(QLatin1String(answer->signal)), answer->signal.constData());
             QVERIFY2(!answer->model || interface.find(QLatin1String(answer->model), 0).isValid(), answer->model);
         }
         for (const QString &request : requestsBefore(invokable.name()))
-            QVERIFY2(answerOf(request) && interface.find(request, 0).isValid(), qPrintable(request));
+            QVERIFY2(answerOf(request, *m_plugin->metaObject()) && interface.find(request, 0).isValid(),
+                     qPrintable(request));
     }
     QCOMPARE(m_link->sent, commandsOnConnect());
 }
@@ -246,6 +250,15 @@ void TestPluginCaller::refusedByThePlugin()
         outcome.error,
         "removeRecordingGroup: the plug-in refused and sent nothing; with RECORDING_TRACE_LEVEL=error it says why");
     QVERIFY(!m_link->sent.contains("removeRecordingGroup"));
+}
+
+void TestPluginCaller::aForeignTraceLibraryTellsNoFact()
+{
+    const PluginErrors errors(QStringLiteral(TRACE_RECORDER));
+    const CallOutcome outcome = call("addNASServer", {"", "Host", "anna", "s3 cret"});
+    QVERIFY(outcome.error.contains("RECORDING_TRACE_LEVEL"));
+    QCOMPARE(errors.lastFact(), QString());
+    QCOMPARE(takeErrorLines().last(), "PluginRecordingManagement::addNASServer, host is empty");
 }
 
 void TestPluginCaller::answeredWithinTheCall()
