@@ -33,7 +33,9 @@ struct AddNASServerContext;
 /// if it were refused, a reply leaves out the rows that memory is missing for, and what a slot throws ends there.
 ///
 /// Sizes, usage and reserved space are numbers in the station's units, handed on as they come. The station of this
-/// repository sends sizes in KB, the usage of a day in bytes and reserved space in MB.
+/// repository sends sizes in KB, the usage of a day in bytes and reserved space in MB, in steps of 1024.
+///
+/// docs/qml-api.md tells all of this to those who write pages; a test holds that page against this class.
 class PluginRecordingManagement : public PluginBase
 {
     Q_OBJECT
@@ -91,23 +93,28 @@ public:
     /// Releases the storage-usage models and asks for the NAS servers, the recording groups and the usage again.
     void PluginServerConnected() override;
 
+    /// The property of that name.
     bool recordingGroupRetrieved() const;
 
     // Models. ---------------------------------------------------------------------------------------------------
 
-    /// The volumes of the station that was asked last (roles: VolumeRole), then the NAS paths added since. Null before
-    /// Init().
+    /// The volumes of the station that was asked last (roles: VolumeRole), then the NAS paths added since, which the
+    /// next reply to getVolume() drops. Ids of rows are new with every reply. Null before Init().
     Q_INVOKABLE QObject *getVolumeModel();
-    /// The recording groups of the directly connected station (roles: RecordingGroupRole). Null before Init().
+    /// The recording groups of the directly connected station (roles: RecordingGroupRole). Days, usage and reserved
+    /// time are 0 in every row, which says nothing: getStorageUsageModel() has them. Null before Init().
     Q_INVOKABLE QObject *getRecordingGroupModel();
-    /// The NAS servers (roles: NasServerRole). Null before Init().
+    /// The NAS servers (roles: NasServerRole). Passwords are what the station sent, tokens from the one of this
+    /// repository; after an add or update the row has what was sent, until getNASServers() is answered. Null before
+    /// Init().
     Q_INVOKABLE QObject *getNASServerModel();
     /// The folders of the NAS directory listed last (roles: DirectoryRole). Null before Init().
     Q_INVOKABLE QObject *getNASServerDirModel();
     /// The folders of the station's directory listed last (roles: DirectoryRole). Null before Init().
     Q_INVOKABLE QObject *getServerDirModel();
-    /// The usage of each recording group of one station (roles: RecordingGroupRole); made when it is first asked for. A
-    /// new connection releases it: ask again then. Null when memory ran out.
+    /// The usage of each recording group of one station (roles: RecordingGroupRole), as its last event reported it; -1
+    /// days or usage mean unknown, and the lists of paths are empty. Made when it is first asked for. A new connection
+    /// releases it: ask again then. Null when memory ran out.
     Q_INVOKABLE QObject *getStorageUsageModel(const QString &relayPath);
     /// The storage paths of one recording group with their sizes (roles: VolumeRole; the root path is the recording
     /// path), as the station's last event reported them. Made when it is first asked for, and the same until the next
@@ -125,8 +132,9 @@ public:
     Q_INVOKABLE QString getRecordingGroup();
     /// Makes the folder @p path on the directly connected station. Answered by createDirectoryResponded().
     Q_INVOKABLE bool createDirectory(const QString &path);
-    /// Adds a recording group with one path. @p reserveSpace, in the station's unit, must be a multiple of 1024
-    /// (negative ones pass); name and path must not be empty. Answered by addRecordingGroupResponded().
+    /// Adds a recording group with one path. @p reserveSpace, in the station's unit (MB from the station of this
+    /// repository), must be a multiple of 1024 (negative ones pass); name and path must not be empty. Answered by
+    /// addRecordingGroupResponded().
     Q_INVOKABLE bool addRecordingGroup(const QString &groupName, const QString &path, RecPathType recPathType,
                                        qlonglong reserveSpace = 2048);
     /// Removes groups; the list must not be empty. Answered by removeRecordingGroupResp(), once for each part.
@@ -141,7 +149,20 @@ public:
     /// returns false. Answered by addNASPathsToVolumeResp().
     Q_INVOKABLE bool addNASPathsToVolume(const QStringList &pathList);
     /// Changes a group in up to six ways at once; nothing is checked here, all lists go to the station as they are.
-    /// Answered by updateRecordingGroupResp().
+    /// What the station of this repository reads, as one edit that is done or refused as a whole:
+    ///
+    /// @param groupID the group's id
+    /// @param addCameraList members: maps as in getRecordingGroupMemberList()
+    /// @param removeCameraList maps with "camName" (string) and "streamIndex" (int; left out: every stream)
+    /// @param addPathList paths: maps as in addRecordingGroupWithCompleteInfo(); "isRecoveryMode" may be left out
+    /// @param removePathList strings
+    /// @param updatePathList maps with "path" (string) and what is to change of "pathType", "reserveSpace" and
+    ///        "isRecoveryMode"
+    /// @param setGrpInfo what is to change of "recordingGroupName" (string), "recordingGroupReservedTimeEnabled"
+    /// (bool),
+    ///        "recordingGroupReservedTime" (int, minutes) and "recordingGroupNodeIdList" (strings)
+    ///
+    /// Removals come before additions. Answered by updateRecordingGroupResp().
     Q_INVOKABLE bool updateRecordingGroup(const QString &groupID, const QVariantList &addCameraList,
                                           const QVariantList &removeCameraList, const QVariantList &addPathList,
                                           const QVariantList &removePathList, const QVariantList &updatePathList,
@@ -152,7 +173,7 @@ public:
     ///        "recordingGroupReservedTime" (int, minutes, at least 1 when enabled); all three must be there
     /// @param paths maps with "path" (string), "pathType" (int, RecPathType), "reserveSpace" (qlonglong, a multiple of
     ///        1024) and "isRecoveryMode" (bool); at least one
-    /// @param deviceInfos the members, handed on unchecked
+    /// @param deviceInfos the members, handed on unchecked: maps as in getRecordingGroupMemberList(); may be empty
     ///
     /// Answered by addRecordingGroupWithCompleteInfoResp().
     Q_INVOKABLE bool addRecordingGroupWithCompleteInfo(const QVariantMap &groupInfo, const QVariantList &paths,
@@ -168,10 +189,10 @@ public:
     Q_INVOKABLE bool retrieveRecordingGroupTreeModel();
     /// Empties the cache.
     Q_INVOKABLE void clearRecordingGroupDataList();
-    /// Storage paths of a cached group, as the station sent them; empty when the group is not cached. The getters below
-    /// follow the same rule.
+    /// Storage paths of a cached group, as the station sent them; empty when the group is not cached. The cache has the
+    /// groups of the last reply to retrieveRecordingGroupTreeModel(). The getters below follow the same rule.
     Q_INVOKABLE QVariantList getRecordingGroupPathList(const QString &recordingGroupID, const QString &relayPath);
-    /// Reserved space of each path.
+    /// Reserved space of each path, in the station's unit (MB from the station of this repository).
     Q_INVOKABLE QVariantList getRecordingGroupReservedSpaceList(const QString &recordingGroupID,
                                                                 const QString &relayPath);
     /// NAS paths.
@@ -210,7 +231,8 @@ public:
     Q_INVOKABLE bool addNASServer(const QString &host, const QString &logonDomain = QStringLiteral("Host"),
                                   const QString &userName = QStringLiteral("Guest"), const QString &password = "",
                                   const QString &relayPath = "");
-    /// Changes a NAS server. Answered by updateNASServerResponsed().
+    /// Changes a NAS server. For @p password the station of this repository takes the token of the model, too, while
+    /// the host stays the same. Answered by updateNASServerResponsed().
     Q_INVOKABLE bool updateNASServer(const QString &id, const QString &host, const QString &domain, const QString &user,
                                      const QString &password, const QString &relayPath = "");
     /// Removes a NAS server. Answered by removeNASServerResponsed().
@@ -246,8 +268,11 @@ signals:
     void getRecordingGroupResponded(const QString &reqId);
     /// The tree and the cache hold the groups of the station.
     void retrieveRecordingGroupTreeModelFinish();
+    /// The folder was made, or not.
     void createDirectoryResponded(bool success);
+    /// The path was added, or not; no model changes.
     void addPathToRecordingGroupResponded(bool success);
+    /// The group was added, or not; no model changes.
     void addRecordingGroupResponded(bool success);
     /// The volume model holds the reply; on failure it is empty.
     void getVolumeResponded(bool success);
@@ -257,10 +282,15 @@ signals:
     void removePathFromRecordingGroupResp(bool success, bool finish);
     /// @p finish: the last part of the answer.
     void removeRecordingGroupResp(bool success, bool finish);
+    /// The volume model has a row more for each path that the station listed; on failure it is as it was.
     void addNASPathsToVolumeResp(bool success);
-    /// @p errList tells which elements the station refused, and why; empty on success.
+    /// @p addedGrpID is the new group's id. @p errList tells which elements the station refused, and why; empty on
+    /// success: see updateRecordingGroupResp().
     void addRecordingGroupWithCompleteInfoResp(bool success, const QString &addedGrpID, QVariantList errList);
-    /// @p errList tells which elements the station refused, and why.
+    /// @p errList tells which elements the station refused, and why, as it sent them. From the station of this
+    /// repository maps with "element" (the key of the request), "index" (place in that list; -1: none), "value"
+    /// (string, as it was sent), "returnCode" and, where a path cannot be written, "reason". It may be empty though the
+    /// edit was refused.
     void updateRecordingGroupResp(bool success, QVariantList errList);
     /// The server directory model holds the folders under @p path; empty when the reply names none, as a refusal does.
     void getServerDirResponded(const QString &path);
@@ -268,14 +298,17 @@ signals:
     void unsupportedStorages(const QString &stationID);
     /// A refusal leaves the NAS server model as it was; without memory it holds a part of the reply.
     void getNASServersResponded(bool success);
-    /// @p srvId is the new server's id, empty on failure.
+    /// @p srvId is the new server's id, and the model has its row; empty on failure.
     void addNASServerResponded(NASServerErrorCode result, const QString &srvId);
+    /// With NonError the row of @p nasId has the values that were sent, the password among them.
     void updateNASServerResponsed(NASServerErrorCode result, const QString &nasId);
+    /// The row is gone, or the server was not removed.
     void removeNASServerResponsed(bool success);
     /// The NAS directory model holds the folders under @p path; on failure it is as it was and the path empty.
     void getNASServerDirResponded(NASServerErrorCode result, const QString &path);
     /// Sizes in the station's unit; 0 on failure.
     void getNASServerCapacityResponded(NASServerErrorCode result, qlonglong total, qlonglong used);
+    /// The property may have changed.
     void recordingGroupRetrievedChanged();
 
 private:

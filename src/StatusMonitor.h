@@ -6,6 +6,14 @@
 #include <QPointer>
 #include <QString>
 
+/// Methods of the client's status monitor; every argument is a string.
+namespace StatusMonitorMethod {
+extern const QString monitorVolumeStatus;
+extern const QString removeVolumeError;
+extern const QString monitorInsufficientRecordingDays;
+extern const QString monitorSufficientRecordingGroup;
+} // namespace StatusMonitorMethod
+
 /// The client's status monitor. A call does nothing where the object or the method is missing.
 class StatusMonitor
 {

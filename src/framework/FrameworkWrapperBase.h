@@ -15,7 +15,7 @@ class QObject;
 class FrameworkWrapperBase
 {
 public:
-    virtual void Reserved1() { }
+    virtual void Reserved1() { } ///< the framework's own
 
     /// Hands @p command over for transport to the station behind @p relayPath (empty: the directly connected one).
     ///
@@ -29,17 +29,17 @@ public:
     virtual bool SendCommand(void *handle, const QString &pluginId, const QString &command, const QVariant &data,
                              void *context, bool flag, const QString &relayPath) = 0;
 
-    virtual void Reserved3() { }
-    virtual void Reserved4() { }
-    virtual void Reserved5() { }
-    virtual void Reserved6() { }
-    virtual void Reserved7() { }
-    virtual void Reserved8() { }
-    virtual void Reserved9() { }
-    virtual void Reserved10() { }
-    virtual void Reserved11() { }
-    virtual void Reserved12() { }
-    virtual void Reserved13() { }
+    virtual void Reserved3() { } ///< the framework's own
+    virtual void Reserved4() { } ///< the framework's own
+    virtual void Reserved5() { } ///< the framework's own
+    virtual void Reserved6() { } ///< the framework's own
+    virtual void Reserved7() { } ///< the framework's own
+    virtual void Reserved8() { } ///< the framework's own
+    virtual void Reserved9() { } ///< the framework's own
+    virtual void Reserved10() { } ///< the framework's own
+    virtual void Reserved11() { } ///< the framework's own
+    virtual void Reserved12() { } ///< the framework's own
+    virtual void Reserved13() { } ///< the framework's own
 
     /// The object of another plug-in of the client, found by its plug-in identifier; null when it is not loaded.
     /// The framework keeps the ownership.

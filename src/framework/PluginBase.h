@@ -43,18 +43,18 @@ public:
     /// Builds what the plug-in offers to QML. Returns false when that failed.
     virtual bool Init(QQmlContext *context) = 0;
 
-    virtual void Reserved7() { }
-    virtual void Reserved8() { }
+    virtual void Reserved7() { } ///< the framework's own
+    virtual void Reserved8() { } ///< the framework's own
 
     /// Tells the plug-in that the connection to the server is up. May come many times.
     virtual void PluginServerConnected() { }
 
-    virtual void Reserved10() { }
+    virtual void Reserved10() { } ///< the framework's own
 
 protected:
-    bool m_reserved = false; // the framework's own flag
-    QString m_pluginName;
-    QString m_pluginId;
+    bool m_reserved = false; ///< the framework's own flag
+    QString m_pluginName; ///< for people; set by InitialPluginBase()
+    QString m_pluginId; ///< goes with every command; set by InitialPluginBase()
 };
 
 Q_DECLARE_INTERFACE(PluginBase, "com.MERIDON.UIFramework.PluginInterface")
