@@ -63,6 +63,11 @@ void abandon(const QString &connection)
 }
 } // namespace
 
+QVariant boundText(const QString &value)
+{
+    return value.isNull() ? QStringLiteral("") : value;
+}
+
 Rows::Rows(QSqlQuery &&query)
     : m_query(std::move(query))
 {
@@ -123,10 +128,24 @@ Database::Database(const QString &folder)
     m_file.makeFolder();
     if (!m_file.isThere())
         make();
+    m_file.closeToOthers();
     const bool wasLeftOpen = m_file.enterUse();
     try {
         open(wasLeftOpen);
         m_file.remember();
+    } catch (...) {
+        disconnect();
+        throw;
+    }
+}
+
+Database::Database(const QString &folder, Look look)
+    : m_file(folder)
+    , m_limitation(DatabaseError(DatabaseTrouble::NotAllowed, QStringLiteral("it is only looked at")))
+{
+    try {
+        connect(m_file.path(), look == Look::Shared ? Access::ReadOnly : Access::Unchanging);
+        requireMade(*this);
     } catch (...) {
         disconnect();
         throw;
@@ -261,7 +280,7 @@ void Database::check(const QString &question)
     qCInfo(stationLog, "The database is damaged: %s", m_limitation->what());
 }
 
-/// A clean end says nothing of the disk. All but the files of each day, so that every start can afford it.
+/// A clean end says nothing of the disk. All but the large ones, so that every start can afford it.
 void Database::checkTables()
 {
     const QStringList tables = smallTables();

@@ -50,6 +50,9 @@ private:
     QSqlQuery m_query;
 };
 
+/// @p value as it is bound to a "?": a null QString would be NULL.
+QVariant boundText(const QString &value);
+
 /// One connection to the station's database, the file "station.db" in its data folder.
 ///
 /// Used on the thread that made it alone; another thread, and another process, opens a connection of its own. Readers
@@ -64,6 +67,15 @@ public:
     /// small tables are checked for damage, and all of a database that was not closed. Throws DatabaseError; what is
     /// there is left as it is then.
     explicit Database(const QString &folder);
+
+    /// How a database is opened that is only looked at.
+    enum class Look {
+        Shared, ///< others may be writing it; SQLite's files beside it may be made
+        Unchanging, ///< nobody writes it and it has no write-ahead file; nothing is made
+    };
+    /// Opens the database that is in @p folder to be read, whatever its version and without a check for damage. It is
+    /// not written, nor are its mark and its mode. Throws DatabaseError.
+    Database(const QString &folder, Look look);
     ~Database();
     Database(const Database &) = delete;
     Database &operator=(const Database &) = delete;
@@ -125,6 +137,7 @@ public:
     Transaction(const Transaction &) = delete;
     Transaction &operator=(const Transaction &) = delete;
 
+    Database &database() const { return m_database; }
     /// Throws DatabaseError, also where the database was replaced before, or while, it was written.
     void commit();
 

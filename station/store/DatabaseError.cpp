@@ -1,6 +1,6 @@
 #include "DatabaseError.h"
 
-#include "StationProtocol.h"
+#include "StationVocabulary.h"
 
 #include <QFileInfo>
 
@@ -70,6 +70,12 @@ DatabaseError::DatabaseError(DatabaseTrouble trouble, const QString &what, const
 QString returnCodeOf(DatabaseTrouble trouble)
 {
     return wordsOf(trouble).returnCode;
+}
+
+bool isDatabaseCode(const QString &returnCode)
+{
+    return std::any_of(std::begin(words), std::end(words),
+                       [&returnCode](const TroubleWords &row) { return row.returnCode == returnCode; });
 }
 
 StationTrouble troubleOf(const DatabaseError &error, const QString &file)

@@ -38,6 +38,9 @@ private:
 /// The word of StationReturnCode that a command is refused with.
 QString returnCodeOf(DatabaseTrouble trouble);
 
+/// Whether @p returnCode is one of those.
+bool isDatabaseCode(const QString &returnCode);
+
 /// @p error as operators are told of it; StationTrouble::since is left to whoever noticed it.
 /// @param file the database
 StationTrouble troubleOf(const DatabaseError &error, const QString &file);

@@ -132,9 +132,19 @@ bool DatabaseFile::isThere() const
         throw failed(DatabaseTrouble::Damaged, QStringLiteral("the file is empty"));
     if (facts.st_size < headerSize) // SQLite takes a file of one byte for a new one
         throw failed(DatabaseTrouble::Damaged, QStringLiteral("the file is cut off"));
-    if ((facts.st_mode & (S_IRWXG | S_IRWXO)) != 0)
-        chmod(QFile::encodeName(m_path).constData(), fileMode);
     return true;
+}
+
+bool DatabaseFile::isOpenToOthers() const
+{
+    struct stat facts = {};
+    return lookAt(m_path, facts) && S_ISREG(facts.st_mode) && (facts.st_mode & (S_IRWXG | S_IRWXO)) != 0;
+}
+
+void DatabaseFile::closeToOthers() const
+{
+    if (isOpenToOthers())
+        chmod(QFile::encodeName(m_path).constData(), fileMode);
 }
 
 void DatabaseFile::place(const QString &made) const

@@ -30,8 +30,12 @@ public:
     /// Makes the folder, for this user alone, where it is missing. Throws DatabaseError.
     void makeFolder() const;
     /// Whether there is a database to open. Throws DatabaseError where there was one, or something else is in its
-    /// place: no plain file, an empty one, another user's.
+    /// place: no plain file, an empty one, another user's. Changes nothing.
     bool isThere() const;
+    /// Whether others than its owner may read or write the file.
+    bool isOpenToOthers() const;
+    /// Takes that from them.
+    void closeToOthers() const;
     /// Gives @p made, a file in the folder, the database's name, unless somebody else was quicker.
     void place(const QString &made) const;
 

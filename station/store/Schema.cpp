@@ -79,6 +79,74 @@ constexpr Step steps[] = {
             PRIMARY KEY (day_number, name)) WITHOUT ROWID)"},
     {"sums of recorded files", R"(
         CREATE INDEX recorded_day_sums ON recorded_day (place, day, files, bytes))"},
+    {"answered edits, activity and alarms", R"(
+        CREATE TABLE edit_request (
+            number INTEGER PRIMARY KEY,
+            id TEXT NOT NULL UNIQUE,
+            fingerprint BLOB NOT NULL,
+            time INTEGER NOT NULL);
+        CREATE INDEX edit_request_time ON edit_request (time);
+        CREATE TABLE edit_reply (
+            request INTEGER NOT NULL REFERENCES edit_request ON DELETE CASCADE,
+            part INTEGER NOT NULL,
+            return_code TEXT NOT NULL,
+            data BLOB NOT NULL,
+            is_last INTEGER NOT NULL,
+            PRIMARY KEY (request, part)) WITHOUT ROWID;
+        CREATE TABLE activity (
+            number INTEGER PRIMARY KEY AUTOINCREMENT,
+            time INTEGER NOT NULL,
+            client TEXT NOT NULL,
+            user TEXT NOT NULL,
+            command TEXT NOT NULL,
+            group_id TEXT NOT NULL,
+            group_name TEXT NOT NULL,
+            subject TEXT NOT NULL,
+            return_code TEXT NOT NULL,
+            duration INTEGER NOT NULL);
+        CREATE INDEX activity_time ON activity (time);
+        CREATE INDEX activity_group ON activity (group_id, number);
+        CREATE TABLE alarm (
+            number INTEGER PRIMARY KEY,
+            kind TEXT NOT NULL,
+            severity INTEGER NOT NULL,
+            subject TEXT NOT NULL,
+            text TEXT NOT NULL,
+            remedy TEXT NOT NULL,
+            since INTEGER NOT NULL,
+            until INTEGER);
+        CREATE UNIQUE INDEX alarm_standing ON alarm (kind, subject) WHERE until IS NULL;
+        CREATE INDEX alarm_until ON alarm (until, number))"},
+    {"samples of usage figures, and when a place was read", R"(
+        CREATE TABLE history_subject (
+            number INTEGER PRIMARY KEY,
+            kind INTEGER NOT NULL,
+            key TEXT NOT NULL,
+            UNIQUE (kind, key));
+        CREATE TABLE history_sample (
+            subject INTEGER NOT NULL REFERENCES history_subject ON DELETE CASCADE,
+            resolution INTEGER NOT NULL,
+            time INTEGER NOT NULL,
+            recorded_days INTEGER,
+            remaining_days INTEGER,
+            one_day_usage INTEGER,
+            recorded_bytes INTEGER,
+            reserved_minutes INTEGER,
+            reserved_megabytes INTEGER,
+            volume_bytes INTEGER,
+            available_bytes INTEGER,
+            PRIMARY KEY (subject, resolution, time)) WITHOUT ROWID;
+        ALTER TABLE recording_place ADD COLUMN read_at INTEGER)"},
+    {"deletions of recordings of no group", R"(
+        CREATE TABLE recording_deletion (
+            place INTEGER PRIMARY KEY REFERENCES recording_place ON DELETE CASCADE,
+            begun INTEGER NOT NULL,
+            ended INTEGER,
+            return_code TEXT NOT NULL))"},
+    {"acknowledged alarms", R"(
+        ALTER TABLE alarm ADD COLUMN acknowledged_at INTEGER;
+        ALTER TABLE alarm ADD COLUMN acknowledged_by TEXT;
+        ALTER TABLE alarm ADD COLUMN note TEXT)"},
 };
 
 int version(Database &database)
@@ -130,6 +198,18 @@ void updateSchema(Database &database)
     }
 }
 
+int knownSchemaVersion(Database &database)
+{
+    const int found = version(database);
+    requireKnown(found);
+    return found;
+}
+
+int newestSchemaVersion()
+{
+    return static_cast<int>(std::size(steps));
+}
+
 void requireSchema(Database &database)
 {
     constexpr int newest = std::size(steps);
@@ -152,7 +232,17 @@ void requireMade(Database &database)
 
 QStringList smallTables()
 {
-    return {QStringLiteral("camera"),          QStringLiteral("recording_group"), QStringLiteral("group_path"),
-            QStringLiteral("group_member"),    QStringLiteral("group_node"),      QStringLiteral("nas_server"),
-            QStringLiteral("recording_place"), QStringLiteral("recorded_day")};
+    return {QStringLiteral("camera"),
+            QStringLiteral("recording_group"),
+            QStringLiteral("group_path"),
+            QStringLiteral("group_member"),
+            QStringLiteral("group_node"),
+            QStringLiteral("nas_server"),
+            QStringLiteral("recording_place"),
+            QStringLiteral("recorded_day"),
+            QStringLiteral("edit_request"),
+            QStringLiteral("edit_reply"),
+            QStringLiteral("alarm"),
+            QStringLiteral("history_subject"),
+            QStringLiteral("recording_deletion")};
 }

@@ -57,6 +57,25 @@ void runAlone(const QString &file, const QString &statement)
     QSqlDatabase::removeDatabase(name);
 }
 
+/// Of the table @p table in @p file.
+int rootPage(const QString &file, const QString &table)
+{
+    const QString name = u"pages"_s;
+    int page = 0;
+    {
+        QSqlDatabase connection = QSqlDatabase::addDatabase(u"QSQLITE"_s, name);
+        connection.setDatabaseName(file);
+        QSqlQuery query(connection);
+        if (connection.open() && query.exec(u"SELECT rootpage FROM sqlite_schema WHERE name = '%1'"_s.arg(table))
+            && query.next())
+            page = query.value(0).toInt();
+        query.finish();
+        connection.close();
+    }
+    QSqlDatabase::removeDatabase(name);
+    return page;
+}
+
 void truncateTo(const QString &file, qint64 size)
 {
     QFile opened(file);
@@ -87,7 +106,8 @@ Run BrokenDataTest::ctl(const QStringList &arguments, const QStringList &faults)
         setDiskFaults(environment, faults, path(u"log"_s));
     process.setProcessEnvironment(environment);
     process.start(RECORDINGCTL, arguments + QStringList{u"--data"_s, path(u"data"_s)});
-    return finished(process);
+    const Run run = finished(process);
+    return waitForStationEnd(path(u"data"_s)) ? run : Run();
 }
 
 void BrokenDataTest::aSiteInOrderIsFine()
@@ -134,8 +154,9 @@ void BrokenDataTest::aDamagedTableIsNoGoodAnswer()
 {
     QFile file(database());
     constexpr int pageSize = 4096;
-    QVERIFY(file.open(QIODevice::ReadWrite) && file.seek(file.size() - pageSize));
-    QCOMPARE(file.write(QByteArray(pageSize, '\xa5')), pageSize); // of an index, or of the recordings
+    const int page = rootPage(database(), u"recorded_day"_s);
+    QVERIFY(file.open(QIODevice::ReadWrite) && file.seek((page - 1) * pageSize));
+    QCOMPARE(file.write(QByteArray(pageSize, '\xa5')), pageSize);
     file.close();
     qsizetype told = 0;
     for (const QString &command : {u"usage"_s, u"alarms"_s}) {
@@ -179,6 +200,10 @@ void BrokenDataTest::aDiskThatTakesNothingIsRead()
     QVERIFY2(usage.errors.contains(words), qPrintable(usage.errors));
     QVERIFY2(usage.outputLines().value(1).startsWith(u"Doors"_s) && usage.output.contains(u"2 days"_s),
              qPrintable(usage.output));
+    const QJsonObject json = ctl({u"usage"_s, u"--json"_s}, faults).json();
+    QCOMPARE(json[u"returnCode"_s].toString(), code);
+    QCOMPARE(json[u"data"_s][0][u"recordedDays"_s].toInt(), 2);
+    QVERIFY2(json[u"error"_s][u"message"_s].toString().contains(words), qPrintable(usage.errors));
     const Run alarms = ctl({u"alarms"_s}, faults);
     QCOMPARE(alarms.exitCode, 1);
     QVERIFY2(alarms.output.contains(words), qPrintable(alarms.output));
@@ -211,8 +236,8 @@ void BrokenDataTest::aDiskWithErrorsIsNotFine()
 {
     for (const QString &command : {u"usage"_s, u"alarms"_s, u"groups"_s}) {
         const Run run = ctl({command}, {u"EIO="_s + path(u"data"_s)});
-        QVERIFY2(run.exitCode == 1, qPrintable(command + run.output + run.errors));
-        QVERIFY2(run.errors.contains(u"Database"_s), qPrintable(run.errors));
+        QVERIFY2(run.exitCode > 0, qPrintable(command + run.output + run.errors));
+        QVERIFY2(run.errors.contains(path(u"data"_s)), qPrintable(run.errors));
     }
 }
 
@@ -246,6 +271,15 @@ void BrokenDataTest::aFolderThatHangsIsUnknown()
         QCOMPARE(run.exitCode, 3);
         QVERIFY2(run.errors.contains(u"recordingctl: unknown, asked since "_s), qPrintable(run.errors));
     }
+    const Run json = ctl({u"usage"_s, u"--json"_s, u"--timeout"_s, u"2"_s}, {u"hang.readdir="_s + folder});
+    QCOMPARE(json.exitCode, 3);
+    const QJsonObject reply = json.json();
+    QCOMPARE(reply.keys(), QStringList({u"command"_s, u"data"_s, u"returnCode"_s, u"unknown"_s}));
+    QCOMPARE(reply[u"returnCode"_s].toString(), u"NotKnownYet"_s);
+    const QJsonObject unknown = reply[u"unknown"_s][0].toObject();
+    QCOMPARE(unknown.keys(), QStringList({u"kind"_s, u"since"_s, u"subject"_s, u"text"_s}));
+    QVERIFY2(json.errors.contains(unknown[u"text"_s].toString()), qPrintable(json.output));
+    QVERIFY2(unknown[u"since"_s].toString().endsWith(u'Z'), qPrintable(json.output));
 }
 
 QTEST_GUILESS_MAIN(BrokenDataTest)

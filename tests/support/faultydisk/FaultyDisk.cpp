@@ -5,12 +5,17 @@
 // befall only calls that change something. Without a call all of them are meant. Folders are compared as text, links
 // are not followed. FAULTY_DISK_LOG is a file that gets a line "<call> <path>" for every call that is befallen: a test
 // waits for it.
+//
+// Two more faults befall calls only while the file FAULTY_DISK_GATE exists: wait holds the call up until the file is
+// gone, as a frozen file system does; die removes the file and kills the process within the call.
 
 #include <cerrno>
 #include <climits>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <string>
 #include <string_view>
 
@@ -63,15 +68,41 @@ void writeLog(const char *call, const std::string &path)
     syscall(SYS_close, file);
 }
 
+const char *gate()
+{
+    const char *const file = std::getenv("FAULTY_DISK_GATE");
+    return file ? file : "";
+}
+
+bool isGateThere()
+{
+    return syscall(SYS_faccessat, AT_FDCWD, gate(), F_OK) == 0;
+}
+
+void waitForGate()
+{
+    constexpr timespec moment{0, 1'000'000}; // nanoseconds
+    while (isGateThere())
+        nanosleep(&moment, nullptr);
+}
+
+void dieAtGate()
+{
+    if (syscall(SYS_unlinkat, AT_FDCWD, gate(), 0) == 0) // one process alone
+        kill(getpid(), SIGKILL);
+}
+
 /// Whether @p call on @p path fails, with errno set; does not return where it hangs.
 bool fails(const char *call, const std::string &path, Kind kind)
 {
     static const struct
     {
         std::string_view name;
-        int error; // 0: hangs
+        int error; // 0: hangs, or does as it is told at the gate
         bool isOfChanges;
-    } faults[] = {{"hang", 0, false}, {"EIO", EIO, false}, {"ENOSPC", ENOSPC, true}, {"EROFS", EROFS, true}};
+        void (*atGate)();
+    } faults[] = {{"hang", 0, false, nullptr},     {"EIO", EIO, false, nullptr},     {"ENOSPC", ENOSPC, true, nullptr},
+                  {"EROFS", EROFS, true, nullptr}, {"wait", 0, false, &waitForGate}, {"die", 0, false, &dieAtGate}};
 
     const char *const setting = std::getenv("FAULTY_DISK");
     std::string_view rest = setting ? setting : "";
@@ -87,7 +118,13 @@ bool fails(const char *call, const std::string &path, Kind kind)
         for (const auto &fault : faults) {
             if (fault.name != what.substr(0, dot) || (fault.isOfChanges && kind == Kind::Look))
                 continue;
+            if (fault.atGate && !isGateThere())
+                continue;
             writeLog(call, path);
+            if (fault.atGate) {
+                fault.atGate();
+                continue;
+            }
             while (fault.error == 0)
                 pause();
             errno = fault.error;
