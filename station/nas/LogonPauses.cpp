@@ -1,6 +1,7 @@
 #include "LogonPauses.h"
 
-#include "StationProtocol.h"
+#include "ServerVocabulary.h"
+#include "StationVocabulary.h"
 
 #include <QMessageAuthenticationCode>
 #include <QRandomGenerator>
@@ -21,7 +22,7 @@ void LogonPauses::note(const SmbPath &place, const SmbLogon &logon, const QStrin
     if (returnCode == StationReturnCode::NasServerNotResponding)
         return;
     const QByteArray key = keyOf(place, logon);
-    if (returnCode != StationReturnCode::LogonNASServerFaled) {
+    if (returnCode != NasReturnCode::LogonNASServerFaled) {
         m_refusals.remove(key);
         return;
     }

@@ -2,7 +2,8 @@
 
 #include "LogonPauses.h"
 #include "NasAccounts.h"
-#include "StationProtocol.h"
+#include "ServerVocabulary.h"
+#include "StationVocabulary.h"
 #include "TimedWork.h"
 
 namespace {
@@ -14,19 +15,15 @@ PathFacts refused(const QString &returnCode, const QString &reason = {})
     return facts;
 }
 
-/// The same for every path of a share: names on these servers are the same in capitals and small letters.
-QString shareOf(SmbPath place)
-{
-    place.folders.clear();
-    return place.text().toCaseFolded();
-}
-
 PathFacts spaceAt(SmbClient &client, const SmbPath &place)
 {
     const SmbSpace space = client.space(place);
-    if (space.returnCode == StationReturnCode::GetNasCapacityFailed)
+    if (space.returnCode == NasReturnCode::GetNasCapacityFailed)
         return refused(StationReturnCode::DirectoryNotFound);
-    return {space.returnCode, {}, shareOf(place), space.bytesTotal, place.text().toCaseFolded()};
+    SmbPath share = place;
+    share.folders.clear();
+    return {space.returnCode,    {}, place.shareKey(), space.bytesTotal, place.text().toCaseFolded(), share.text(),
+            space.bytesAvailable};
 }
 
 PathFacts writableSpaceAt(SmbClient &client, const SmbPath &place)
@@ -37,7 +34,7 @@ PathFacts writableSpaceAt(SmbClient &client, const SmbPath &place)
         if (code == reason)
             return refused(StationReturnCode::PathNotWritable, reason);
     }
-    return code == StationReturnCode::Success ? spaceAt(client, place) : refused(code);
+    return code == ReturnCode::Success ? spaceAt(client, place) : refused(code);
 }
 } // namespace
 
@@ -61,7 +58,7 @@ PathFacts NasPaths::volumeOf(const QString &path) const
 QString NasPaths::sharedSpace(const QString &path) const
 {
     const std::optional<SmbPath> place = SmbPath::parse(path);
-    return place ? shareOf(*place) : path;
+    return place ? place->shareKey() : path;
 }
 
 PathFacts NasPaths::asked(const QString &path, const Ask &ask) const
@@ -78,7 +75,7 @@ PathFacts NasPaths::asked(const QString &path, const Ask &ask) const
     if (!m_silentHosts.value(host, QDeadlineTimer(0)).hasExpired())
         return refused(StationReturnCode::NasServerNotResponding);
     if (m_accounts.pauses().wasRefused(*place, *logon, silence))
-        return refused(StationReturnCode::LogonNASServerFaled);
+        return refused(NasReturnCode::LogonNASServerFaled);
     const auto work = [place = *place, logon = *logon, ask, limit = m_work.limit()] {
         SmbClient client(logon, limit);
         return ask(client, place);

@@ -4,8 +4,10 @@
 #include "NasAccounts.h"
 #include "PasswordVault.h"
 #include "RequestMap.h"
-#include "StationProtocol.h"
+#include "ServerVocabulary.h"
+#include "StationVocabulary.h"
 #include "TimedWork.h"
+#include "service/Edit.h"
 #include "store/Database.h"
 
 #include <QUuid>
@@ -13,8 +15,8 @@
 namespace {
 SmbLogon logonOf(const RequestMap &request)
 {
-    return {request.string(StationKey::logonDomain), request.string(StationKey::userName),
-            request.string(StationKey::password)};
+    return {request.string(FieldKey::logonDomain), request.string(FieldKey::userName),
+            request.string(FieldKey::password)};
 }
 
 /// Whether @p host is another one than that of @p stored; false where it is none at all.
@@ -35,14 +37,14 @@ NasRegistry::NasRegistry(NasAccounts &accounts, TimedWork &work, const QString &
 
 void NasRegistry::enterInto(CommandTable &table)
 {
+    table.insert(ServerCommand::GetNasServers,
+                 [this](const QVariant &data, const Answer &answer) { getNasServers(data, answer); });
     const auto enter = [this, &table](const QString &name, auto member) {
-        table.insert(name,
-                     [this, member](const QVariant &data, const Answer &answer) { (this->*member)(data, answer); });
+        table.insert(name, [this, member](const std::shared_ptr<Edit> &edit) { (this->*member)(edit); });
     };
-    enter(StationCommandName::GetNasServers, &NasRegistry::getNasServers);
-    enter(StationCommandName::AddNasServer, &NasRegistry::addNasServer);
-    enter(StationCommandName::UpdateNASServer, &NasRegistry::updateNasServer);
-    enter(StationCommandName::RemoveNASServer, &NasRegistry::removeNasServer);
+    enter(ServerCommand::AddNasServer, &NasRegistry::addNasServer);
+    enter(ServerCommand::UpdateNASServer, &NasRegistry::updateNasServer);
+    enter(ServerCommand::RemoveNASServer, &NasRegistry::removeNasServer);
 }
 
 void NasRegistry::getNasServers(const QVariant &data, const Answer &answer)
@@ -56,90 +58,116 @@ void NasRegistry::getNasServers(const QVariant &data, const Answer &answer)
     for (const NasServer &server : servers) {
         list.append(QVariantMap{
             {StationKey::id, server.id},
-            {StationKey::host, server.host},
-            {StationKey::logonDomain, server.logonDomain},
-            {StationKey::userName, server.userName},
-            {StationKey::password, m_accounts.token(server.id)},
+            {FieldKey::host, server.host},
+            {FieldKey::logonDomain, server.logonDomain},
+            {FieldKey::userName, server.userName},
+            {FieldKey::password, m_accounts.token(server.id)},
         });
     }
-    answer(lastPart(StationReturnCode::Success, list));
+    answer(lastPart(ReturnCode::Success, list));
 }
 
-void NasRegistry::addNasServer(const QVariant &data, const Answer &answer)
+void NasRegistry::addNasServer(const std::shared_ptr<Edit> &edit)
 {
-    const RequestMap request(data);
+    const RequestMap request(edit->data());
     const SmbLogon logon = logonOf(request);
     const NasServer server{
-        QUuid::createUuid().toString(), request.string(StationKey::host), logon.domain, logon.userName, {}};
-    if (!isMeant(request.string(StationKey::relayPath), m_relayPath, answer))
+        QUuid::createUuid().toString(), request.string(FieldKey::host), logon.domain, logon.userName, {}};
+    edit->setSubject({{}, {}, server.host});
+    if (!isAddressed(request, *edit))
         return;
-    storeAfterLogon(StationCommandName::AddNasServer, server, logon, answer, [this, server, logon] {
+    storeAfterLogon(edit, server, logon, [this, server, logon] {
         NasServer added = server;
         m_accounts.checkKey();
         added.sealedPassword = m_accounts.vault().encrypted(logon.password);
         m_accounts.store().insert(added);
-        return lastPart(StationReturnCode::Success, added.id);
+        return lastPart(ReturnCode::Success, added.id);
     });
 }
 
-void NasRegistry::updateNasServer(const QVariant &data, const Answer &answer)
+void NasRegistry::updateNasServer(const std::shared_ptr<Edit> &edit)
 {
-    const RequestMap request(data);
+    const RequestMap request(edit->data());
     const SmbLogon given = logonOf(request);
     const NasServer server{
-        request.string(StationKey::id), request.string(StationKey::host), given.domain, given.userName, {}};
-    if (!isMeant(request.string(StationKey::relayPath), m_relayPath, answer))
+        request.string(StationKey::id), request.string(FieldKey::host), given.domain, given.userName, {}};
+    edit->setSubject({{}, {}, server.host});
+    if (!isAddressed(request, *edit))
         return;
     const std::optional<NasServer> stored = m_accounts.store().server(server.id);
     if (!stored)
-        return answer(lastPart(StationReturnCode::NasServerNotFound));
+        return edit->answer(lastPart(StationReturnCode::NasServerNotFound));
     if (isMoved(*stored, server.host) && PasswordVault::looksLikeToken(given.password))
-        return answer(lastPart(StationReturnCode::NasPasswordNeeded));
+        return edit->answer(lastPart(StationReturnCode::NasPasswordNeeded));
     const SmbLogon logon = m_accounts.resolved(given, *stored);
-    storeAfterLogon(StationCommandName::UpdateNASServer, server, logon, answer, [this, server, logon] {
+    storeAfterLogon(edit, server, logon, [this, server, logon] {
         NasServer updated = server;
         if (!m_accounts.store().server(updated.id)) // removed while the server was asked
             return lastPart(StationReturnCode::NasServerNotFound);
         m_accounts.checkKey(updated.id);
         updated.sealedPassword = m_accounts.vault().encrypted(logon.password);
         m_accounts.store().replace(updated);
-        return lastPart(StationReturnCode::Success);
+        return lastPart(ReturnCode::Success);
     });
 }
 
-void NasRegistry::removeNasServer(const QVariant &data, const Answer &answer)
+void NasRegistry::removeNasServer(const std::shared_ptr<Edit> &edit)
 {
-    const RequestMap request(data);
+    const RequestMap request(edit->data());
     const QString id = request.string(StationKey::id);
-    if (!isMeant(request.string(StationKey::relayPath), m_relayPath, answer))
+    if (!isAddressed(request, *edit))
         return;
-    answer(lastPart(m_accounts.store().remove(id) ? StationReturnCode::Success : StationReturnCode::NasServerNotFound));
+    edit->answer(removeNow(*edit, id));
+}
+
+bool NasRegistry::isAddressed(const RequestMap &request, Edit &edit) const
+{
+    return isMeant(request.string(FieldKey::relayPath), m_relayPath,
+                   [&edit](const StationReply &part) { edit.answer(part); });
 }
 
 /// Logs on as @p logon to the host of @p server, and then answers what @p store does in a transaction. Refuses before
 /// the server is bothered when @p server could not be stored anyway.
-void NasRegistry::storeAfterLogon(const QString &command, const NasServer &server, const SmbLogon &logon,
-                                  const Answer &answer, const Store &store)
+void NasRegistry::storeAfterLogon(const std::shared_ptr<Edit> &edit, const NasServer &server, const SmbLogon &logon,
+                                  const Store &store)
 {
     const std::optional<SmbPath> host = SmbPath::parseHost(server.host);
     if (!host)
-        return answer(lastPart(StationReturnCode::NasHostRefused));
+        return edit->answer(lastPart(StationReturnCode::NasHostRefused));
     if (m_accounts.store().isTaken(server.host, server.userName, server.id))
-        return answer(lastPart(StationReturnCode::NASServerExist));
+        return edit->answer(lastPart(NasReturnCode::NASServerExist));
     m_accounts.checkKey(server.id);
     const auto logOn = [host = *host, logon, limit = m_work.limit()] { return SmbClient(logon, limit).logOn(host); };
-    const auto done = [this, command, server, host = *host, logon, answer, store](const QString &returnCode) {
-        answerFailures(command, answer, [&] {
+    const auto done = [this, edit, server, host = *host, logon, store](const QString &returnCode) {
+        edit->attempt([&] {
             m_accounts.pauses().note(host, logon, returnCode);
-            if (returnCode != StationReturnCode::Success)
-                return answer(lastPart(returnCode));
-            Transaction transaction(m_accounts.database());
-            if (m_accounts.store().isTaken(server.host, server.userName, server.id)) // stored in the meantime
-                return answer(lastPart(StationReturnCode::NASServerExist));
-            const StationReply reply = store();
-            transaction.commit();
-            answer(reply);
+            edit->answer(returnCode == ReturnCode::Success ? storeNow(*edit, server, store) : lastPart(returnCode));
         });
     };
     m_work.run<QString>(host->hostKey(), logOn, StationReturnCode::NasServerNotResponding, done);
+}
+
+/// What @p store answers; with "0" it is kept and given already.
+StationReply NasRegistry::storeNow(Edit &edit, const NasServer &server, const Store &store)
+{
+    Transaction transaction(m_accounts.database());
+    if (m_accounts.store().isTaken(server.host, server.userName, server.id)) // stored in the meantime
+        return lastPart(NasReturnCode::NASServerExist);
+    const StationReply reply = store();
+    if (reply.returnCode == ReturnCode::Success)
+        edit.commit(transaction, reply);
+    return reply;
+}
+
+/// Likewise.
+StationReply NasRegistry::removeNow(Edit &edit, const QString &id)
+{
+    Transaction transaction(m_accounts.database());
+    const std::optional<NasServer> server = m_accounts.store().server(id);
+    if (!server)
+        return lastPart(StationReturnCode::NasServerNotFound);
+    edit.setSubject({{}, {}, server->host});
+    m_accounts.store().remove(id);
+    edit.commit(transaction, lastPart(ReturnCode::Success));
+    return lastPart(ReturnCode::Success);
 }

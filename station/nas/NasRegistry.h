@@ -4,6 +4,7 @@
 #include "smb/SmbClient.h"
 
 class NasAccounts;
+class RequestMap;
 class TimedWork;
 struct NasServer;
 
@@ -22,13 +23,16 @@ public:
 
 private:
     void getNasServers(const QVariant &data, const Answer &answer);
-    void addNasServer(const QVariant &data, const Answer &answer);
-    void updateNasServer(const QVariant &data, const Answer &answer);
-    void removeNasServer(const QVariant &data, const Answer &answer);
+    void addNasServer(const std::shared_ptr<Edit> &edit);
+    void updateNasServer(const std::shared_ptr<Edit> &edit);
+    void removeNasServer(const std::shared_ptr<Edit> &edit);
 
     using Store = std::function<StationReply()>;
-    void storeAfterLogon(const QString &command, const NasServer &server, const SmbLogon &logon, const Answer &answer,
+    bool isAddressed(const RequestMap &request, Edit &edit) const;
+    void storeAfterLogon(const std::shared_ptr<Edit> &edit, const NasServer &server, const SmbLogon &logon,
                          const Store &store);
+    StationReply storeNow(Edit &edit, const NasServer &server, const Store &store);
+    StationReply removeNow(Edit &edit, const QString &id);
 
     NasAccounts &m_accounts;
     TimedWork &m_work;

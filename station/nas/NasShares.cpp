@@ -4,8 +4,9 @@
 #include "NasAccounts.h"
 #include "NasSpaces.h"
 #include "RequestMap.h"
+#include "ServerVocabulary.h"
 #include "StationLog.h"
-#include "StationProtocol.h"
+#include "StationVocabulary.h"
 #include "TimedWork.h"
 
 namespace {
@@ -36,20 +37,20 @@ StationReply replyOf(const DiskCollection &collection)
     QString firstRefusal;
     for (qsizetype i = 0; i < collection.paths.size(); ++i) {
         const SmbSpace &space = collection.spaces.at(i);
-        if (space.returnCode == StationReturnCode::Success) {
-            disks.append(QVariantMap{{StationKey::diskName, collection.paths.at(i)},
-                                     {StationKey::diskTotal, totalKilobytes(space)},
-                                     {StationKey::diskUsed, usedKilobytes(space)}});
+        if (space.returnCode == ReturnCode::Success) {
+            disks.append(QVariantMap{{FieldKey::diskName, collection.paths.at(i)},
+                                     {FieldKey::diskTotal, totalKilobytes(space)},
+                                     {FieldKey::diskUsed, usedKilobytes(space)}});
             continue;
         }
-        qCWarning(stationLog, "%s: %s is left out: %s", qPrintable(StationCommandName::addNASPathsToVolume),
+        qCWarning(stationLog, "%s: %s is left out: %s", qPrintable(ServerCommand::addNASPathsToVolume),
                   qPrintable(collection.paths.at(i)), qPrintable(space.returnCode));
         if (firstRefusal.isEmpty())
             firstRefusal = space.returnCode;
     }
     if (disks.isEmpty() && !firstRefusal.isEmpty())
         return lastPart(firstRefusal);
-    return lastPart(StationReturnCode::Success, disks);
+    return lastPart(ReturnCode::Success, disks);
 }
 } // namespace
 
@@ -66,27 +67,27 @@ void NasShares::enterInto(CommandTable &table)
         table.insert(name,
                      [this, member](const QVariant &data, const Answer &answer) { (this->*member)(data, answer); });
     };
-    enter(StationCommandName::GetNasDir, &NasShares::getNasDir);
-    enter(StationCommandName::GetNasCapacity, &NasShares::getNasCapacity);
-    enter(StationCommandName::addNASPathsToVolume, &NasShares::addPathsToVolume);
+    enter(ServerCommand::GetNasDir, &NasShares::getNasDir);
+    enter(ServerCommand::GetNasCapacity, &NasShares::getNasCapacity);
+    enter(ServerCommand::addNASPathsToVolume, &NasShares::addPathsToVolume);
 }
 
 void NasShares::getNasDir(const QVariant &data, const Answer &answer)
 {
-    const std::optional<Target> target = targetOf(data, StationReturnCode::GetNasDirFailed, answer);
+    const std::optional<Target> target = targetOf(data, NasReturnCode::GetNasDirFailed, answer);
     if (!target)
         return;
-    const QString basePath = RequestMap(data).string(StationKey::basePath);
+    const QString basePath = RequestMap(data).string(FieldKey::basePath);
     const auto list = [target = *target, limit = m_work.limit()] {
         return SmbClient(target.logon, limit).folders(target.place);
     };
     const auto done = [this, target = *target, basePath, answer](const SmbFolders &folders) {
-        answerFailures(StationCommandName::GetNasDir, answer, [&] {
+        answerFailures(ServerCommand::GetNasDir, answer, [&] {
             m_accounts.pauses().note(target.place, target.logon, folders.returnCode);
-            if (folders.returnCode != StationReturnCode::Success)
+            if (folders.returnCode != ReturnCode::Success)
                 return answer(lastPart(folders.returnCode));
-            answer(lastPart(StationReturnCode::Success,
-                            QVariantMap{{StationKey::basePath, basePath}, {StationKey::dirFolderList, folders.names}}));
+            answer(lastPart(ReturnCode::Success,
+                            QVariantMap{{FieldKey::basePath, basePath}, {FieldKey::dirFolderList, folders.names}}));
         });
     };
     m_work.run<SmbFolders>(target->place.hostKey(), list, {StationReturnCode::NasServerNotResponding, {}}, done);
@@ -94,16 +95,16 @@ void NasShares::getNasDir(const QVariant &data, const Answer &answer)
 
 void NasShares::getNasCapacity(const QVariant &data, const Answer &answer)
 {
-    const std::optional<Target> target = targetOf(data, StationReturnCode::GetNasCapacityFailed, answer);
+    const std::optional<Target> target = targetOf(data, NasReturnCode::GetNasCapacityFailed, answer);
     if (!target)
         return;
     const auto done = [answer](qsizetype, const QList<SmbSpace> &spaces) {
-        answerFailures(StationCommandName::GetNasCapacity, answer, [&] {
+        answerFailures(ServerCommand::GetNasCapacity, answer, [&] {
             const SmbSpace &space = spaces.constFirst();
-            if (space.returnCode != StationReturnCode::Success)
+            if (space.returnCode != ReturnCode::Success)
                 return answer(lastPart(space.returnCode));
             answer(lastPart(
-                StationReturnCode::Success,
+                ReturnCode::Success,
                 QVariantMap{{StationKey::total, totalKilobytes(space)}, {StationKey::used, usedKilobytes(space)}}));
         });
     };
@@ -113,7 +114,7 @@ void NasShares::getNasCapacity(const QVariant &data, const Answer &answer)
 void NasShares::addPathsToVolume(const QVariant &data, const Answer &answer)
 {
     const auto collection = std::make_shared<DiskCollection>();
-    collection->paths = RequestMap(data).strings(StationKey::pathList);
+    collection->paths = RequestMap(data).strings(FieldKey::pathList);
     QList<SpaceQuestion> questions;
     QList<qsizetype> asked; // the paths behind the questions
     for (const QString &path : std::as_const(collection->paths)) {
@@ -123,14 +124,14 @@ void NasShares::addPathsToVolume(const QVariant &data, const Answer &answer)
             questions.append({*logon, {*place}});
             asked.append(collection->spaces.size());
         }
-        const QString &refusal = place ? StationReturnCode::NasServerNotFound : StationReturnCode::GetNasCapacityFailed;
+        const QString &refusal = place ? StationReturnCode::NasServerNotFound : NasReturnCode::GetNasCapacityFailed;
         collection->spaces.append({refusal});
     }
     collection->missing = questions.size();
     if (questions.isEmpty())
         return answer(replyOf(*collection));
     const auto done = [collection, asked, answer](qsizetype index, const QList<SmbSpace> &spaces) {
-        answerFailures(StationCommandName::addNASPathsToVolume, answer, [&] {
+        answerFailures(ServerCommand::addNASPathsToVolume, answer, [&] {
             collection->spaces[asked.at(index)] = spaces.constFirst();
             if (--collection->missing == 0)
                 answer(replyOf(*collection));
@@ -143,10 +144,10 @@ void NasShares::addPathsToVolume(const QVariant &data, const Answer &answer)
 std::optional<NasShares::Target> NasShares::targetOf(const QVariant &data, const QString &refusal, const Answer &answer)
 {
     const RequestMap request(data);
-    const QString basePath = request.string(StationKey::basePath);
-    const SmbLogon logon{request.string(StationKey::logonDomain), request.string(StationKey::userName),
-                         request.string(StationKey::password)};
-    if (!isMeant(request.string(StationKey::relayPath), m_relayPath, answer))
+    const QString basePath = request.string(FieldKey::basePath);
+    const SmbLogon logon{request.string(FieldKey::logonDomain), request.string(FieldKey::userName),
+                         request.string(FieldKey::password)};
+    if (!isMeant(request.string(FieldKey::relayPath), m_relayPath, answer))
         return {};
     const std::optional<SmbPath> place = SmbPath::parse(basePath);
     if (!place) {

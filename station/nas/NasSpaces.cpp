@@ -1,7 +1,8 @@
 #include "NasSpaces.h"
 
 #include "LogonPauses.h"
-#include "StationProtocol.h"
+#include "ServerVocabulary.h"
+#include "StationVocabulary.h"
 #include "TimedWork.h"
 
 #include <algorithm>
@@ -18,7 +19,7 @@ using Then = std::function<void(const QString &code)>;
 
 bool isOfServer(const QString &code)
 {
-    return code == StationReturnCode::NasServerNotResponding || code == StationReturnCode::LogonNASServerFaled;
+    return code == StationReturnCode::NasServerNotResponding || code == NasReturnCode::LogonNASServerFaled;
 }
 
 QList<SmbSpace> spacesAt(const SpaceQuestion &question, std::chrono::milliseconds limit)

@@ -12,12 +12,6 @@ QString hostKey(const QString &host)
     const std::optional<SmbPath> place = SmbPath::parseHost(host);
     return (place ? place->text() : host).toLower();
 }
-
-/// An empty text is bound as such: a null QString would be NULL.
-QVariant text(const QString &value)
-{
-    return value.isNull() ? QStringLiteral("") : value;
-}
 } // namespace
 
 NasStore::NasStore(Database &database)
@@ -48,7 +42,7 @@ bool NasStore::isTaken(const QString &host, const QString &userName, const QStri
 {
     return m_database
         .value(QStringLiteral("SELECT 1 FROM nas_server WHERE host_key = ? AND user_name = ? AND id <> ?"),
-               {hostKey(host), text(userName), text(id)})
+               {hostKey(host), boundText(userName), boundText(id)})
         .isValid();
 }
 
@@ -57,7 +51,7 @@ void NasStore::insert(const NasServer &server)
     m_database.run(
         QStringLiteral("INSERT INTO nas_server (id, host, host_key, logon_domain, user_name, sealed_password)"
                        " VALUES (?, ?, ?, ?, ?, ?)"),
-        {server.id, server.host, hostKey(server.host), text(server.logonDomain), text(server.userName),
+        {server.id, server.host, hostKey(server.host), boundText(server.logonDomain), boundText(server.userName),
          server.sealedPassword});
 }
 
@@ -65,14 +59,11 @@ void NasStore::replace(const NasServer &server)
 {
     m_database.run(QStringLiteral("UPDATE nas_server SET host = ?, host_key = ?, logon_domain = ?, user_name = ?,"
                                   " sealed_password = ? WHERE id = ?"),
-                   {server.host, hostKey(server.host), text(server.logonDomain), text(server.userName),
+                   {server.host, hostKey(server.host), boundText(server.logonDomain), boundText(server.userName),
                     server.sealedPassword, server.id});
 }
 
 bool NasStore::remove(const QString &id)
 {
-    Transaction transaction(m_database);
-    const bool isRemoved = m_database.run(QStringLiteral("DELETE FROM nas_server WHERE id = ?"), {text(id)}).rows > 0;
-    transaction.commit();
-    return isRemoved;
+    return m_database.run(QStringLiteral("DELETE FROM nas_server WHERE id = ?"), {boundText(id)}).rows > 0;
 }

@@ -1,17 +1,18 @@
 #include "SmbClient.h"
 
 #include "NameOrder.h"
+#include "ServerVocabulary.h"
+#include "SmbFunctions.h"
 #include "SmbKnock.h"
 #include "SmbLibrary.h"
-#include "StationProtocol.h"
+#include "StationVocabulary.h"
 
 #include <QUuid>
-
-#include <libsmbclient.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <limits>
 #include <new>
 #include <utility>
 
@@ -45,7 +46,7 @@ Words wordsOf(const SmbLogon &logon)
 void giveWords(SMBCCTX *context, const char *, const char *, char *domain, int domainSize, char *user, int userSize,
                char *password, int passwordSize)
 {
-    const auto *words = static_cast<const Words *>(smbc_getOptionUserData(context));
+    const auto *words = static_cast<const Words *>(smbFunctions().getOptionUserData(context));
     qstrncpy(domain, words->domain.constData(), static_cast<size_t>(domainSize));
     qstrncpy(user, words->userName.constData(), static_cast<size_t>(userSize));
     qstrncpy(password, words->password.constData(), static_cast<size_t>(passwordSize));
@@ -81,6 +82,21 @@ int findHost(const QString &host)
     return 0;
 }
 
+SmbEntry entryOf(const libsmb_file_info &found)
+{
+    constexpr unsigned int folder = 0x10; // FILE_ATTRIBUTE_DIRECTORY, _DEVICE and _REPARSE_POINT of the protocol
+    constexpr unsigned int device = 0x40;
+    constexpr unsigned int link = 0x400;
+    SmbEntry entry{QString::fromUtf8(found.name, -1)};
+    if (found.attrs & (device | link))
+        return entry;
+    entry.kind = found.attrs & folder ? SmbEntry::Kind::Folder : SmbEntry::Kind::File;
+    constexpr quint64 most = std::numeric_limits<qint64>::max();
+    if (entry.kind == SmbEntry::Kind::File)
+        entry.bytes = static_cast<qint64>(std::min<quint64>(found.size, most));
+    return entry;
+}
+
 QString writeFailure(int error)
 {
     switch (error) {
@@ -112,7 +128,7 @@ struct SmbClient::Context
     SMBCCTX *handle = nullptr;
 
     Context(const SmbLogon &logon, std::chrono::milliseconds timeout);
-    ~Context() { smbc_free_context(handle, 1); }
+    ~Context() { smbFunctions().freeContext(handle, 1); }
     Context(const Context &) = delete;
     Context &operator=(const Context &) = delete;
 };
@@ -121,17 +137,17 @@ SmbClient::Context::Context(const SmbLogon &logon, std::chrono::milliseconds tim
     : words(wordsOf(logon))
 {
     const std::lock_guard lock(SmbLibrary::creation());
-    handle = smbc_new_context();
+    handle = smbFunctions().newContext();
     if (!handle)
         throw std::bad_alloc();
-    smbc_setTimeout(handle, static_cast<int>(timeout.count()));
-    smbc_setOptionUserData(handle, &words);
-    smbc_setFunctionAuthDataWithContext(handle, giveWords);
-    smbc_setOptionUseKerberos(handle, 0);
-    smbc_setOptionUseCCache(handle, 0);
-    smbc_setOptionNoAutoAnonymousLogin(handle, words.userName.isEmpty() ? 0 : 1);
-    if (!smbc_init_context(handle)) {
-        smbc_free_context(handle, 1);
+    smbFunctions().setTimeout(handle, static_cast<int>(timeout.count()));
+    smbFunctions().setOptionUserData(handle, &words);
+    smbFunctions().setFunctionAuthDataWithContext(handle, giveWords);
+    smbFunctions().setOptionUseKerberos(handle, 0);
+    smbFunctions().setOptionUseCCache(handle, 0);
+    smbFunctions().setOptionNoAutoAnonymousLogin(handle, words.userName.isEmpty() ? 0 : 1);
+    if (!smbFunctions().initContext(handle)) {
+        smbFunctions().freeContext(handle, 1);
         throw std::bad_alloc();
     }
 }
@@ -187,7 +203,7 @@ QString SmbClient::attempt(const SmbPath &place, const QString &code, const Call
         // be a second refused log-on, and some of those lock an account.
         if (hasName() && m_loggedOnTo != place.hostKey()) {
             const QString logOnCode = logOn(place);
-            if (logOnCode != StationReturnCode::Success)
+            if (logOnCode != ReturnCode::Success)
                 return logOnCode;
         }
         error = call(place, function);
@@ -195,30 +211,30 @@ QString SmbClient::attempt(const SmbPath &place, const QString &code, const Call
             break;
     }
     if (error == 0)
-        return StationReturnCode::Success;
+        return ReturnCode::Success;
     if (isMissing(error) || (isRefusal(error) && hasName()))
         return code;
     m_loggedOnTo.clear();
     if (!isRefusal(error))
         return StationReturnCode::NasServerNotResponding;
     const QString logOnCode = logOn(place);
-    return logOnCode == StationReturnCode::Success ? code : logOnCode;
+    return logOnCode == ReturnCode::Success ? code : logOnCode;
 }
 
 SmbClient::Call SmbClient::lister(const SmbPath &place, const Entry &entry)
 {
     return [url = place.url(), entry](Context &context) {
         SMBCCTX *const handle = context.handle;
-        SMBCFILE *const folder = smbc_getFunctionOpendir(handle)(handle, url.constData());
+        SMBCFILE *const folder = smbFunctions().getFunctionOpendir(handle)(handle, url.constData());
         if (!folder)
             return errno;
         errno = 0; // stays so at the end of the list
-        while (const smbc_dirent *found = smbc_getFunctionReaddir(handle)(handle, folder)) {
+        while (const smbc_dirent *found = smbFunctions().getFunctionReaddir(handle)(handle, folder)) {
             entry(found->smbc_type, QString::fromUtf8(static_cast<const char *>(found->name), -1));
             errno = 0;
         }
         const int error = errno;
-        smbc_getFunctionClosedir(handle)(handle, folder);
+        smbFunctions().getFunctionClosedir(handle)(handle, folder);
         return error;
     };
 }
@@ -239,8 +255,8 @@ QString SmbClient::logOn(const SmbPath &place)
     }
     m_loggedOnTo = error == 0 ? server.hostKey() : QString();
     if (error == 0)
-        return StationReturnCode::Success;
-    return isRefusal(error) ? StationReturnCode::LogonNASServerFaled : StationReturnCode::NasServerNotResponding;
+        return ReturnCode::Success;
+    return isRefusal(error) ? NasReturnCode::LogonNASServerFaled : StationReturnCode::NasServerNotResponding;
 }
 
 bool SmbClient::isSpeaking(const SmbPath &server)
@@ -259,32 +275,59 @@ SmbFolders SmbClient::folders(const SmbPath &place)
         else if (type == SMBC_DIR || (type == SMBC_FILE_SHARE && !name.endsWith(u'$')))
             names.append(name);
     });
-    const QString code = attempt(place, StationReturnCode::GetNasDirFailed, [&](Context &context) {
+    const QString code = attempt(place, NasReturnCode::GetNasDirFailed, [&](Context &context) {
         dots.clear();
         names.clear();
         return list(context);
     });
-    if (code != StationReturnCode::Success)
+    if (code != ReturnCode::Success)
         return {code, {}};
     std::sort(names.begin(), names.end(), nameLess);
     return {code, dots + names};
 }
 
+SmbListing SmbClient::list(const SmbPath &folder)
+{
+    if (folder.share.isEmpty())
+        return {StationReturnCode::DirectoryNotFound, {}};
+    QList<SmbEntry> entries;
+    int error = 0;
+    const QString code = attempt(folder, StationReturnCode::DirectoryNotFound, [&](Context &context) {
+        entries.clear();
+        SMBCCTX *const handle = context.handle;
+        SMBCFILE *const opened = smbFunctions().getFunctionOpendir(handle)(handle, folder.url().constData());
+        if (!opened)
+            return error = errno;
+        errno = 0; // stays so at the end of the list
+        while (const libsmb_file_info *found = smbFunctions().getFunctionReaddirPlus(handle)(handle, opened)) {
+            if (qstrcmp(found->name, ".") != 0 && qstrcmp(found->name, "..") != 0)
+                entries.append(entryOf(*found));
+            errno = 0;
+        }
+        error = errno;
+        smbFunctions().getFunctionClosedir(handle)(handle, opened);
+        return error;
+    });
+    if (code == StationReturnCode::DirectoryNotFound && !isMissing(error))
+        return {StationReturnCode::DirectoryNotReadable, {}};
+    return {code, code == ReturnCode::Success ? entries : QList<SmbEntry>()};
+}
+
 SmbSpace SmbClient::space(const SmbPath &folder)
 {
     if (folder.share.isEmpty())
-        return {StationReturnCode::GetNasCapacityFailed};
+        return {NasReturnCode::GetNasCapacityFailed};
     struct statvfs figures = {};
-    const QString code = attempt(folder, StationReturnCode::GetNasCapacityFailed, [&](Context &context) {
+    const QString code = attempt(folder, NasReturnCode::GetNasCapacityFailed, [&](Context &context) {
         SMBCCTX *const handle = context.handle;
         QByteArray url = folder.url();
         figures = {};
-        if (smbc_getFunctionStatVFS(handle)(handle, url.data(), &figures) != 0)
+        if (smbFunctions().getFunctionStatVFS(handle)(handle, url.data(), &figures) != 0)
             return errno;
         // Where the connection ends before the figures come, the library reports success all the same.
         return figures.f_blocks == 0 || figures.f_bsize == 0 ? EINVAL : 0;
     });
-    return code == StationReturnCode::Success ? spaceOf(figures) : SmbSpace{code};
+    return code == ReturnCode::Success ? spaceOf(figures) : SmbSpace{code};
 }
 
 QString SmbClient::writeProbe(const SmbPath &folder)
@@ -294,25 +337,27 @@ QString SmbClient::writeProbe(const SmbPath &folder)
     struct stat facts = {};
     const QString code = attempt(folder, StationReturnCode::DirectoryNotFound, [&](Context &context) {
         SMBCCTX *const handle = context.handle;
-        return smbc_getFunctionStat(handle)(handle, folder.url().constData(), &facts) == 0 ? 0 : errno;
+        return smbFunctions().getFunctionStat(handle)(handle, folder.url().constData(), &facts) == 0 ? 0 : errno;
     });
-    if (code != StationReturnCode::Success)
+    if (code != ReturnCode::Success)
         return code;
     if (!S_ISDIR(facts.st_mode))
         return StationReturnCode::NotADirectory;
 
     SMBCCTX *const handle = m_context->handle;
     const QByteArray url = folder.urlOf(QStringLiteral(".write-test-") + QUuid::createUuid().toString(QUuid::Id128));
-    SMBCFILE *const file = smbc_getFunctionOpen(handle)(handle, url.constData(), O_WRONLY | O_CREAT | O_EXCL, 0600);
+    SMBCFILE *const file =
+        smbFunctions().getFunctionOpen(handle)(handle, url.constData(), O_WRONLY | O_CREAT | O_EXCL, 0600);
     if (!file)
         return writeFailure(errno);
     constexpr char content[] = "test";
-    int error = smbc_getFunctionWrite(handle)(handle, file, content, sizeof content) == sizeof content ? 0 : errno;
-    if (smbc_getFunctionClose(handle)(handle, file) != 0 && error == 0)
+    int error =
+        smbFunctions().getFunctionWrite(handle)(handle, file, content, sizeof content) == sizeof content ? 0 : errno;
+    if (smbFunctions().getFunctionClose(handle)(handle, file) != 0 && error == 0)
         error = errno;
-    if (smbc_getFunctionUnlink(handle)(handle, url.constData()) != 0 && error == 0)
+    if (smbFunctions().getFunctionUnlink(handle)(handle, url.constData()) != 0 && error == 0)
         error = errno;
-    return error == 0 ? StationReturnCode::Success : writeFailure(error);
+    return error == 0 ? ReturnCode::Success : writeFailure(error);
 }
 
 SmbSpace spaceOf(const struct statvfs &figures)
@@ -321,6 +366,6 @@ SmbSpace spaceOf(const struct statvfs &figures)
     const auto first = static_cast<qint64>(figures.f_bsize);
     const auto second = static_cast<qint64>(figures.f_frsize);
     const qint64 block = second == 0 ? first : isPosix ? second : first * second;
-    return {StationReturnCode::Success, static_cast<qint64>(figures.f_blocks) * block,
+    return {ReturnCode::Success, static_cast<qint64>(figures.f_blocks) * block,
             static_cast<qint64>(figures.f_bavail) * block};
 }

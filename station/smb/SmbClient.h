@@ -25,6 +25,27 @@ struct SmbFolders
     QStringList names; ///< empty unless it succeeded
 };
 
+/// Something in a folder of a share.
+struct SmbEntry
+{
+    enum class Kind {
+        File,
+        Folder,
+        Other, ///< a link that the server does not follow itself, or a device
+    };
+
+    QString name;
+    Kind kind = Kind::Other;
+    qint64 bytes = 0; ///< of a file
+};
+
+/// What is in a folder.
+struct SmbListing
+{
+    QString returnCode; ///< a word of StationReturnCode, "0" for success
+    QList<SmbEntry> entries; ///< in no order, without "." and ".."; empty unless it succeeded
+};
+
 /// How much a share holds.
 struct SmbSpace
 {
@@ -55,6 +76,11 @@ public:
     /// The folders in @p place; the shares when it is a server, without those whose names end in "$". "." and ".." come
     /// first where the server sends them, the others sorted by nameLess(). "GetNasDirFailed".
     SmbFolders folders(const SmbPath &place);
+
+    /// Everything in the folder @p folder of a share, names, kinds and sizes in one go. A list that was cut is none.
+    /// "DirectoryNotFound" where there is nothing, or no folder; "DirectoryNotReadable" where this user may not list
+    /// it.
+    SmbListing list(const SmbPath &folder);
 
     /// The size of the share, or quota, that @p folder lies in; it must exist. "GetNasCapacityFailed".
     SmbSpace space(const SmbPath &folder);

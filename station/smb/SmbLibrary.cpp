@@ -1,8 +1,8 @@
 #include "SmbLibrary.h"
 
-#include <QTemporaryFile>
+#include "SmbFunctions.h"
 
-#include <libsmbclient.h>
+#include <QTemporaryFile>
 
 #include <chrono>
 #include <condition_variable>
@@ -10,7 +10,6 @@
 #include <new>
 #include <utility>
 
-#include <dlfcn.h>
 #include <pthread.h>
 
 namespace {
@@ -86,12 +85,12 @@ struct ThreadFunctions
 /// build; the one below it is.
 bool makeSafeForThreads()
 {
-    if (void *const posix = dlsym(RTLD_DEFAULT, "smbc_thread_posix")) {
+    if (void *const posix = smbFunctions().find("smbc_thread_posix")) {
         reinterpret_cast<void (*)()>(posix)();
         return true;
     }
     static const ThreadFunctions functions{createMutex, destroyMutex, lockMutex, createTls, destroyTls, setTls, getTls};
-    void *const set = dlsym(RTLD_DEFAULT, "smb_thread_set_functions");
+    void *const set = smbFunctions().find("smb_thread_set_functions");
     return set && reinterpret_cast<int (*)(const ThreadFunctions *)>(set)(&functions) == 0;
 }
 
@@ -100,7 +99,7 @@ void configure(SMBCCTX *context)
     QTemporaryFile file;
     if (!file.open() || file.write(configuration) < 0 || !file.flush())
         return;
-    smbc_setConfiguration(context, file.fileName().toLocal8Bit().constData());
+    smbFunctions().setConfiguration(context, file.fileName().toLocal8Bit().constData());
 }
 
 struct Turns
@@ -127,12 +126,12 @@ void SmbLibrary::prepare()
         const bool isSafe = makeSafeForThreads();
         // Kept for good: when its last context ends, the library drops the configuration, used by others or not.
         static SMBCCTX *keeper = nullptr;
-        keeper = smbc_new_context();
+        keeper = smbFunctions().newContext();
         if (!keeper)
             throw std::bad_alloc();
-        smbc_setLogCallback(keeper, nullptr, [](void *, int, const char *) {});
+        smbFunctions().setLogCallback(keeper, nullptr, [](void *, int, const char *) {});
         configure(keeper);
-        if (!smbc_init_context(keeper))
+        if (!smbFunctions().initContext(keeper))
             throw std::bad_alloc();
         const std::lock_guard lock(turns().mutex);
         turns().isSafe = isSafe;

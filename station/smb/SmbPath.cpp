@@ -107,6 +107,13 @@ QString SmbPath::hostKey() const
     return QStringLiteral("%1:%2").arg(host.toLower()).arg(port == 0 ? usualPort : port);
 }
 
+QString SmbPath::shareKey() const
+{
+    SmbPath place = *this;
+    place.folders.clear();
+    return place.text().toCaseFolded();
+}
+
 bool SmbPath::isOnHostOf(const SmbPath &other) const
 {
     return hostKey() == other.hostKey();

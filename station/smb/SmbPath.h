@@ -33,6 +33,9 @@ struct SmbPath
     SmbPath server() const;
     /// "host:port" in small letters: the same for everything on one server.
     QString hostKey() const;
+    /// "//host:port/share" in small letters: the same for everything on one share, however it is written, since names
+    /// on these servers are the same in capitals and small letters.
+    QString shareKey() const;
     /// Whether @p other is on the same server, capitals of the host aside.
     bool isOnHostOf(const SmbPath &other) const;
 };

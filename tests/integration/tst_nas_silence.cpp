@@ -3,7 +3,6 @@
 #include "SambaServer.h"
 #include "SmbRelay.h"
 #include "StationCall.h"
-#include "StationProtocol.h"
 #include "nas/NasAccounts.h"
 #include "nas/PasswordVault.h"
 

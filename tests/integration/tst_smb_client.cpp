@@ -30,6 +30,9 @@ private slots:
     void whatCannotBeListedIsRefused_data();
     void whatCannotBeListedIsRefused();
     void tenThousandFoldersAreListed();
+    void namesSizesAndKindsAreListedInOneGo();
+    void whatCannotBeListedWithSizes_data();
+    void whatCannotBeListedWithSizes();
     void capacityIsThatOfTheServersDisk();
     void writeProbeTellsWhy_data();
     void writeProbeTellsWhy();
@@ -209,6 +212,54 @@ void SmbClientTest::tenThousandFoldersAreListed()
     for (int i = 0; i < count; ++i)
         QCOMPARE(folders.names.at(i + 2), name.arg(i));
     std::filesystem::remove_all(folder.path().toStdString()); // much quicker than the end of the server
+}
+
+void SmbClientTest::namesSizesAndKindsAreListedInOneGo()
+{
+    const QString folder = m_server.folderOf(QStringLiteral("video")) + QStringLiteral("/sizes");
+    makeFolder(folder + QStringLiteral("/a folder"));
+    constexpr qint64 large = 5'000'000'000;
+    for (const auto &[name, bytes] :
+         {std::pair("0001.rec", large), std::pair("Tür 100%.rec", qint64(7)), std::pair("empty", qint64(0))}) {
+        QFile file(folder + u'/' + QString::fromUtf8(name));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.resize(bytes));
+    }
+    SmbClient client(logon(), timeout);
+    const SmbListing listing = client.list(path(QStringLiteral("video/sizes")));
+    QCOMPARE(listing.returnCode, QStringLiteral("0"));
+    QStringList found;
+    for (const SmbEntry &entry : listing.entries)
+        found.append(QStringLiteral("%1 %2 %3").arg(static_cast<int>(entry.kind)).arg(entry.bytes).arg(entry.name));
+    found.sort();
+    const QStringList expected{QStringLiteral("0 0 empty"), QStringLiteral("0 5000000000 0001.rec"),
+                               QString::fromUtf8("0 7 Tür 100%.rec"), QStringLiteral("1 0 a folder")};
+    QCOMPARE(found, expected);
+    QVERIFY(QDir(folder).removeRecursively());
+}
+
+void SmbClientTest::whatCannotBeListedWithSizes_data()
+{
+    QTest::addColumn<QString>("below");
+    QTest::addColumn<bool>("hasRightPassword");
+    QTest::addColumn<QString>("code");
+    QTest::newRow("missing folder") << QStringLiteral("video/missing") << true << QStringLiteral("DirectoryNotFound");
+    QTest::newRow("unknown share") << QStringLiteral("nonsense") << true << QStringLiteral("DirectoryNotFound");
+    QTest::newRow("a file") << QStringLiteral("video/clip.mp4") << true << QStringLiteral("DirectoryNotFound");
+    QTest::newRow("not for this user") << QStringLiteral("private") << true << QStringLiteral("DirectoryNotReadable");
+    QTest::newRow("wrong password") << QStringLiteral("video") << false << QStringLiteral("LogonNASServerFaled");
+}
+
+void SmbClientTest::whatCannotBeListedWithSizes()
+{
+    QFETCH(QString, below);
+    QFETCH(bool, hasRightPassword);
+    SmbLogon who = logon();
+    if (!hasRightPassword)
+        who.password += u'x';
+    SmbClient client(who, timeout);
+    const SmbListing listing = client.list(path(below));
+    QTEST(listing.returnCode, "code");
+    QVERIFY(listing.entries.isEmpty());
 }
 
 void SmbClientTest::capacityIsThatOfTheServersDisk()

@@ -3,7 +3,7 @@
 #include "SambaServer.h"
 #include "SmbRelay.h"
 #include "StationCall.h"
-#include "link/EmbeddedLink.h"
+#include "embedded/EmbeddedLink.h"
 
 #include <QDir>
 #include <QElapsedTimer>

@@ -8,7 +8,9 @@
 #include <QStandardPaths>
 #include <QUuid>
 
+#include <algorithm>
 #include <csignal>
+#include <functional>
 
 #include <pwd.h>
 #include <unistd.h>
@@ -69,17 +71,38 @@ bool SambaServer::start()
 
 void SambaServer::stop()
 {
-    if (m_process.state() == QProcess::NotRunning)
-        return;
-    m_process.terminate();
-    // A helper of smbd that outlives it, and would keep the end of smbd waiting.
-    QFile helper(file(QStringLiteral("run/samba-dcerpcd.pid")));
-    const int helperId = helper.open(QIODevice::ReadOnly) ? helper.readAll().trimmed().toInt() : 0;
-    if (helperId > 0)
-        kill(helperId, SIGTERM);
-    if (!m_process.waitForFinished(patience))
-        m_process.kill();
-    m_process.waitForFinished(patience);
+    if (m_process.state() != QProcess::NotRunning) {
+        m_process.terminate();
+        // A helper of smbd that outlives it, and would keep the end of smbd waiting.
+        QFile helper(file(QStringLiteral("run/samba-dcerpcd.pid")));
+        const int helperId = helper.open(QIODevice::ReadOnly) ? helper.readAll().trimmed().toInt() : 0;
+        if (helperId > 0)
+            kill(helperId, SIGTERM);
+        if (!m_process.waitForFinished(patience))
+            m_process.kill();
+        m_process.waitForFinished(patience);
+    }
+    waitForHeirs();
+}
+
+/// smbd's children and helpers end after it, and write to its folder until then.
+void SambaServer::waitForHeirs() const
+{
+    const QByteArray ours = file(QStringLiteral("smb.conf")).toUtf8();
+    const auto isOurs = [&ours](const QString &process) {
+        // A process that has ended has no arguments, also while nobody has asked how it ended.
+        QFile arguments(QStringLiteral("/proc/%1/cmdline").arg(process));
+        return arguments.open(QIODevice::ReadOnly) && arguments.readAll().contains(ours);
+    };
+    const QDir processes(QStringLiteral("/proc"));
+    const QDeadlineTimer deadline(patience);
+    QStringList left;
+    do {
+        left = processes.entryList({QStringLiteral("[1-9]*")}, QDir::Dirs);
+        left.erase(std::remove_if(left.begin(), left.end(), std::not_fn(isOurs)), left.end());
+    } while (!left.isEmpty() && !deadline.hasExpired());
+    if (!left.isEmpty())
+        qWarning("Processes of smbd do not end: %s", qPrintable(left.join(u' ')));
 }
 
 bool SambaServer::signalAll(int signal)

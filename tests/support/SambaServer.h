@@ -46,6 +46,7 @@ private:
     bool makeUser();
     bool edit(const QStringList &arguments, const QString &input = {});
     bool startOnce();
+    void waitForHeirs() const;
     QString file(const QString &name) const { return m_folder.filePath(name); }
     void writeConfiguration() const;
 
