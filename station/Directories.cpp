@@ -1,7 +1,8 @@
 #include "Directories.h"
 
 #include "NameOrder.h"
-#include "StationProtocol.h"
+#include "ServerVocabulary.h"
+#include "StationVocabulary.h"
 #include "VolumeSource.h"
 #include "disk/DiskPath.h"
 #include "disk/DiskVisit.h"
@@ -87,7 +88,7 @@ QString checkNames(const QString &path)
         if (name == QStringLiteral(".") || name == QStringLiteral(".."))
             return StationReturnCode::NameRefused;
     }
-    return StationReturnCode::Success;
+    return ReturnCode::Success;
 }
 
 std::error_code systemError(int error)
@@ -134,13 +135,13 @@ FolderList listFolders(const QString &path, DiskVisit &visit)
     if (error)
         return {listFailure(error), {}};
     std::sort(names.begin(), names.end(), nameLess);
-    return {StationReturnCode::Success, names};
+    return {ReturnCode::Success, names};
 }
 
 NewFolder planFolder(const QString &path, DiskVisit &visit)
 {
     const QString refusal = checkNames(path);
-    if (refusal != StationReturnCode::Success)
+    if (refusal != ReturnCode::Success)
         return {refusal, {}, {}};
     const std::optional<fs::path> native = nativePath(path);
     if (!native)
@@ -155,7 +156,7 @@ NewFolder planFolder(const QString &path, DiskVisit &visit)
         if (place.error == 0 && place.isFolder)
             existing = place.canonical;
         else if (place.error == ENOENT && fs::symlink_status(next, error).type() == fs::file_type::not_found)
-            return {StationReturnCode::Success, existing, {name, names.end()}};
+            return {ReturnCode::Success, existing, {name, names.end()}};
         else if (place.error == 0 || place.error == ENOENT || place.error == ENOTDIR)
             return {isLast ? StationReturnCode::FileExists : StationReturnCode::NotADirectory, {}, {}};
         else
@@ -170,7 +171,7 @@ QString checkVolume(const NewFolder &folder, const VolumeSource &volumes)
     const std::optional<Volume> volume = volumes.volumeHolding(existing);
     if (!volume)
         return volumes.isSilent(existing) ? StationReturnCode::VolumeNotAnswering : StationReturnCode::OutsideVolumes;
-    return volume->isReadOnly ? StationReturnCode::VolumeReadOnly : StationReturnCode::Success;
+    return volume->isReadOnly ? StationReturnCode::VolumeReadOnly : ReturnCode::Success;
 }
 
 QString makeFolder(const NewFolder &planned, DiskVisit &visit)
@@ -194,7 +195,7 @@ QString makeFolder(const NewFolder &planned, DiskVisit &visit)
     if (!visit.settle())
         return StationReturnCode::VolumeNotAnswering;
     made.keep();
-    return StationReturnCode::Success;
+    return ReturnCode::Success;
 }
 
 QString createFailure(const std::error_code &error)

@@ -3,7 +3,11 @@
 #include <QFile>
 #include <QSet>
 
+#include <libmount/libmount.h>
+
 #include <algorithm>
+#include <cstdio>
+#include <memory>
 
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
@@ -67,29 +71,36 @@ bool isWithin(const QString &path, const QString &folder)
     return folder == u'/' || path == folder || (path.startsWith(folder) && path[folder.size()] == u'/');
 }
 
-/// The table writes blanks and backslashes in names as octal numbers: "\040" is a blank.
-QString unescaped(const QByteArray &field)
-{
-    QByteArray text;
-    for (qsizetype i = 0; i < field.size(); ++i) {
-        bool isOctal = false;
-        const int code = field[i] == '\\' ? field.mid(i + 1, 3).toInt(&isOctal, 8) : 0;
-        text.append(isOctal ? static_cast<char>(code) : field[i]);
-        if (isOctal)
-            i += 3;
-    }
-    return QString::fromUtf8(text);
-}
-
 /// A key that sorts a path behind all that begin with it.
 QString endsLast(const QString &path)
 {
     return path + QChar(0xffff);
 }
 
-bool hasReadOnlyOption(const QByteArray &options)
+bool hasReadOnlyOption(const char *options)
 {
-    return options.split(',').contains("ro");
+    return options && mnt_optstr_get_option(options, "ro", nullptr, nullptr) == 0;
+}
+
+struct FileCloser
+{
+    void operator()(std::FILE *file) const { std::fclose(file); }
+};
+
+using Table = std::unique_ptr<libmnt_table, decltype(&mnt_unref_table)>;
+
+/// The rows of @p mountInfo; lines of another form are left out. Null without memory.
+Table readTable(const QByteArray &mountInfo)
+{
+    Table table(mnt_new_table(), &mnt_unref_table);
+    const std::unique_ptr<std::FILE, FileCloser> text(
+        fmemopen(const_cast<char *>(mountInfo.constData()), static_cast<std::size_t>(mountInfo.size()), "r"));
+    if (!table || !text)
+        return {nullptr, &mnt_unref_table};
+    mnt_table_set_parser_errcb(table.get(), [](libmnt_table *, const char *, int) { return 1; }); // goes on
+    // The name is looked up; a relative one would touch the current folder's disk, which may hang.
+    mnt_table_parse_stream(table.get(), text.get(), "/proc/self/mountinfo");
+    return table;
 }
 
 /// The device that the folder "/" lies on, as the table of mounts writes it.
@@ -145,25 +156,27 @@ MountTable::MountTable(QList<MountRecord> records, const QString &rootDevice)
 QList<MountRecord> MountTable::parse(const QByteArray &mountInfo)
 {
     QList<MountRecord> records;
-    for (const QByteArray &line : mountInfo.split('\n')) {
-        // id parent major:minor root mount-point options [optional fields] - type source super-options
-        const QList<QByteArray> fields = line.split(' ');
-        const qsizetype dash = fields.indexOf("-", 6);
-        if (dash < 0 || fields.size() < dash + 4)
+    if (mountInfo.isEmpty())
+        return records;
+    const Table table = readTable(mountInfo);
+    if (!table)
+        return records;
+    const std::unique_ptr<libmnt_iter, decltype(&mnt_free_iter)> rows(mnt_new_iter(MNT_ITER_FORWARD), &mnt_free_iter);
+    libmnt_fs *row = nullptr;
+    while (rows && mnt_table_next_fs(table.get(), rows.get(), &row) == 0) {
+        if (mnt_fs_get_id(row) <= 0 || !mnt_fs_get_source(row)) // a line of another form
             continue;
+        const dev_t device = mnt_fs_get_devno(row);
         MountRecord record;
-        bool isId = false;
-        bool isParentId = false;
-        record.id = fields[0].toInt(&isId);
-        record.parentId = fields[1].toInt(&isParentId);
-        if (!isId || !isParentId)
-            continue;
-        record.device = QString::fromLatin1(fields[2]);
-        record.root = unescaped(fields[3]);
-        record.mountPoint = unescaped(fields[4]);
-        record.fileSystem = QString::fromLatin1(fields[dash + 1]);
-        record.source = unescaped(fields[dash + 2]);
-        record.isReadOnly = hasReadOnlyOption(fields[5]) || hasReadOnlyOption(fields[dash + 3]);
+        record.id = mnt_fs_get_id(row);
+        record.parentId = mnt_fs_get_parent_id(row);
+        record.device = QStringLiteral("%1:%2").arg(major(device)).arg(minor(device));
+        record.root = QString::fromUtf8(mnt_fs_get_root(row));
+        record.mountPoint = QString::fromUtf8(mnt_fs_get_target(row));
+        record.fileSystem = QString::fromLatin1(mnt_fs_get_fstype(row));
+        record.source = QString::fromUtf8(mnt_fs_get_source(row));
+        record.isReadOnly =
+            hasReadOnlyOption(mnt_fs_get_vfs_options(row)) || hasReadOnlyOption(mnt_fs_get_fs_options(row));
         records.append(record);
     }
     return records;

@@ -1,7 +1,7 @@
 #include "MountedVolumes.h"
 
 #include "StationLog.h"
-#include "StationProtocol.h"
+#include "StationVocabulary.h"
 #include "disk/DiskThreads.h"
 
 #include <QFileInfo>
@@ -37,11 +37,13 @@ MountedVolumes::Look lookAtMount(const MountRecord &mount)
     if (isMounted && info.isValid() && info.isReady()) {
         volume.bytesTotal = info.bytesTotal();
         volume.bytesAvailable = info.bytesAvailable();
+        volume.bytesFree = info.bytesFree();
     } else if (isRoot) {
         std::error_code error;
         const std::filesystem::space_info space = std::filesystem::space("/", error);
         volume.bytesTotal = error ? 0 : static_cast<qint64>(space.capacity);
         volume.bytesAvailable = error ? 0 : static_cast<qint64>(space.available);
+        volume.bytesFree = error ? -1 : static_cast<qint64>(space.free);
     }
     if (volume.bytesTotal <= 0 && !isRoot)
         return {};

@@ -1,7 +1,9 @@
 #include "VolumeCommands.h"
 
 #include "Directories.h"
-#include "StationProtocol.h"
+#include "ServerVocabulary.h"
+#include "StationVocabulary.h"
+#include "service/Edit.h"
 
 #include <optional>
 
@@ -29,9 +31,9 @@ void VolumeCommands::enterInto(CommandTable &table)
         table.insert(name,
                      [this, member](const QVariant &data, const Answer &answer) { (this->*member)(data, answer); });
     };
-    enter(StationCommandName::getVolume, &VolumeCommands::getVolume);
-    enter(StationCommandName::getServerDir, &VolumeCommands::getServerDir);
-    enter(StationCommandName::createDirectory, &VolumeCommands::createDirectory);
+    enter(ServerCommand::getVolume, &VolumeCommands::getVolume);
+    enter(ServerCommand::getServerDir, &VolumeCommands::getServerDir);
+    table.insert(ServerCommand::createDirectory, [this](const std::shared_ptr<Edit> &edit) { createDirectory(edit); });
 }
 
 void VolumeCommands::getVolume(const QVariant &data, const Answer &answer) const
@@ -42,14 +44,14 @@ void VolumeCommands::getVolume(const QVariant &data, const Answer &answer) const
     const QList<Volume> volumes = m_volumes.volumes();
     for (const Volume &volume : volumes) {
         list.append(QVariantMap{
-            {StationKey::volumePath, volume.path},
-            {StationKey::volumeName, volume.name},
-            {StationKey::volumeSize, volume.bytesTotal / bytesPerKilobyte},
-            {StationKey::volumeAvailableSize, volume.bytesAvailable / bytesPerKilobyte},
-            {StationKey::volumeIsSystem, volume.isSystem},
+            {FieldKey::volumePath, volume.path},
+            {FieldKey::volumeName, volume.name},
+            {FieldKey::volumeSize, volume.bytesTotal / bytesPerKilobyte},
+            {FieldKey::volumeAvailableSize, volume.bytesAvailable / bytesPerKilobyte},
+            {FieldKey::volumeIsSystem, volume.isSystem},
         });
     }
-    answer(lastPart(StationReturnCode::Success, list));
+    answer(lastPart(ReturnCode::Success, list));
 }
 
 void VolumeCommands::getServerDir(const QVariant &data, const Answer &answer)
@@ -60,42 +62,40 @@ void VolumeCommands::getServerDir(const QVariant &data, const Answer &answer)
     const auto tell = [answer, path = *basePath](const FolderList &folders) {
         // A failure carries no data: a client that looks at the data alone takes it for no folder, not for an empty
         // one.
-        if (folders.returnCode != StationReturnCode::Success)
+        if (folders.returnCode != ReturnCode::Success)
             return answer(lastPart(folders.returnCode));
-        answer(lastPart(StationReturnCode::Success,
-                        QVariantMap{{StationKey::basePath, path}, {StationKey::dirFolderList, folders.names}}));
+        answer(lastPart(ReturnCode::Success,
+                        QVariantMap{{FieldKey::basePath, path}, {FieldKey::dirFolderList, folders.names}}));
     };
     if (!basePath->isEmpty()) {
         return m_disks.run<FolderList>([path = *basePath](DiskVisit &visit) { return listFolders(path, visit); },
                                        {StationReturnCode::VolumeNotAnswering, {}}, tell);
     }
-    FolderList folders{StationReturnCode::Success, {}};
+    FolderList folders{ReturnCode::Success, {}};
     const QList<Volume> volumes = m_volumes.volumes();
     for (const Volume &volume : volumes)
         folders.names.append(volume.path);
     tell(folders);
 }
 
-void VolumeCommands::createDirectory(const QVariant &data, const Answer &answer)
+void VolumeCommands::createDirectory(const std::shared_ptr<Edit> &edit)
 {
-    const std::optional<QString> path = pathIn(data);
+    const std::optional<QString> path = pathIn(edit->data());
     if (!path)
-        return answer(lastPart(StationReturnCode::BadRequest));
+        return edit->answer(lastPart(StationReturnCode::BadRequest));
+    edit->setSubject({{}, {}, *path});
     m_disks.run<NewFolder>([path = *path](DiskVisit &visit) { return planFolder(path, visit); },
                            {StationReturnCode::VolumeNotAnswering, {}, {}},
-                           [this, answer](const NewFolder &folder) {
-                               answerFailures(StationCommandName::createDirectory, answer,
-                                              [&] { make(folder, answer); });
-                           });
+                           [this, edit](const NewFolder &folder) { edit->attempt([&] { make(folder, edit); }); });
 }
 
-void VolumeCommands::make(const NewFolder &folder, const Answer &answer)
+void VolumeCommands::make(const NewFolder &folder, const std::shared_ptr<Edit> &edit)
 {
     const QString refusal =
-        folder.returnCode == StationReturnCode::Success ? checkVolume(folder, m_volumes) : folder.returnCode;
-    if (refusal != StationReturnCode::Success)
-        return answer(lastPart(refusal));
-    m_disks.run<QString>([folder](DiskVisit &visit) { return makeFolder(folder, visit); },
-                         StationReturnCode::VolumeNotAnswering,
-                         [answer](const QString &returnCode) { answer(lastPart(returnCode)); });
+        folder.returnCode == ReturnCode::Success ? checkVolume(folder, m_volumes) : folder.returnCode;
+    if (refusal != ReturnCode::Success)
+        return edit->answer(lastPart(refusal));
+    m_disks.run<QString>(
+        [folder](DiskVisit &visit) { return makeFolder(folder, visit); }, StationReturnCode::VolumeNotAnswering,
+        [edit](const QString &returnCode) { edit->attempt([&] { edit->answer(lastPart(returnCode)); }); });
 }

@@ -21,8 +21,8 @@ public:
 private:
     void getVolume(const QVariant &data, const Answer &answer) const;
     void getServerDir(const QVariant &data, const Answer &answer);
-    void createDirectory(const QVariant &data, const Answer &answer);
-    void make(const NewFolder &folder, const Answer &answer);
+    void createDirectory(const std::shared_ptr<Edit> &edit);
+    void make(const NewFolder &folder, const std::shared_ptr<Edit> &edit);
 
     const VolumeSource &m_volumes;
     DiskWork m_disks;

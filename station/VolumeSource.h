@@ -16,6 +16,7 @@ struct Volume
     qint64 bytesAvailable = 0; ///< what a user without privileges may still write
     bool isSystem = false; ///< holds the operating system
     bool isReadOnly = false; ///< nothing can be written to it at the moment
+    qint64 bytesFree = -1; ///< what root may still write; -1: not known
 };
 
 /// Where a station's volumes come from. Asked on the station's thread, may block there, for a bounded time.

@@ -44,9 +44,10 @@ struct DiskWork::Ledger
     DiskWork *owner = nullptr; // null once it ended
 };
 
-DiskWork::DiskWork(std::chrono::milliseconds limit, QObject *parent)
+DiskWork::DiskWork(std::chrono::milliseconds limit, QObject *parent, std::chrono::milliseconds moment)
     : QObject(parent)
     , m_limit(limit)
+    , m_moment(moment)
     , m_guests(std::make_shared<DiskVisit::Guests>())
     , m_ledger(std::make_shared<Ledger>())
 {
@@ -89,8 +90,7 @@ void DiskWork::start(Work work, std::function<void(bool)> done)
 {
     const quint64 number = ++m_lastNumber;
     const std::shared_ptr<Job> job = begin(std::move(work), number);
-    constexpr auto moment = 50ms;
-    if (job->waitFor(moment))
+    if (job->waitFor(m_moment))
         return done(job->isDone);
     m_outstanding.insert(number, {job, std::move(done)});
     watch(number);

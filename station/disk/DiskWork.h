@@ -16,7 +16,9 @@ class DiskWork : public QObject
     Q_OBJECT
 public:
     /// @param limit how long a piece of work may give no sign of life (DiskVisit::enter()) before it is given up
-    explicit DiskWork(std::chrono::milliseconds limit, QObject *parent = nullptr);
+    /// @param moment how long run() waits for work that ends soon
+    explicit DiskWork(std::chrono::milliseconds limit, QObject *parent = nullptr,
+                      std::chrono::milliseconds moment = std::chrono::milliseconds(50));
     /// What is outstanding is not answered any more; nothing is waited for.
     ~DiskWork() override;
 
@@ -59,6 +61,7 @@ private:
     };
 
     std::chrono::milliseconds m_limit;
+    std::chrono::milliseconds m_moment;
     std::shared_ptr<DiskVisit::Guests> m_guests;
     std::shared_ptr<Ledger> m_ledger;
     QHash<quint64, Outstanding> m_outstanding;

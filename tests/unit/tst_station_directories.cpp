@@ -2,7 +2,6 @@
 #include "FakeVolumes.h"
 #include "Station.h"
 #include "StationCall.h"
-#include "StationProtocol.h"
 #include "disk/DiskVisit.h"
 
 #include <QDir>
