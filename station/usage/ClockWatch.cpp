@@ -1,6 +1,6 @@
 #include "ClockWatch.h"
 
-#include "StationProtocol.h"
+#include "StationVocabulary.h"
 #include "files/OpenFile.h"
 
 #include <QDir>

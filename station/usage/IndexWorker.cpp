@@ -96,10 +96,38 @@ void IndexWorker::reconcile(quint64 ticket)
     m_turn.start();
 }
 
+void IndexWorker::readPlaces(const QList<qint64> &numbers)
+{
+    ++m_timesPlaced;
+    for (const qint64 number : numbers) {
+        const auto place = m_places.constFind(number);
+        if (place != m_places.cend() && place->isPresent)
+            enqueuePlace(*place);
+    }
+    m_turn.start();
+}
+
 void IndexWorker::leaveDatabase(const DatabaseError &reason)
 {
     if (!m_end)
         giveUp(reason);
+}
+
+void IndexWorker::take(const RemoteListing &listing)
+{
+    bool isKept = false;
+    if (!m_end && !m_retry.isActive() && !isEnding()) {
+        try {
+            open();
+            applyListing(*m_index, listing);
+            m_oldSums.insert(listing.place);
+            tellSums();
+            isKept = true;
+        } catch (const DatabaseError &error) {
+            giveUp(error);
+        }
+    }
+    emit listingTaken(listing.place, isKept);
 }
 
 void IndexWorker::enqueueAll()

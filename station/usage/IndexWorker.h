@@ -3,6 +3,7 @@
 #include "FolderWatch.h"
 #include "PlaceReader.h"
 #include "ReadingMark.h"
+#include "RemoteListing.h"
 #include "store/DatabaseError.h"
 
 #include <QElapsedTimer>
@@ -36,6 +37,10 @@ public:
     void setPlaces(const QList<IndexedPlace> &places);
     /// Reads all places through; reconciled() with @p ticket follows, or with that of a later call.
     void reconcile(quint64 ticket);
+    /// Reads these of the places through, by their numbers; counts as a call of setPlaces() in finished().
+    void readPlaces(const QList<qint64> &numbers);
+    /// Brings the index in line with @p listing; listingTaken() follows.
+    void take(const RemoteListing &listing);
     /// Reads and writes the database no more, as it is damaged; @p reason is what failed() repeats.
     void leaveDatabase(const DatabaseError &reason);
 
@@ -49,8 +54,10 @@ signals:
     void failed(const DatabaseError &error);
     /// It could be read and written, and these folders could not be read; not repeated while nothing changes.
     void worked(const QStringList &unreadable);
-    /// Nothing more is to be read; @p places counts the calls of setPlaces() until then.
+    /// Nothing more is to be read; @p places counts the calls of setPlaces() and readPlaces() until then.
     void finished(quint64 places);
+    /// What take() came to, after sumsChanged(): not kept where the database failed.
+    void listingTaken(qint64 place, bool isKept);
     /// A place is not on its file system any more.
     void placeLeft();
 

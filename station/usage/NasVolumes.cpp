@@ -1,6 +1,7 @@
 #include "NasVolumes.h"
 
-#include "StationProtocol.h"
+#include "ServerVocabulary.h"
+#include "StationVocabulary.h"
 #include "TimedWork.h"
 #include "nas/LogonPauses.h"
 #include "nas/NasAccounts.h"
@@ -17,13 +18,6 @@ using Severity = StationTrouble::Severity;
 QString shareOf(const QString &path)
 {
     return QStringLiteral("//") + path.section(u'/', 2, 3);
-}
-
-/// The same for every spelling: names on these servers are the same in capitals and small letters.
-QString shareKey(SmbPath place)
-{
-    place.folders.clear();
-    return place.text().toCaseFolded();
 }
 
 PlaceState stateOf(Storage storage, const QString &path)
@@ -104,7 +98,7 @@ public:
     {
         for (qsizetype i = 0; i < m_questions.size(); ++i) {
             SpaceQuestion &known = m_questions[i];
-            if (shareKey(known.places.constFirst()) != shareKey(place) || known.logon.domain != logon.domain
+            if (known.places.constFirst().shareKey() != place.shareKey() || known.logon.domain != logon.domain
                 || known.logon.userName != logon.userName || known.logon.password != logon.password)
                 continue;
             known.places.append(place);
@@ -173,6 +167,12 @@ PlaceState NasVolumes::state(const GroupPath &path) const
 {
     const auto known = m_volumes.constFind({path.kind, path.path});
     return known == m_volumes.cend() ? stateOf(Storage::Unknown, path.path) : known->state;
+}
+
+bool NasVolumes::isAsking(const GroupPath &path) const
+{
+    const auto known = m_volumes.constFind({path.kind, path.path});
+    return known != m_volumes.cend() && !known->askedAt.isNull();
 }
 
 QList<StationTrouble> NasVolumes::troubles() const
@@ -255,24 +255,23 @@ QList<NasVolumes::Key> NasVolumes::inOrder(const QList<Key> &keys)
 void NasVolumes::take(const QList<Key> &keys, const SpaceQuestion &question, const QList<SmbSpace> &spaces)
 {
     --m_asked;
-    const bool isAllMissing =
-        spaces.size() > 1 && std::all_of(spaces.cbegin(), spaces.cend(), [](const SmbSpace &space) {
-            return space.returnCode == StationReturnCode::GetNasCapacityFailed;
-        });
+    const bool isAllMissing = spaces.size() > 1
+        && std::all_of(spaces.cbegin(), spaces.cend(),
+                       [](const SmbSpace &space) { return space.returnCode == NasReturnCode::GetNasCapacityFailed; });
     for (qsizetype i = 0; i < keys.size(); ++i) {
         const SmbPath &place = question.places.at(i);
         const SmbSpace &space = spaces.at(i);
         const QString &path = keys.at(i).second;
         const QString share = shareOf(path);
-        const bool isThere = space.returnCode == StationReturnCode::Success;
+        const bool isThere = space.returnCode == ReturnCode::Success;
         PlaceState state = stateOf(isThere ? Storage::Present : Storage::Gone, path);
-        state.volume.path = shareKey(place);
+        state.volume.path = place.shareKey();
         state.volume.bytesTotal = space.bytesTotal;
         state.volume.bytesAvailable = space.bytesAvailable;
         std::optional<StationTrouble> found;
         if (space.returnCode == StationReturnCode::NasServerNotResponding)
             found = notAnswering(share);
-        else if (space.returnCode == StationReturnCode::LogonNASServerFaled)
+        else if (space.returnCode == NasReturnCode::LogonNASServerFaled)
             found = refused(share, place, question.logon);
         else if (!isThere)
             found = missing(isAllMissing ? share : path);

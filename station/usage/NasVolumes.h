@@ -38,6 +38,9 @@ public:
     /// server is registered for the path. The path of the volume is the same for all paths on one share.
     PlaceState state(const GroupPath &path) const;
 
+    /// Whether the answer that concerns @p path is outstanding.
+    bool isAsking(const GroupPath &path) const;
+
     /// "ShareNotAnswering", "ShareRefused" and "ShareMissing" of the last answers, "NasKeyUnusable" and
     /// "DatabaseFailed" where the servers could not be asked, and "SharePending" where nothing is known before an
     /// answer comes: the first one, or that to askAll().

@@ -12,12 +12,6 @@
 namespace {
 constexpr qsizetype watchedDays = 8; // today and the week that the one-day usage is taken from
 
-bool isDay(const SubFolder &folder)
-{
-    constexpr qsizetype length = 10; // yyyy-mm-dd
-    return folder.name.size() == length && QDate::fromString(folder.name, Qt::ISODate).isValid();
-}
-
 QString folderOf(const IndexedPlace &place, const QString &camera, const QString &day = {})
 {
     const QString folder = place.root + u'/' + camera;
@@ -32,23 +26,6 @@ QStringList without(QStringList names, const QList<SubFolder> &folders)
         there.insert(folder.name);
     names.removeIf([&there](const QString &name) { return there.contains(name); });
     return names;
-}
-
-DayChange difference(const DayFolder &folder, const QHash<QString, qint64> &before, const QHash<QString, qint64> &now)
-{
-    DayChange change{folder, {}, {}, {}};
-    for (auto file = now.cbegin(); file != now.cend(); ++file) {
-        ++change.sum.files;
-        change.sum.bytes += file.value();
-        const auto known = before.constFind(file.key());
-        if (known == before.cend() || *known != file.value())
-            change.written.insert(file.key(), file.value());
-    }
-    for (auto file = before.cbegin(); file != before.cend(); ++file) {
-        if (!now.contains(file.key()))
-            change.removed.append(file.key());
-    }
-    return change;
 }
 } // namespace
 
@@ -158,7 +135,7 @@ QList<ReadTask> PlaceReader::readCamera(const ReadTask &task, const IndexedPlace
     SubFolders days = readFolders(path);
     if (!isUsable(days.result, place, path))
         return {};
-    days.folders.removeIf([](const SubFolder &folder) { return !isDay(folder); });
+    days.folders.removeIf([](const SubFolder &folder) { return !isDayFolder(folder.name); });
 
     const QStringList known = m_index.days(place.number, task.camera);
     const QStringList gone = without(known, days.folders);

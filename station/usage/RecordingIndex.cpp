@@ -40,6 +40,29 @@ qint64 fileCount(const PlaceSums &sums)
     return files;
 }
 
+DayChange difference(const DayFolder &folder, const QHash<QString, qint64> &before, const QHash<QString, qint64> &now)
+{
+    DayChange change{folder, {}, {}, {}};
+    for (auto file = now.cbegin(); file != now.cend(); ++file) {
+        ++change.sum.files;
+        change.sum.bytes += file.value();
+        const auto known = before.constFind(file.key());
+        if (known == before.cend() || *known != file.value())
+            change.written.insert(file.key(), file.value());
+    }
+    for (auto file = before.cbegin(); file != before.cend(); ++file) {
+        if (!now.contains(file.key()))
+            change.removed.append(file.key());
+    }
+    return change;
+}
+
+bool isDayFolder(const QString &name)
+{
+    constexpr qsizetype length = 10; // yyyy-mm-dd
+    return name.size() == length && QDate::fromString(name, Qt::ISODate).isValid();
+}
+
 RecordingIndex::RecordingIndex(Database &database)
     : m_database(database)
 {
@@ -49,6 +72,18 @@ QStringList RecordingIndex::cameras(qint64 place) const
 {
     return firstColumn(
         m_database.rows(QStringLiteral("SELECT DISTINCT camera FROM recorded_day WHERE place = ?"), {place}));
+}
+
+/// Goes from one camera to the next: a place may have many days of each.
+QStringList RecordingIndex::recordedCameras(qint64 place) const
+{
+    return firstColumn(m_database.rows(
+        QStringLiteral("WITH RECURSIVE found(name) AS (SELECT min(camera) FROM recorded_day WHERE place = ? UNION ALL"
+                       " SELECT (SELECT min(camera) FROM recorded_day WHERE place = ? AND camera > name)"
+                       " FROM found WHERE name IS NOT NULL)"
+                       " SELECT name FROM found WHERE name IS NOT NULL AND EXISTS"
+                       " (SELECT 1 FROM recorded_day WHERE place = ? AND camera = name AND files > 0)"),
+        {place, place, place}));
 }
 
 QStringList RecordingIndex::days(qint64 place, const QString &camera) const
@@ -166,10 +201,14 @@ void RecordingIndex::removeDays(qint64 place, const QString &camera, const QStri
     transaction.commit();
 }
 
-void RecordingIndex::markRead(qint64 place)
+void RecordingIndex::markRead(qint64 place, const QDateTime &readAt)
 {
     Transaction transaction(m_database);
     m_database.run(QStringLiteral("UPDATE recording_place SET is_read = 1 WHERE number = ?"), {place});
+    if (readAt.isValid()) {
+        m_database.run(QStringLiteral("UPDATE recording_place SET read_at = ? WHERE number = ?"),
+                       {readAt.toSecsSinceEpoch(), place});
+    }
     m_database.run(QStringLiteral("DELETE FROM recording_place WHERE number = ? AND group_id = '' AND NOT EXISTS"
                                   " (SELECT 1 FROM recorded_day WHERE place = recording_place.number AND files > 0)"),
                    {place});

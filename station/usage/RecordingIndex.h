@@ -2,6 +2,7 @@
 
 #include "UsageFigures.h"
 
+#include <QDateTime>
 #include <QHash>
 #include <QMetaType>
 #include <QStringList>
@@ -25,6 +26,12 @@ struct DayChange
     DaySum sum;
 };
 
+/// What is different in @p folder, where the index has @p before and the folder @p now.
+DayChange difference(const DayFolder &folder, const QHash<QString, qint64> &before, const QHash<QString, qint64> &now);
+
+/// Whether a folder of that name has the recordings of a day: "yyyy-mm-dd".
+bool isDayFolder(const QString &name);
+
 struct PlaceSum
 {
     bool isRead = false; ///< read through at least once; before, its days are not all known
@@ -47,6 +54,7 @@ public:
     explicit RecordingIndex(Database &database);
 
     QStringList cameras(qint64 place) const;
+    QStringList recordedCameras(qint64 place) const; ///< those with at least one file, by name
     QStringList days(qint64 place, const QString &camera) const;
     /// Bytes of each file by its name; none for a day that the index does not have.
     std::optional<QHash<QString, qint64>> files(const DayFolder &folder) const;
@@ -61,7 +69,8 @@ public:
     void removeCameras(qint64 place, const QStringList &cameras);
     void removeDays(qint64 place, const QString &camera, const QStringList &days);
     /// Every folder of the place was read. A place of no group that holds nothing is forgotten.
-    void markRead(qint64 place);
+    /// @param readAt when, of a place on a NAS server; null: nobody asks
+    void markRead(qint64 place, const QDateTime &readAt = {});
 
 private:
     void readSums(PlaceSums &sums, const QString &condition, const QVariantList &values) const;

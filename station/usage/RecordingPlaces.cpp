@@ -33,10 +33,8 @@ void RecordingPlaces::update(const QList<RecordingGroup> &groups, const QString 
 {
     QMap<Key, QString> wanted;
     for (const RecordingGroup &group : groups) {
-        for (const GroupPath &path : group.paths) {
-            if (path.kind == PathKind::Local)
-                wanted.insert({path.path, group.folder}, group.id);
-        }
+        for (const GroupPath &path : group.paths)
+            wanted.insert({path.path, group.folder}, group.id);
     }
     if (!backupFolder.isEmpty())
         wanted.insert({backupFolder, QString()}, UsageGroup::backup);
@@ -73,6 +71,9 @@ void RecordingPlaces::write(const QMap<Key, QString> &groupIds)
                                     " SET group_id = excluded.group_id, volume_path = '', volume_name = ''"
                                     " WHERE group_id <> excluded.group_id"),
                      {path, text(folder), *place});
+        database.run(QStringLiteral("DELETE FROM recording_deletion WHERE place = (SELECT number FROM recording_place"
+                                    " WHERE path = ? AND folder = ?)"),
+                     {path, text(folder)});
     }
     transaction.commit();
 }
@@ -80,11 +81,13 @@ void RecordingPlaces::write(const QMap<Key, QString> &groupIds)
 void RecordingPlaces::load()
 {
     m_places.clear();
-    Rows rows = m_data.database().rows(QStringLiteral("SELECT number, path, folder, group_id, volume_path, volume_name"
-                                                      " FROM recording_place ORDER BY path, folder"));
+    Rows rows = m_data.database().rows(QStringLiteral("SELECT number, path, folder, group_id, volume_path, volume_name,"
+                                                      " read_at FROM recording_place ORDER BY path, folder"));
     while (rows.next()) {
         m_places.append({rows.value(0).toLongLong(), rows.value(1).toString(), rows.value(2).toString(),
                          rows.value(3).toString(), rows.value(4).toString(), rows.value(5).toString()});
+        if (!rows.value(6).isNull())
+            m_places.last().readAt = QDateTime::fromSecsSinceEpoch(rows.value(6).toLongLong()).toUTC();
     }
 }
 
@@ -108,6 +111,8 @@ QHash<qint64, PlaceState> RecordingPlaces::look()
     QHash<QString, Sight> sights;
     QHash<qint64, PlaceState> states;
     for (RecordingPlace &place : m_places) {
+        if (place.isNas())
+            continue;
         auto sight = sights.constFind(place.path);
         if (sight == sights.cend())
             sight = sights.insert(place.path, lookAt(place.path));

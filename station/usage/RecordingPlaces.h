@@ -4,6 +4,7 @@
 #include "disk/DiskWork.h"
 #include "groups/RecordingGroup.h"
 
+#include <QDateTime>
 #include <QHash>
 #include <QMap>
 
@@ -20,7 +21,10 @@ struct RecordingPlace
     QString groupId; ///< empty when the group, or its path, was removed; UsageGroup::backup: the backup area
     QString volumePath; ///< where the path lay when it came to the group; empty when it never existed
     QString volumeName;
+    QDateTime readAt = {}; ///< on a NAS server: when all of it was read last, in UTC; null where that never was
 
+    /// Local paths are kept with single slashes.
+    bool isNas() const { return path.startsWith(QStringLiteral("//")); }
     QString root() const { return folder.isEmpty() ? path : path + u'/' + folder; }
 };
 
@@ -43,12 +47,13 @@ public:
     /// Both must outlive this object.
     RecordingPlaces(StationData &data, const VolumeSource &volumes);
 
-    /// Brings the places in line with the local paths of @p groups and the backup area. What belongs to no group any
+    /// Brings the places in line with the paths of @p groups and the backup area. What belongs to no group any
     /// more is kept, as its files are. Writes only what is different, and nothing where the database can only be read.
     void update(const QList<RecordingGroup> &groups, const QString &backupFolder);
 
     const QList<RecordingPlace> &places() const { return m_places; } ///< as of the last update
-    /// By the number of the place. Asks the volumes once for each path; waits a moment at most for disks that hang.
+    /// By the number of the place, of those that are not on a NAS server. Asks the volumes once for each path; waits a
+    /// moment at most for disks that hang.
     QHash<qint64, PlaceState> look();
 
 private:

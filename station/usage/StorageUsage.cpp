@@ -2,11 +2,14 @@
 
 #include "IndexWorker.h"
 #include "SaturatedSum.h"
+#include "ServerVocabulary.h"
 #include "StationData.h"
 #include "StationLog.h"
-#include "StationProtocol.h"
+#include "StationVocabulary.h"
 #include "groups/GroupStore.h"
 #include "store/Database.h"
+
+#include <QSet>
 
 #include <algorithm>
 #include <cerrno>
@@ -20,6 +23,7 @@ StorageUsage::StorageUsage(const VolumeSource &volumes, StationData &data, NasAc
     , m_settings(std::move(settings))
     , m_places(data, volumes)
     , m_nasVolumes(accounts, work, m_settings.nasInterval, this)
+    , m_nasRecordings(accounts, m_nasVolumes, work.limit(), m_settings, this)
     , m_clock(data.folder(), m_settings.now)
     , m_mark(std::make_shared<ReadingMark>())
     , m_pause(m_settings.retryTime)
@@ -36,7 +40,13 @@ StorageUsage::StorageUsage(const VolumeSource &volumes, StationData &data, NasAc
     connect(&m_groupsTimer, &QTimer::timeout, this, &StorageUsage::followGroups);
     connect(&m_nasVolumes, &NasVolumes::troublesChanged, this, &StorageUsage::troublesChanged);
     connect(&m_nasVolumes, &NasVolumes::answered, this, [this] {
+        m_nasRecordings.look();
         tell();
+        answerReload();
+    });
+    connect(&m_nasRecordings, &NasRecordings::listed, this, &StorageUsage::giveListing);
+    connect(&m_nasRecordings, &NasRecordings::changed, this, [this] {
+        emit troublesChanged();
         answerReload();
     });
     const auto start = [this] {
@@ -55,7 +65,7 @@ StorageUsage::~StorageUsage()
 
 void StorageUsage::enterInto(CommandTable &table)
 {
-    table.insert(StationCommandName::reloadStorageUsageInfo,
+    table.insert(ServerCommand::reloadStorageUsageInfo,
                  [this](const QVariant &data, const Answer &answer) { reload(data, answer); });
 }
 
@@ -64,17 +74,9 @@ void StorageUsage::reload(const QVariant &data, const Answer &answer)
     if (!data.isNull())
         return answer(lastPart(StationReturnCode::BadRequest));
     // An edit that came before is to be seen in the figures, and figures of groups that cannot be read are none.
-    if (m_data.isDatabaseThere()) {
-        m_groupsTimer.stop();
-        try {
-            readGroups();
-        } catch (const DatabaseError &error) {
-            takeFailure(error);
-            throw;
-        }
-        useGroups();
-    }
-    answer(lastPart(StationReturnCode::Success));
+    m_areGroupsRead = false;
+    useLatestGroups();
+    answer(lastPart(ReturnCode::Success));
     QMetaObject::invokeMethod(this, &StorageUsage::readThrough, Qt::QueuedConnection);
 }
 
@@ -82,6 +84,7 @@ void StorageUsage::readThrough()
 {
     look();
     m_nasVolumes.askAll();
+    m_nasRecordings.readAll();
     // What is known before the answer waits for it, as long as events are apart anyway.
     if (!std::exchange(m_isAwaited, true))
         m_tellTimer.start(m_settings.tellInterval);
@@ -97,12 +100,26 @@ void StorageUsage::readThrough()
 
 void StorageUsage::answerReload()
 {
-    if (!m_isAwaited || m_isReading || m_nasVolumes.isAsking())
+    if (!m_isAwaited || m_isReading || m_nasVolumes.isAsking() || m_nasRecordings.isAwaited())
         return;
     m_isAwaited = false;
     m_isOwed = true;
     m_tellTimer.stop();
     tell();
+}
+
+void StorageUsage::useLatestGroups()
+{
+    if (!m_data.isDatabaseThere() || (m_areGroupsRead && !m_groupsTimer.isActive()))
+        return;
+    m_groupsTimer.stop();
+    try {
+        readGroups();
+    } catch (const DatabaseError &error) {
+        takeFailure(error);
+        throw;
+    }
+    useGroups();
 }
 
 void StorageUsage::groupsChanged()
@@ -125,8 +142,10 @@ void StorageUsage::readGroups()
     m_groups = GroupStore(m_data.database()).groups();
     m_places.update(m_groups, m_settings.backupFolder);
     m_nasVolumes.setGroups(m_groups);
+    m_nasRecordings.setPlaces(nasPlaces());
     m_pause = m_settings.retryTime;
     m_groupsFailure.reset();
+    m_areGroupsRead = true;
 }
 
 void StorageUsage::useGroups()
@@ -134,7 +153,7 @@ void StorageUsage::useGroups()
     const bool isAnything = !m_places.places().isEmpty();
     if (isAnything && !m_worker)
         startWorker();
-    m_states.clear(); // the worker gets every change of the places
+    m_arePlacesNew = true; // the worker gets every change of the places
     look();
     if (isAnything)
         m_volumeTimer.start();
@@ -187,8 +206,11 @@ void StorageUsage::startWorker()
         m_isReading = false;
         answerReload();
     });
-    connect(m_worker.get(), &IndexWorker::finished, this,
-            [this](quint64 places) { m_isUpToDate = places == m_givenPlaces && !m_indexFailure; });
+    connect(m_worker.get(), &IndexWorker::finished, this, [this](quint64 places) {
+        m_isUpToDate = places == m_givenPlaces && !m_indexFailure;
+        noteCounted();
+    });
+    connect(m_worker.get(), &IndexWorker::listingTaken, &m_nasRecordings, &NasRecordings::taken);
     connect(m_worker.get(), &IndexWorker::placeLeft, this, &StorageUsage::look);
     connect(m_worker.get(), &IndexWorker::progressed, this, [this](qint64 done, qint64 total, bool isRunning) {
         const QVariantMap progress{
@@ -215,14 +237,15 @@ void StorageUsage::look()
         return;
     }
     m_clock.look(m_newestDay);
+    m_isLookedAt = true;
     const QHash<qint64, PlaceState> before = std::exchange(m_states, states);
     const auto isSamePlace = [&before](const RecordingPlace &place, const PlaceState &now) {
         const auto found = before.constFind(place.number);
         return found != before.cend() && found->storage == now.storage && found->device == now.device;
     };
-    bool isSame = before.size() == states.size();
+    bool isSame = !m_arePlacesNew && before.size() == states.size();
     for (const RecordingPlace &place : m_places.places())
-        isSame = isSame && isSamePlace(place, states.value(place.number));
+        isSame = isSame && (place.isNas() || isSamePlace(place, states.value(place.number)));
     if (!isSame)
         giveToWorker();
     tell();
@@ -234,13 +257,40 @@ void StorageUsage::giveToWorker()
         return;
     QList<IndexedPlace> places;
     for (const RecordingPlace &place : m_places.places()) {
+        if (place.isNas())
+            continue;
         const PlaceState state = m_states.value(place.number);
         places.append(
             {place.number, place.path, place.root(), state.storage == UsagePlace::Storage::Present, state.device});
     }
     m_isUpToDate = false;
+    m_arePlacesNew = false;
     ++m_givenPlaces;
     QMetaObject::invokeMethod(m_worker.get(), [worker = m_worker.get(), places] { worker->setPlaces(places); });
+}
+
+void StorageUsage::giveListing(const RemoteListing &listing)
+{
+    if (m_worker)
+        QMetaObject::invokeMethod(m_worker.get(), [worker = m_worker.get(), listing] { worker->take(listing); });
+    else
+        m_nasRecordings.taken(listing.place, false);
+}
+
+QList<NasPlace> StorageUsage::nasPlaces() const
+{
+    QList<NasPlace> places;
+    for (const RecordingPlace &place : m_places.places()) {
+        const auto group = std::find_if(m_groups.cbegin(), m_groups.cend(),
+                                        [&place](const RecordingGroup &other) { return other.id == place.groupId; });
+        if (!place.isNas() || group == m_groups.cend())
+            continue;
+        for (const GroupPath &path : group->paths) {
+            if (path.path == place.path)
+                places.append({place.number, path, place.folder, place.readAt});
+        }
+    }
+    return places;
 }
 
 /// At once, or when the last event is long enough ago; figures that come until then go with it.
@@ -255,14 +305,18 @@ void StorageUsage::tell()
 
 void StorageUsage::tellNow()
 {
-    emit troublesChanged();
+    const bool isOwed = std::exchange(m_isOwed, false);
     const QVariantList now = entries();
-    if (!m_isOwed && !isWorthTelling(m_told, now))
+    const bool isTold = isOwed || isWorthTelling(m_told, now);
+    if (isTold) {
+        m_told = now;
+        m_shortGroups.judge(now);
+    }
+    emit troublesChanged();
+    if (!isTold)
         return;
-    m_isOwed = false;
-    m_told = now;
     m_toldAt.start();
-    emit eventRaised({StationEventName::VolumeChanged, now});
+    emit eventRaised({ServerEvent::VolumeChanged, now});
 }
 
 QDate StorageUsage::today() const
@@ -273,44 +327,133 @@ QDate StorageUsage::today() const
 void StorageUsage::takeSums(const PlaceSums &sums)
 {
     m_sums = sums;
+    m_areSumsTold = true;
     QDate newest;
-    m_futureDays = 0;
+    QSet<QDate> future;
     for (const PlaceSum &sum : std::as_const(m_sums)) {
         for (auto day = sum.days.cbegin(); day != sum.days.cend(); ++day) {
             if (isOfTheFuture(day.key(), today()))
-                ++m_futureDays;
+                future.insert(day.key());
             else if (!newest.isValid() || day.key() > newest)
                 newest = day.key();
         }
     }
     m_newestDay = newest;
+    m_futureDays = static_cast<int>(future.size());
     m_clock.look(newest);
     tell();
 }
 
-QVariantList StorageUsage::entries() const
+bool StorageUsage::isClockTrusted()
 {
-    return usageEntries(usagePlaces(), m_clock.isBehind() ? QDate() : today());
+    m_clock.look(m_newestDay);
+    return m_clock.troubles().isEmpty();
 }
 
-QList<UsagePlace> StorageUsage::usagePlaces() const
+QDate StorageUsage::currentDay() const
+{
+    return m_clock.isBehind() ? QDate() : today();
+}
+
+QVariantList StorageUsage::entries() const
+{
+    QList<UsagePlace> told = places();
+    told.removeIf([](const UsagePlace &place) { // what was taken away with its disk troubles nobody
+        const bool isAnything = place.days && !place.days->isEmpty();
+        return place.groupId.isEmpty() && (place.storage != UsagePlace::Storage::Present || !isAnything);
+    });
+    return usageEntries(told, currentDay());
+}
+
+bool StorageUsage::isFollowed(const RecordingPlace &place) const
+{
+    if (place.isNas())
+        return m_nasRecordings.isCurrent(place.number);
+    return m_isUpToDate && m_states.value(place.number).storage == UsagePlace::Storage::Present && isReadable(place);
+}
+
+bool StorageUsage::isReadable(const RecordingPlace &place) const
+{
+    return std::none_of(m_unreadable.cbegin(), m_unreadable.cend(), [root = place.root()](const QString &folder) {
+        return folder == root || folder.startsWith(root + u'/');
+    });
+}
+
+void StorageUsage::noteCounted()
+{
+    if (!m_isUpToDate)
+        return;
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    for (const RecordingPlace &place : m_places.places()) {
+        if (m_states.value(place.number).storage == UsagePlace::Storage::Present && isReadable(place))
+            m_countedAt.insert(place.number, now);
+    }
+}
+
+PlaceState StorageUsage::stateOf(const RecordingPlace &place) const
+{
+    PlaceState notLookedAt;
+    notLookedAt.storage = UsagePlace::Storage::Unknown;
+    return m_states.value(place.number, notLookedAt);
+}
+
+UsagePlace StorageUsage::usageOf(const RecordingPlace &place) const
+{
+    const PlaceState state = stateOf(place);
+    const PlaceSum sum = m_sums.value(place.number);
+    UsagePlace usage;
+    usage.groupId = place.groupId;
+    usage.path = place.path;
+    usage.storage = state.storage;
+    usage.volume = state.volume;
+    const bool isPartTold = place.groupId.isEmpty() && !sum.days.isEmpty();
+    if (sum.isRead || isPartTold)
+        usage.days = sum.days;
+    usage.isNas = place.isNas();
+    usage.isCounted = sum.isRead && isFollowed(place);
+    usage.countedAt =
+        usage.isNas ? std::max(m_nasRecordings.readAt(place.number), place.readAt) : m_countedAt.value(place.number);
+    return usage;
+}
+
+/// A place that the index has forgotten held nothing when it was read last.
+QList<UnassignedPlace> StorageUsage::unassignedPlaces() const
+{
+    QList<UnassignedPlace> list;
+    for (const RecordingPlace &place : m_places.places()) {
+        const UsagePlace usage = usageOf(place);
+        const bool isForgotten = m_areSumsTold && !m_sums.contains(place.number);
+        const bool isEmpty = isForgotten || (usage.days && usage.days->isEmpty());
+        if (place.groupId.isEmpty() && !isEmpty)
+            list.append({place, stateOf(place), usage.days, usage.isCounted, usage.countedAt});
+    }
+    return list;
+}
+
+void StorageUsage::readAgain(const QStringList &roots)
+{
+    QList<qint64> numbers;
+    for (const RecordingPlace &place : m_places.places()) {
+        if (roots.contains(place.root()))
+            numbers.append(place.number);
+    }
+    if (!m_worker || numbers.isEmpty())
+        return;
+    m_isUpToDate = false;
+    ++m_givenPlaces;
+    QMetaObject::invokeMethod(m_worker.get(), [worker = m_worker.get(), numbers] { worker->readPlaces(numbers); });
+}
+
+QList<UsagePlace> StorageUsage::places() const
 {
     QHash<std::pair<QString, QString>, UsagePlace> found; // by group and path
     QList<UsagePlace> withoutGroup;
     for (const RecordingPlace &place : m_places.places()) {
-        const PlaceState state = m_states.value(place.number);
-        const PlaceSum sum = m_sums.value(place.number);
-        UsagePlace usage;
-        usage.groupId = place.groupId;
-        usage.path = place.path;
-        usage.storage = state.storage;
-        usage.volume = state.volume;
-        if (sum.isRead)
-            usage.days = sum.days;
+        const UsagePlace usage = usageOf(place);
         if (!place.groupId.isEmpty())
             found.insert({place.groupId, place.path}, usage);
-        else if (state.storage == UsagePlace::Storage::Present && !sum.days.isEmpty())
-            withoutGroup.append(usage); // whose disk was taken away troubles nobody
+        else
+            withoutGroup.append(usage);
     }
 
     QList<UsagePlace> places;
@@ -353,8 +496,10 @@ std::optional<qint64> StorageUsage::countedBytes(const QString &path, const QStr
     const auto place = std::find_if(places.cbegin(), places.cend(), [&](const RecordingPlace &known) {
         return known.path == path && known.folder == folder;
     });
-    if (!m_isUpToDate || place == places.cend() || !m_sums.value(place->number).isRead
-        || m_states.value(place->number).storage != UsagePlace::Storage::Present)
+    if (place == places.cend() || !m_sums.value(place->number).isRead)
+        return {};
+    const bool isFollowed = m_isUpToDate && m_states.value(place->number).storage == UsagePlace::Storage::Present;
+    if (!place->isNas() && !isFollowed)
         return {};
     qint64 bytes = 0;
     const DaySums days = m_sums.value(place->number).days;
@@ -363,9 +508,17 @@ std::optional<qint64> StorageUsage::countedBytes(const QString &path, const QStr
     return bytes;
 }
 
+bool StorageUsage::isSettled() const
+{
+    return m_isLookedAt && !m_groupsFailure && (!m_worker || m_isUpToDate) && !m_nasVolumes.isAsking()
+        && !m_tellTimer.isActive();
+}
+
 QList<StationTrouble> StorageUsage::troubles() const
 {
-    QList<StationTrouble> troubles = placeTroubles() + readingTroubles() + m_nasVolumes.troubles() + m_clock.troubles();
+    QList<StationTrouble> troubles = placeTroubles() + readingTroubles() + m_clock.troubles();
+    troubles += m_nasRecordings.withTimes(m_nasVolumes.troubles()) + m_nasRecordings.troubles();
+    troubles += m_shortGroups.troubles();
     for (const RecordingGroup &group : m_groups) {
         if (group.paths.isEmpty() && !group.members.isEmpty()) {
             troubles.append(
@@ -374,7 +527,9 @@ QList<StationTrouble> StorageUsage::troubles() const
                  group.name,
                  QStringLiteral("The recording group %1 has cameras and no path: nothing is recorded.").arg(group.name),
                  QStringLiteral("Add a path to the recording group."),
-                 {}});
+                 {},
+                 {},
+                 group.id});
         }
     }
     for (const std::optional<DatabaseError> &failure : {m_groupsFailure, m_indexFailure}) {
@@ -386,9 +541,8 @@ QList<StationTrouble> StorageUsage::troubles() const
             {StationAlarmKind::RecordingsOfTheFuture,
              StationTrouble::Severity::Warning,
              QStringLiteral("recordings"),
-             QStringLiteral(
-                 "%1 folders of recordings are named after days that have not come yet; they are not counted.")
-                 .arg(m_futureDays),
+             QStringLiteral("There are recordings of %1 still to come; they are not counted.")
+                 .arg(m_futureDays == 1 ? QStringLiteral("a day") : QStringLiteral("%1 days").arg(m_futureDays)),
              QStringLiteral(
                  "Check the clocks of the cameras and of the station's machine, and move these folders away."),
              {}});
@@ -484,7 +638,7 @@ QList<StationTrouble> StorageUsage::readingTroubles() const
              QStringLiteral("The recordings are being counted, those in %1 at the moment.").arg(reading.path),
              {},
              m_readingSince});
-    } else if (m_isReading) {
+    } else if (m_isReading || m_isOwed) { // not counted, or counted and not told
         troubles.append({StationAlarmKind::RecordingsNotCounted,
                          StationTrouble::Severity::Pending,
                          QStringLiteral("recordings"),

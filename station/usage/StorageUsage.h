@@ -2,10 +2,13 @@
 
 #include "ClockWatch.h"
 #include "CommandTable.h"
+#include "NasRecordings.h"
 #include "NasVolumes.h"
 #include "ReadingMark.h"
 #include "RecordingIndex.h"
 #include "RecordingPlaces.h"
+#include "ShortGroups.h"
+#include "UnassignedPlace.h"
 #include "UsageSettings.h"
 #include "store/DatabaseError.h"
 
@@ -42,11 +45,29 @@ public:
     /// Does not touch the database any more: it is damaged, or was replaced.
     void leaveDatabase(const DatabaseError &reason);
 
-    /// The bytes of the recordings in the folder @p folder of @p path; none unless they are counted, and the count
-    /// follows every change.
+    /// The bytes of the recordings in the folder @p folder of @p path; none unless they are counted. The count of a
+    /// local path follows every change, or is none; that of a NAS path is of the last reading.
     std::optional<qint64> countedBytes(const QString &path, const QString &folder) const;
 
-    /// What keeps recordings from being stored or counted.
+    /// Takes up the groups as they are now where they were edited since; throws DatabaseError.
+    void useLatestGroups();
+    /// Every place of recordings as it was looked at last: the paths of the groups in the order of the groups, what
+    /// belongs to no group, and the backup area.
+    QList<UsagePlace> places() const;
+    /// The places that no group names and that hold recordings, or of which nobody knows yet whether they do.
+    QList<UnassignedPlace> unassignedPlaces() const;
+    /// Reads the folders @p roots of places through: the station itself has changed what is in them. Until then they do
+    /// not count as counted.
+    void readAgain(const QStringList &roots);
+    /// The day that is not over; invalid where the clock cannot be believed.
+    QDate currentDay() const;
+    /// Whether the machine's clock can be believed; looks at it.
+    bool isClockTrusted();
+
+    /// Whether troubles() knows of everything: the groups were read, all places looked at, the folders read to their
+    /// end, the NAS servers have answered, and clients were told the figures.
+    bool isSettled() const;
+    /// What keeps recordings from being stored, counted, or kept for as long as they shall be.
     QList<StationTrouble> troubles() const;
 
 signals:
@@ -65,10 +86,16 @@ private:
     void readThrough();
     void look();
     void giveToWorker();
+    void giveListing(const RemoteListing &listing);
+    QList<NasPlace> nasPlaces() const;
     void answerReload();
     void tell();
     void tellNow();
-    QList<UsagePlace> usagePlaces() const;
+    PlaceState stateOf(const RecordingPlace &place) const;
+    UsagePlace usageOf(const RecordingPlace &place) const;
+    bool isFollowed(const RecordingPlace &place) const;
+    bool isReadable(const RecordingPlace &place) const;
+    void noteCounted();
     QVariantList entries() const;
     QStringList groupsAt(const QString &path) const;
     QList<StationTrouble> placeTroubles() const;
@@ -81,8 +108,10 @@ private:
     QList<RecordingGroup> m_groups;
     RecordingPlaces m_places;
     NasVolumes m_nasVolumes;
+    NasRecordings m_nasRecordings;
     QHash<qint64, PlaceState> m_states;
     PlaceSums m_sums;
+    bool m_areSumsTold = false; // at least once
     QDate m_newestDay; // of them, but for days of the future
     int m_futureDays = 0;
     ClockWatch m_clock;
@@ -93,13 +122,18 @@ private:
     std::chrono::milliseconds m_pause; // before the groups are read again, after a failure
     quint64 m_ticket = 0; // of the last reconcile
     bool m_isReading = false; // all folders, for a client that waits
-    quint64 m_givenPlaces = 0; // times that the worker was told of places
+    bool m_arePlacesNew = false; // the worker was not told of them yet
+    quint64 m_givenPlaces = 0; // times that the worker was told of places, or to read some
+    bool m_isLookedAt = false; // every place, since the groups were read first
     bool m_isUpToDate = false; // the index has everything that the places that are there have
     QDateTime m_readingSince;
+    bool m_areGroupsRead = false; // at least once
+    QHash<qint64, QDateTime> m_countedAt; // by place
     bool m_isAwaited = false; // by a client: the event that answers it
     bool m_isOwed = false; // that event, now, whether figures changed or not
 
     QVariantList m_told;
+    ShortGroups m_shortGroups; // of what was told
     QElapsedTimer m_toldAt;
     QTimer m_groupsTimer;
     QTimer m_tellTimer;

@@ -1,7 +1,7 @@
 #include "UsageFigures.h"
 
 #include "SaturatedSum.h"
-#include "StationProtocol.h"
+#include "ServerVocabulary.h"
 
 #include <QHash>
 #include <QSet>
@@ -73,6 +73,14 @@ QList<QDate> averagedDaysOf(const QSet<QDate> &days, const QDate &today)
     return over.mid(0, averagedDays);
 }
 
+/// Whether the days of @p place are known. Those on a NAS server that does not answer are as they were.
+bool isCounted(const UsagePlace &place)
+{
+    if (place.isNas)
+        return place.days.has_value();
+    return place.storage == Storage::Gone || (place.storage == Storage::Present && place.days);
+}
+
 void shareUsage(const QList<UsagePlace> &places, const QList<qsizetype> &members, const QDate &today,
                 QList<Figures> &figures)
 {
@@ -81,28 +89,25 @@ void shareUsage(const QList<UsagePlace> &places, const QList<qsizetype> &members
     QSet<QDate> allDays;
     QSet<QDate> daysAtHand;
     qsizetype first = -1;
-    bool isPartOnNas = false;
+    bool isFreeSpaceKnown = true;
     for (const qsizetype index : members) {
         const UsagePlace &place = places.at(index);
-        if (place.isNas) {
-            isPartOnNas = true;
-            continue;
-        }
         // Half of a group's figures would be a false alarm, or a false calm.
-        if (place.storage == Storage::Unknown || (place.storage == Storage::Present && !place.days))
+        if (!isCounted(place))
             return;
+        isFreeSpaceKnown = isFreeSpaceKnown && place.storage != Storage::Unknown;
         QList<QDate> days = place.days.value_or(DaySums()).keys();
         days.removeIf([&today](const QDate &day) { return isOfTheFuture(day, today); });
         allDays.unite({days.cbegin(), days.cend()});
-        if (place.storage == Storage::Present) {
+        if (place.storage == Storage::Present || place.isNas) {
             daysAtHand.unite({days.cbegin(), days.cend()});
             first = first < 0 ? index : first;
         }
     }
     if (first >= 0)
         figures[first].recordedDays = daysAtHand.size();
-    // The rest of a day would promise more remaining days than there are.
-    if (isPartOnNas)
+    // Days of usage without the space that is left for them would make no remaining days at all.
+    if (!isFreeSpaceKnown)
         return;
 
     const QList<QDate> averaged = averagedDaysOf(allDays, today);
@@ -124,17 +129,17 @@ void shareUsage(const QList<UsagePlace> &places, const QList<qsizetype> &members
 QVariantMap entry(const UsagePlace &place, const Figures &figures)
 {
     return {
-        {StationKey::recordingGroupID, place.groupId},
-        {StationKey::recordingGroupName, place.groupName},
-        {StationKey::recordingGroupReservedTime, place.reservedMinutes},
-        {StationKey::recordingPath, place.path},
-        {StationKey::volumeName, place.volume.name},
-        {StationKey::volumeSize, figures.size},
-        {StationKey::volumeAvailableSize, figures.available},
-        {StationKey::volumeOneDayUsage, figures.oneDayUsage},
-        {StationKey::volumeRecordedDays, figures.recordedDays},
-        {StationKey::volumeIsSystem, place.volume.isSystem},
-        {StationKey::volumeIsNAS, place.isNas},
+        {FieldKey::recordingGroupID, place.groupId},
+        {FieldKey::recordingGroupName, place.groupName},
+        {FieldKey::recordingGroupReservedTime, place.reservedMinutes},
+        {FieldKey::recordingPath, place.path},
+        {FieldKey::volumeName, place.volume.name},
+        {FieldKey::volumeSize, figures.size},
+        {FieldKey::volumeAvailableSize, figures.available},
+        {FieldKey::volumeOneDayUsage, figures.oneDayUsage},
+        {FieldKey::volumeRecordedDays, figures.recordedDays},
+        {FieldKey::volumeIsSystem, place.volume.isSystem},
+        {FieldKey::volumeIsNAS, place.isNas},
     };
 }
 } // namespace
@@ -204,9 +209,9 @@ bool isWorthTelling(const QVariantList &sent, const QVariantList &now)
     for (qsizetype i = 0; i < now.size(); ++i) {
         QVariantMap before = sent.at(i).toMap();
         QVariantMap after = now.at(i).toMap();
-        const qint64 size = after.value(StationKey::volumeSize).toLongLong();
-        const qint64 free = after.take(StationKey::volumeAvailableSize).toLongLong();
-        const qint64 freeBefore = before.take(StationKey::volumeAvailableSize).toLongLong();
+        const qint64 size = after.value(FieldKey::volumeSize).toLongLong();
+        const qint64 free = after.take(FieldKey::volumeAvailableSize).toLongLong();
+        const qint64 freeBefore = before.take(FieldKey::volumeAvailableSize).toLongLong();
         const bool cameToOrFromNothing = (free <= 0) != (freeBefore <= 0);
         if (before != after || cameToOrFromNothing || qAbs(free - freeBefore) > size / leastMove)
             return true;

@@ -3,6 +3,7 @@
 #include "VolumeSource.h"
 
 #include <QDate>
+#include <QDateTime>
 #include <QMap>
 #include <QVariantList>
 
@@ -38,6 +39,9 @@ struct UsagePlace
     Storage storage = Storage::Unknown;
     Volume volume; ///< Present: as it is now; Gone: its path and name as they were
     std::optional<DaySums> days; ///< none: the recordings were never read through
+    bool isCounted = false; ///< the days are as the folders are, and follow their changes; on a NAS share, in rounds
+    /// UTC: when that was so last; null: never, or, but for NAS shares, not since the start of the station.
+    QDateTime countedAt;
 };
 
 namespace UsageGroup {

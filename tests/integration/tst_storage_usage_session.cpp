@@ -1,6 +1,7 @@
 #include "ClientSession.h"
 #include "RecordedSite.h"
 #include "companions/StatusMonitorPlugin.h"
+#include "embedded/EmbeddedLink.h"
 #include "link/StationCalls.h"
 
 #include <QAbstractItemModel>
@@ -58,7 +59,8 @@ void StorageUsageSessionTest::start()
 {
     ClientSession::Options options;
     options.pluginFolders = QStringList{QStringLiteral(PLUGIN_FOLDER)};
-    options.makeStation = [this] { return std::make_unique<Station>(m_site->settings(today)); };
+    options.url = QStringLiteral("embedded:");
+    options.linkKinds = {EmbeddedLink::kind([this] { return std::make_unique<Station>(m_site->settings(today)); })};
     QVERIFY2(m_session->start(options), qPrintable(m_session->error()));
     QTRY_VERIFY(m_session->isConnected());
 }

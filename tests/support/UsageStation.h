@@ -1,7 +1,8 @@
 #pragma once
 
 #include "RecordedSite.h"
-#include "StationProtocol.h"
+#include "ServerVocabulary.h"
+#include "StationVocabulary.h"
 
 #include <QDate>
 #include <QTest>
@@ -38,7 +39,7 @@ protected:
             adjust(settings.usage);
         m_station = std::make_unique<Station>(std::move(settings));
         QObject::connect(m_station.get(), &Station::eventRaised, m_station.get(), [this](const StationEvent &event) {
-            if (event.name == StationEventName::VolumeChanged)
+            if (event.name == ServerEvent::VolumeChanged)
                 m_events.append(event.data.toList());
             else if (event.name == StationEventName::StorageScanProgress)
                 m_progress.append(event.data.toMap());
@@ -73,7 +74,7 @@ protected:
     void reload()
     {
         QString code;
-        m_station->handle({StationCommandName::reloadStorageUsageInfo, {}},
+        m_station->handle({ServerCommand::reloadStorageUsageInfo, {}},
                           [&code](const StationReply &reply) { code = reply.returnCode; });
         QCOMPARE(code, QStringLiteral("0"));
     }

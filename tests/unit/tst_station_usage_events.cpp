@@ -1,3 +1,5 @@
+#include "ServerVocabulary.h"
+#include "StationVocabulary.h"
 #include "UsageStation.h"
 
 #include <QElapsedTimer>
@@ -96,7 +98,7 @@ void StationUsageEventsTest::reloadRefusesData()
 {
     start();
     QString code;
-    m_station->handle({StationCommandName::reloadStorageUsageInfo, u"all"_s},
+    m_station->handle({ServerCommand::reloadStorageUsageInfo, u"all"_s},
                       [&code](const StationReply &reply) { code = reply.returnCode; });
     QCOMPARE(code, StationReturnCode::BadRequest);
 }
@@ -113,7 +115,7 @@ void StationUsageEventsTest::eventsKeepTheirDistance()
     QElapsedTimer clock;
     clock.start();
     connect(m_station.get(), &Station::eventRaised, this, [&](const StationEvent &event) {
-        if (event.name == StationEventName::VolumeChanged)
+        if (event.name == ServerEvent::VolumeChanged)
             times.append(clock.elapsed());
     });
     int files = 0;

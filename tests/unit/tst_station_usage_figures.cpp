@@ -169,10 +169,20 @@ void UsageFiguresTest::figures_data()
     QTest::newRow("one path of a group not read: nothing known of the group")
         << Places{with(place(u"a"_s, u"/v/1"_s, u"/v"_s), three), unread(place(u"a"_s, u"/w/1"_s, u"/w"_s))}
         << QStringList{u"a /v/1 1000 600 -1 -1"_s, u"a /w/1 1000 600 -1 -1"_s};
-    QTest::newRow("NAS: its files are not known, the days elsewhere are")
+    QTest::newRow("NAS never counted: nothing known of the group")
         << Places{nas(u"a"_s, u"//nas/rec/a"_s), with(place(u"a"_s, u"/v/1"_s), three)}
-        << QStringList{u"a //nas/rec/a -1 -1 -1 -1"_s, u"a /v/1 1000 600 -1 3"_s};
-    QTest::newRow("NAS only: neither days nor usage")
+        << QStringList{u"a //nas/rec/a -1 -1 -1 -1"_s, u"a /v/1 1000 600 -1 -1"_s};
+    QTest::newRow("NAS counted: as every other path")
+        << Places{with(onShare(nas(u"a"_s, u"//nas/rec/a"_s)), {{daysAgo(2), {1, 1000}}, {daysAgo(1), {1, 1001}}}),
+                  with(place(u"a"_s, u"/v/1"_s), {{daysAgo(1), {1, 2000}}, {daysAgo(3), {1, 2000}}})}
+        << QStringList{u"a //nas/rec/a 2000 800 666 3"_s, u"a /v/1 1000 600 1334 -1"_s};
+    QTest::newRow("NAS counted, not there: days and usage as they were")
+        << Places{with(gone(nas(u"a"_s, u"//nas/rec/a"_s)), {{daysAgo(2), {1, 1000}}, {daysAgo(1), {1, 1000}}})}
+        << QStringList{u"a //nas/rec/a 0 0 1000 2"_s};
+    QTest::newRow("NAS counted, free space not known yet: days alone")
+        << Places{with(nas(u"a"_s, u"//nas/rec/a"_s), {{daysAgo(2), {1, 1000}}, {daysAgo(1), {1, 1000}}})}
+        << QStringList{u"a //nas/rec/a -1 -1 -1 2"_s};
+    QTest::newRow("NAS only, never counted: neither days nor usage")
         << Places{onShare(nas(u"a"_s, u"//nas/rec/a"_s))} << QStringList{u"a //nas/rec/a 2000 800 -1 -1"_s};
     QTest::newRow("groups on one share") << Places{onShare(nas(u"a"_s, u"//nas/rec/a"_s)),
                                                    reserving(onShare(nas(u"b"_s, u"//nas/rec/b"_s)), 1024),
