@@ -3,6 +3,19 @@
 #include <QDateTime>
 #include <QString>
 
+#include <optional>
+#include <utility>
+
+/// That somebody has seen an alarm, and what he wrote down. The alarm goes on.
+struct Acknowledgement
+{
+    QDateTime time; ///< UTC
+    QString by; ///< who asked, as activity names users
+    QString note; ///< may be empty
+
+    friend bool operator==(const Acknowledgement &, const Acknowledgement &) = default;
+};
+
 /// Something about the station or its storage that an operator has to know. Who notices it tells it as long as it
 /// lasts; StationAlarms gathers what all of them tell.
 struct StationTrouble
@@ -19,4 +32,10 @@ struct StationTrouble
     QString text; ///< what is wrong, one sentence that names the subject
     QString remedy; ///< what to do about it, one sentence; may be empty
     QDateTime since; ///< when it was noticed first, in UTC
+    std::optional<Acknowledgement> acknowledgement = {}; ///< known to StationAlarms alone, not to who notices it
+    QString groupId = {}; ///< of the recording group that it is about; empty: it is about no group alone
+
+    /// What tells it from all others.
+    using Key = std::pair<QString, QString>;
+    Key key() const { return {kind, subject}; }
 };

@@ -1,6 +1,8 @@
 #include "UsageStation.h"
 
+#include "ServerVocabulary.h"
 #include "StationCall.h"
+#include "StationVocabulary.h"
 #include "usage/ClockWatch.h"
 
 #include <QElapsedTimer>
@@ -76,7 +78,7 @@ void StationAlarmsTest::init()
 
 QStringList StationAlarmsTest::told(const QString &key)
 {
-    const StationReply reply = StationCall(*m_station, StationOwnCommandName::listAlarms, {}).reply();
+    const StationReply reply = StationCall(*m_station, StationCommandName::listAlarms, {}).reply();
     QStringList texts;
     const QVariantList list = reply.data.toMap().value(key).toList();
     for (const QVariant &entry : list) {
@@ -120,7 +122,7 @@ void StationAlarmsTest::aStationInOrderHasNone()
     QTRY_COMPARE(lines(), u"Doors 1 3000 1024000 614400"_s);
     QCOMPARE(told(), QStringList());
     QCOMPARE(told(StationKey::pending), QStringList());
-    QCOMPARE(StationCall(*m_station, StationOwnCommandName::listAlarms, 1).reply().returnCode, u"BadRequest"_s);
+    QCOMPARE(StationCall(*m_station, StationCommandName::listAlarms, 1).reply().returnCode, u"BadRequest"_s);
 }
 
 void StationAlarmsTest::aVolumeThatIsGoneIsNamed()
@@ -132,12 +134,12 @@ void StationAlarmsTest::aVolumeThatIsGoneIsNamed()
     QVariantMap event;
     connect(m_station.get(), &Station::eventRaised, this, [&](const StationEvent &raised) {
         order.append(raised.name);
-        if (raised.name == StationOwnEventName::AlarmsChanged)
+        if (raised.name == StationEventName::AlarmsChanged)
             event = raised.data.toMap();
     });
     m_site->unmountDisk();
-    QTRY_VERIFY(order.contains(StationEventName::VolumeChanged));
-    QCOMPARE(order.constFirst(), StationOwnEventName::AlarmsChanged);
+    QTRY_VERIFY(order.contains(ServerEvent::VolumeChanged));
+    QCOMPARE(order.constFirst(), StationEventName::AlarmsChanged);
     const QVariantMap alarm = event.value(StationKey::alarms).toList().value(0).toMap();
     QCOMPARE(alarm.value(StationKey::text).toString(),
              u"The volume Disk (%1) is not there; recording groups on it: Doors."_s.arg(m_site->disk()));
@@ -175,7 +177,7 @@ void StationAlarmsTest::theSecondThingThatBreaksLeavesTheFirstItsTime()
     m_site->unmountDisk();
     QTRY_COMPARE(told().size(), 1);
     const auto since = [this] {
-        const QVariantMap reply = StationCall(*m_station, StationOwnCommandName::listAlarms, {}).reply().data.toMap();
+        const QVariantMap reply = StationCall(*m_station, StationCommandName::listAlarms, {}).reply().data.toMap();
         return reply.value(StationKey::alarms).toList().value(0).toMap().value(StationKey::since).toString();
     };
     const QString first = since();
@@ -183,7 +185,7 @@ void StationAlarmsTest::theSecondThingThatBreaksLeavesTheFirstItsTime()
     QVERIFY(QFile::remove(databaseFile()));
     QTRY_COMPARE(told().size(), 2);
     QVERIFY(told().contains(u"VolumeGone "_s + m_site->disk()));
-    const QVariantMap reply = StationCall(*m_station, StationOwnCommandName::listAlarms, {}).reply().data.toMap();
+    const QVariantMap reply = StationCall(*m_station, StationCommandName::listAlarms, {}).reply().data.toMap();
     const QVariantList alarms = reply.value(StationKey::alarms).toList();
     QVERIFY(std::any_of(alarms.begin(), alarms.end(), [&first](const QVariant &alarm) {
         return alarm.toMap().value(StationKey::kind) == StationAlarmKind::VolumeGone
@@ -195,8 +197,8 @@ void StationAlarmsTest::aReloadOfAMissingDatabaseIsRefused()
 {
     QVERIFY(QFile::remove(databaseFile()));
     start();
-    QCOMPARE(code(StationCommandName::reloadStorageUsageInfo), u"DatabaseMissing"_s);
-    QCOMPARE(code(StationCommandName::getRecordingGroup), u"DatabaseMissing"_s);
+    QCOMPARE(code(ServerCommand::reloadStorageUsageInfo), u"DatabaseMissing"_s);
+    QCOMPARE(code(ServerCommand::getRecordingGroup), u"DatabaseMissing"_s);
     QCOMPARE(told(), QStringList(u"DatabaseMissing "_s + databaseFile()));
     QVERIFY(m_events.isEmpty());
 }
@@ -205,14 +207,13 @@ void StationAlarmsTest::aDamagedDatabaseIsToldAndReadNoMore()
 {
     damage(u"group_path"_s);
     start();
-    QCOMPARE(code(StationCommandName::reloadStorageUsageInfo), u"DatabaseDamaged"_s);
-    QCOMPARE(code(StationCommandName::getRecordingGroup), u"DatabaseDamaged"_s);
+    QCOMPARE(code(ServerCommand::reloadStorageUsageInfo), u"DatabaseDamaged"_s);
+    QCOMPARE(code(ServerCommand::getRecordingGroup), u"DatabaseDamaged"_s);
     QCOMPARE(told(), QStringList(u"DatabaseDamaged "_s + databaseFile()));
     // What is whole is still read, and nothing is written.
-    QCOMPARE(code(StationOwnCommandName::listCameras), u"0"_s);
-    const QVariantMap camera{{StationKey::camName, u"Yard"_s}, {StationKey::streams, 1}};
-    QCOMPARE(StationCall(*m_station, StationOwnCommandName::addCamera, camera).reply().returnCode,
-             u"DatabaseDamaged"_s);
+    QCOMPARE(code(StationCommandName::listCameras), u"0"_s);
+    const QVariantMap camera{{FieldKey::camName, u"Yard"_s}, {StationKey::streams, 1}};
+    QCOMPARE(StationCall(*m_station, StationCommandName::addCamera, camera).reply().returnCode, u"DatabaseDamaged"_s);
 }
 
 void StationAlarmsTest::aDamagedIndexIsToldAndGroupsStayReadable()
@@ -224,10 +225,9 @@ void StationAlarmsTest::aDamagedIndexIsToldAndGroupsStayReadable()
     damage(u"recorded_file"_s);
     start();
     QTRY_COMPARE(told(), QStringList(u"DatabaseDamaged "_s + databaseFile()));
-    QCOMPARE(code(StationCommandName::getRecordingGroup), u"0"_s);
-    const QVariantMap camera{{StationKey::camName, u"Yard"_s}, {StationKey::streams, 1}};
-    QCOMPARE(StationCall(*m_station, StationOwnCommandName::addCamera, camera).reply().returnCode,
-             u"DatabaseDamaged"_s);
+    QCOMPARE(code(ServerCommand::getRecordingGroup), u"0"_s);
+    const QVariantMap camera{{FieldKey::camName, u"Yard"_s}, {StationKey::streams, 1}};
+    QCOMPARE(StationCall(*m_station, StationCommandName::addCamera, camera).reply().returnCode, u"DatabaseDamaged"_s);
     QTRY_COMPARE(lines(), u"Doors 1 3000 1024000 614400"_s); // as they were
 }
 
@@ -237,10 +237,9 @@ void StationAlarmsTest::aReplacedDatabaseIsToldAndRefused()
     QTRY_VERIFY(!m_events.isEmpty());
     const QString kept = databaseFile() + u".kept"_s;
     QVERIFY(QFile::rename(databaseFile(), kept) && QFile::copy(kept, databaseFile()));
-    const QVariantMap camera{{StationKey::camName, u"Yard"_s}, {StationKey::streams, 1}};
-    QCOMPARE(StationCall(*m_station, StationOwnCommandName::addCamera, camera).reply().returnCode,
-             u"DatabaseReplaced"_s);
-    QCOMPARE(code(StationCommandName::reloadStorageUsageInfo), u"DatabaseReplaced"_s);
+    const QVariantMap camera{{FieldKey::camName, u"Yard"_s}, {StationKey::streams, 1}};
+    QCOMPARE(StationCall(*m_station, StationCommandName::addCamera, camera).reply().returnCode, u"DatabaseReplaced"_s);
+    QCOMPARE(code(ServerCommand::reloadStorageUsageInfo), u"DatabaseReplaced"_s);
     QCOMPARE(told(), QStringList(u"DatabaseReplaced "_s + databaseFile()));
 }
 
@@ -263,12 +262,14 @@ void StationAlarmsTest::aLockedDatabaseIsTriedAgain()
 void StationAlarmsTest::readingIsPendingUntilItsEvent()
 {
     RecordedSite::write(day(1), u"0001.rec"_s, 3000);
-    start();
+    start([](UsageSettings &usage) { usage.tellInterval = 300ms; }); // longer than the reading takes
     QTRY_COMPARE(lines(), u"Doors 1 3000 1024000 614400"_s);
     m_events.clear();
     reload();
-    QTRY_COMPARE(told(StationKey::pending), QStringList(u"RecordingsNotCounted recordings"_s));
-    QTRY_COMPARE(m_events.size(), 1);
+    const QStringList counting(u"RecordingsNotCounted recordings"_s);
+    QTRY_COMPARE(told(StationKey::pending), counting);
+    QTRY_VERIFY(told(StationKey::pending) != counting || !m_events.isEmpty());
+    QCOMPARE(m_events.size(), 1);
     QCOMPARE(told(StationKey::pending), QStringList());
 }
 
@@ -284,7 +285,8 @@ void StationAlarmsTest::aDayOfTheFutureIsNotRecorded()
 
 void StationAlarmsTest::aClockThatWasSetBackMakesFiguresUnknown()
 {
-    const QDateTime right(today, QTime(12, 0), Qt::UTC);
+    const QDateTime right =
+        QDateTime::fromString(today.toString(Qt::ISODate) + QStringLiteral("T12:00:00Z"), Qt::ISODate);
     RecordedSite::write(day(1), u"0001.rec"_s, 3000);
     startAt(right);
     QTRY_COMPARE(lines(), u"Doors 1 3000 1024000 614400"_s);
@@ -302,7 +304,8 @@ void StationAlarmsTest::aClockThatWasSetBackMakesFiguresUnknown()
 
 void StationAlarmsTest::aClockFarAheadIsToldByTheSecondStart()
 {
-    const QDateTime right(today, QTime(12, 0), Qt::UTC);
+    const QDateTime right =
+        QDateTime::fromString(today.toString(Qt::ISODate) + QStringLiteral("T12:00:00Z"), Qt::ISODate);
     RecordedSite::write(day(1), u"0001.rec"_s, 3000);
     startAt(right);
     QTRY_COMPARE(lines(), u"Doors 1 3000 1024000 614400"_s);
