@@ -3,8 +3,10 @@
 #include "FolderNames.h"
 #include "GroupStore.h"
 #include "RequestMap.h"
+#include "ServerVocabulary.h"
 #include "StationData.h"
-#include "StationProtocol.h"
+#include "StationVocabulary.h"
+#include "service/Edit.h"
 #include "store/Database.h"
 
 #include <algorithm>
@@ -32,23 +34,26 @@ QString checkName(const QString &name)
 {
     if (name.trimmed().isEmpty())
         return StationReturnCode::EmptyCameraName;
-    return folderName(name).isEmpty() ? StationReturnCode::NameRefused : StationReturnCode::Success;
+    return folderName(name).isEmpty() ? StationReturnCode::NameRefused : ReturnCode::Success;
 }
-QString add(Database &database, const Camera &camera)
+
+/// What is answered; with "0" it is kept and given already.
+QString add(Edit &edit, Database &database, const Camera &camera)
 {
     const QString refusal = checkName(camera.name);
-    if (refusal != StationReturnCode::Success)
+    if (refusal != ReturnCode::Success)
         return refusal;
     Transaction transaction(database);
     GroupStore store(database);
     if (isKnown(store, camera.name))
         return StationReturnCode::CameraExists;
     store.insert(camera);
-    transaction.commit();
-    return StationReturnCode::Success;
+    edit.commit(transaction, lastPart(ReturnCode::Success));
+    return ReturnCode::Success;
 }
 
-QString remove(Database &database, const QString &name)
+/// Likewise.
+QString remove(Edit &edit, Database &database, const QString &name)
 {
     Transaction transaction(database);
     GroupStore store(database);
@@ -57,8 +62,8 @@ QString remove(Database &database, const QString &name)
     if (isMember(store, name))
         return StationReturnCode::CameraInUse;
     store.removeCamera(name);
-    transaction.commit();
-    return StationReturnCode::Success;
+    edit.commit(transaction, lastPart(ReturnCode::Success));
+    return ReturnCode::Success;
 }
 } // namespace
 
@@ -69,13 +74,10 @@ CameraCommands::CameraCommands(StationData &data)
 
 void CameraCommands::enterInto(CommandTable &table)
 {
-    const auto enter = [this, &table](const QString &name, auto member) {
-        table.insert(name,
-                     [this, member](const QVariant &data, const Answer &answer) { (this->*member)(data, answer); });
-    };
-    enter(StationOwnCommandName::listCameras, &CameraCommands::listCameras);
-    enter(StationOwnCommandName::addCamera, &CameraCommands::addCamera);
-    enter(StationOwnCommandName::removeCamera, &CameraCommands::removeCamera);
+    table.insert(StationCommandName::listCameras,
+                 [this](const QVariant &data, const Answer &answer) { listCameras(data, answer); });
+    table.insert(StationCommandName::addCamera, [this](const std::shared_ptr<Edit> &edit) { addCamera(*edit); });
+    table.insert(StationCommandName::removeCamera, [this](const std::shared_ptr<Edit> &edit) { removeCamera(*edit); });
 }
 
 void CameraCommands::listCameras(const QVariant &data, const Answer &answer)
@@ -85,21 +87,23 @@ void CameraCommands::listCameras(const QVariant &data, const Answer &answer)
     QVariantList list;
     const QList<Camera> cameras = GroupStore(m_data.database()).cameras();
     for (const Camera &camera : cameras)
-        list.append(QVariantMap{{StationKey::camName, camera.name}, {StationKey::streams, camera.streams}});
-    answer(lastPart(StationReturnCode::Success, list));
+        list.append(QVariantMap{{FieldKey::camName, camera.name}, {StationKey::streams, camera.streams}});
+    answer(lastPart(ReturnCode::Success, list));
 }
 
-void CameraCommands::addCamera(const QVariant &data, const Answer &answer)
+void CameraCommands::addCamera(Edit &edit)
 {
-    const RequestMap request(data);
-    const Camera camera{request.string(StationKey::camName), request.smallInteger(StationKey::streams)};
+    const RequestMap request(edit.data());
+    const Camera camera{request.string(FieldKey::camName), request.smallInteger(StationKey::streams)};
+    edit.setSubject({{}, {}, camera.name});
     if (camera.streams < 1 || camera.streams > mostStreams)
         throw BadRequest(QStringLiteral("1 to %1 streams were expected").arg(mostStreams));
-    answer(lastPart(add(m_data.database(), camera)));
+    edit.answer(lastPart(add(edit, m_data.database(), camera)));
 }
 
-void CameraCommands::removeCamera(const QVariant &data, const Answer &answer)
+void CameraCommands::removeCamera(Edit &edit)
 {
-    const QString name = RequestMap(data).string(StationKey::camName);
-    answer(lastPart(remove(m_data.database(), name)));
+    const QString name = RequestMap(edit.data()).string(FieldKey::camName);
+    edit.setSubject({{}, {}, name});
+    edit.answer(lastPart(remove(edit, m_data.database(), name)));
 }

@@ -16,8 +16,8 @@ public:
 
 private:
     void listCameras(const QVariant &data, const Answer &answer);
-    void addCamera(const QVariant &data, const Answer &answer);
-    void removeCamera(const QVariant &data, const Answer &answer);
+    void addCamera(Edit &edit);
+    void removeCamera(Edit &edit);
 
     StationData &m_data;
 };

@@ -1,33 +1,19 @@
 #include "GroupCommands.h"
 
-#include "FolderNames.h"
 #include "GroupMaps.h"
 #include "GroupStore.h"
 #include "PathText.h"
+#include "ServerVocabulary.h"
 #include "StationData.h"
-#include "StationProtocol.h"
+#include "StationVocabulary.h"
+#include "service/Edit.h"
 #include "store/Database.h"
 
-#include <QUuid>
-
-#include <algorithm>
 #include <utility>
 
 namespace {
 /// A number of the connection that changes when others commit something.
 const QString dataVersion = QStringLiteral("PRAGMA data_version");
-
-EditError unknownGroup(const QString &id)
-{
-    return {StationKey::recordingGroupID, -1, id, StationReturnCode::RecordingGroupNotFound, {}};
-}
-
-std::optional<RecordingGroup> groupWith(const QString &id, const QList<RecordingGroup> &groups)
-{
-    const auto group =
-        std::find_if(groups.begin(), groups.end(), [&id](const RecordingGroup &other) { return other.id == id; });
-    return group == groups.end() ? std::optional<RecordingGroup>() : *group;
-}
 } // namespace
 
 GroupCommands::GroupCommands(StationData &data, const PathChecks &paths, const QString &relayPath, Hooks hooks)
@@ -44,20 +30,38 @@ void GroupCommands::enterInto(CommandTable &table)
         table.insert(name,
                      [this, member](const QVariant &data, const Answer &answer) { (this->*member)(data, answer); });
     };
-    enter(StationCommandName::getRecordingGroup, &GroupCommands::getRecordingGroup);
-    enter(StationCommandName::retrieveRecordingGroupTreeModel, &GroupCommands::retrieveRecordingGroupTreeModel);
-    enter(StationCommandName::addRecordingGroup, &GroupCommands::addRecordingGroup);
-    enter(StationCommandName::addRecordingGroupWithCompleteInfo, &GroupCommands::addRecordingGroupWithCompleteInfo);
-    enter(StationCommandName::addPathToRecordingGroup, &GroupCommands::addPathToRecordingGroup);
-    enter(StationCommandName::updateRecordingGroup, &GroupCommands::updateRecordingGroup);
-    enter(StationCommandName::removePathFromRecordingGroup, &GroupCommands::removePathFromRecordingGroup);
-    enter(StationCommandName::removeRecordingGroup, &GroupCommands::removeRecordingGroup);
+    enter(ServerCommand::getRecordingGroup, &GroupCommands::getRecordingGroup);
+    enter(ServerCommand::retrieveRecordingGroupTreeModel, &GroupCommands::retrieveRecordingGroupTreeModel);
+    const auto enterEdit = [this, &table](const QString &name, auto member) {
+        table.insert(name, [this, member](const std::shared_ptr<Edit> &edit) { (this->*member)(*edit); });
+    };
+    enterEdit(ServerCommand::addRecordingGroup, &GroupCommands::addRecordingGroup);
+    enterEdit(ServerCommand::addRecordingGroupWithCompleteInfo, &GroupCommands::addRecordingGroupWithCompleteInfo);
+    enterEdit(ServerCommand::addPathToRecordingGroup, &GroupCommands::addPathToRecordingGroup);
+    enterEdit(ServerCommand::updateRecordingGroup, &GroupCommands::updateRecordingGroup);
+    enterEdit(ServerCommand::removePathFromRecordingGroup, &GroupCommands::removePathFromRecordingGroup);
+    enterEdit(ServerCommand::removeRecordingGroup, &GroupCommands::removeRecordingGroup);
 }
 
-QString GroupCommands::Outcome::returnCode() const
+namespace {
+QList<EditRequest> requestsOf(const Edit &edit)
 {
-    return errors.isEmpty() ? StationReturnCode::Success : errors.front().returnCode;
+    return *editRequests(edit.command().name, edit.data());
 }
+
+/// The subject is set first, so that a refusal of the other data is kept under it.
+EditRequest requestForNewGroup(Edit &edit)
+{
+    edit.setSubject({{}, RequestMap(edit.data()).string(FieldKey::recordingGroupName), {}});
+    return requestsOf(edit).constFirst();
+}
+
+EditRequest requestForGroup(Edit &edit)
+{
+    edit.setSubject({RequestMap(edit.data()).string(FieldKey::recordingGroupID), {}, {}});
+    return requestsOf(edit).constFirst();
+}
+} // namespace
 
 void GroupCommands::getRecordingGroup(const QVariant &data, const Answer &answer)
 {
@@ -67,164 +71,113 @@ void GroupCommands::getRecordingGroup(const QVariant &data, const Answer &answer
     const QList<RecordingGroup> groups = GroupStore(m_data.database()).groups();
     for (const RecordingGroup &group : groups)
         list.append(groupMap(group));
-    answer(lastPart(StationReturnCode::Success, list));
+    answer(lastPart(ReturnCode::Success, list));
 }
 
 void GroupCommands::retrieveRecordingGroupTreeModel(const QVariant &data, const Answer &answer)
 {
-    const QString relayPath = RequestMap(data).string(StationKey::relayPath);
+    const QString relayPath = RequestMap(data).string(FieldKey::relayPath);
     if (!relayPath.isEmpty() && relayPath != m_relayPath)
         return answer(lastPart(StationReturnCode::UnknownStation));
     QVariantList list;
     const QList<RecordingGroup> groups = GroupStore(m_data.database()).groups();
     for (const RecordingGroup &group : groups)
         list.append(treeMap(group, m_relayPath));
-    answer(lastPart(StationReturnCode::Success, list));
+    answer(lastPart(ReturnCode::Success, list));
 }
 
-void GroupCommands::addRecordingGroup(const QVariant &data, const Answer &answer)
+void GroupCommands::addRecordingGroup(Edit &edit)
 {
-    const RequestMap request(data);
-    GroupSettings settings;
-    settings.name = request.string(StationKey::recordingGroupName);
-    const NewPath path = newPath(request);
-    const Outcome outcome = add([&settings, &path](GroupEdit &edit) {
-        edit.change(settings);
-        edit.addPaths(StationKey::path, {path});
+    carryOut(edit, requestForNewGroup(edit), [](const EditOutcome &outcome) {
+        const QVariantMap added{{FieldKey::recordingGroupID, outcome.after.id}};
+        return lastPart(outcome.returnCode(), outcome.errors.isEmpty() ? added : QVariant());
     });
-    const QVariantMap added{{StationKey::recordingGroupID, outcome.after.id}};
-    answerEdit(outcome, answer, lastPart(outcome.returnCode(), outcome.errors.isEmpty() ? added : QVariant()));
 }
 
-void GroupCommands::addRecordingGroupWithCompleteInfo(const QVariant &data, const Answer &answer)
+void GroupCommands::addRecordingGroupWithCompleteInfo(Edit &edit)
 {
-    const RequestMap request(data);
-    GroupSettings settings;
-    settings.name = request.string(StationKey::recordingGroupName);
-    settings.isReservedTimeEnabled = request.boolean(StationKey::recordingGroupReservedTimeEnabled);
-    settings.reservedMinutes = request.smallInteger(StationKey::recordingGroupReservedTime);
-    const QList<NewPath> paths = newPaths(request, StationKey::pathInfoList);
-    const QList<GroupMember> members = newMembers(request, StationKey::deviceInfos);
-    const Outcome outcome = add([&settings, &paths, &members](GroupEdit &edit) {
-        edit.change(settings);
-        edit.addPaths(StationKey::pathInfoList, paths);
-        edit.addMembers(StationKey::deviceInfos, members);
+    carryOut(edit, requestForNewGroup(edit), [](const EditOutcome &outcome) {
+        const QVariantMap added{{FieldKey::recordingGroupID, outcome.after.id}};
+        const QVariantMap refused{{FieldKey::errorAction, errorList(outcome.errors)}};
+        return lastPart(outcome.returnCode(), outcome.errors.isEmpty() ? added : refused);
     });
-    const QVariantMap added{{StationKey::recordingGroupID, outcome.after.id}};
-    const QVariantMap refused{{StationKey::errorAction, errorList(outcome.errors)}};
-    answerEdit(outcome, answer, lastPart(outcome.returnCode(), outcome.errors.isEmpty() ? added : refused));
 }
 
-void GroupCommands::addPathToRecordingGroup(const QVariant &data, const Answer &answer)
+void GroupCommands::addPathToRecordingGroup(Edit &edit)
 {
-    const RequestMap request(data);
-    const QString id = request.string(StationKey::recordingGroupID);
-    const NewPath path = newPath(request);
-    const Outcome outcome = change(id, [&path](GroupEdit &edit) { edit.addPaths(StationKey::path, {path}); });
-    answerEdit(outcome, answer, lastPart(outcome.returnCode()));
+    carryOut(edit, requestForGroup(edit), [](const EditOutcome &outcome) { return lastPart(outcome.returnCode()); });
 }
 
-void GroupCommands::updateRecordingGroup(const QVariant &data, const Answer &answer)
+void GroupCommands::updateRecordingGroup(Edit &edit)
 {
-    const RequestMap request(data);
-    const QString id = request.string(StationKey::recordingGroupID);
-    const QList<MemberRemoval> lostMembers = memberRemovals(request, StationKey::updateRmCameraList);
-    const QList<GroupMember> members = newMembers(request, StationKey::updateAddCameraList);
-    const QStringList lostPaths =
-        request.contains(StationKey::updateRmPathList) ? request.strings(StationKey::updateRmPathList) : QStringList();
-    const QList<NewPath> paths = newPaths(request, StationKey::updateAddPathList);
-    const QList<PathChange> changes = pathChanges(request, StationKey::updateSetPathList);
-    const GroupSettings settings = request.contains(StationKey::updateSetRecordingGroup)
-        ? groupSettings(request.map(StationKey::updateSetRecordingGroup))
-        : GroupSettings();
-    const Outcome outcome = change(id, [&](GroupEdit &edit) {
-        edit.removeMembers(StationKey::updateRmCameraList, lostMembers);
-        edit.addMembers(StationKey::updateAddCameraList, members);
-        edit.removePaths(StationKey::updateRmPathList, lostPaths);
-        edit.addPaths(StationKey::updateAddPathList, paths);
-        edit.changePaths(StationKey::updateSetPathList, changes);
-        edit.change(settings);
-    });
-    answerEdit(outcome, answer, lastPart(outcome.returnCode(), errorList(outcome.errors)));
+    carryOut(edit, requestForGroup(edit),
+             [](const EditOutcome &outcome) { return lastPart(outcome.returnCode(), errorList(outcome.errors)); });
 }
 
-void GroupCommands::removePathFromRecordingGroup(const QVariant &data, const Answer &answer)
+void GroupCommands::removePathFromRecordingGroup(Edit &edit)
 {
-    const RequestMap request(data);
-    const QStringList ids = request.strings(StationKey::recordingGroupIDList);
-    const QStringList paths = request.strings(StationKey::recordingGroupPathList);
-    if (ids.isEmpty() || ids.size() != paths.size())
-        throw BadRequest(QStringLiteral("a path for each of one or more recording groups was expected"));
-    for (qsizetype place = 0; place < ids.size(); ++place) {
-        const QString &path = paths.at(place);
-        const Outcome outcome = change(
-            ids.at(place), [&path](GroupEdit &edit) { edit.removePaths(StationKey::recordingGroupPathList, {path}); });
-        QVariantMap part{{StationKey::recordingGroupID, ids.at(place)}, {StationKey::path, path}};
-        if (outcome.errors.isEmpty()) {
-            QList<GroupPath> removed = outcome.before.paths;
-            removed.removeIf([kept = keptPath(path)](const GroupPath &other) { return other.path != kept; });
-            part.insert(StationKey::keptBytes, keptBytes(outcome.before, removed));
-        }
-        answerEdit(outcome, answer, {outcome.returnCode(), part, place == ids.size() - 1});
+    const QList<EditRequest> requests = requestsOf(edit);
+    for (qsizetype place = edit.partsGiven(); place < requests.size(); ++place) {
+        const EditRequest &request = requests.at(place);
+        carryOut(edit, request, [&](const EditOutcome &outcome) {
+            QVariantMap part{{FieldKey::recordingGroupID, request.id}, {FieldKey::path, request.path}};
+            if (outcome.errors.isEmpty()) {
+                QList<GroupPath> removed = outcome.before.paths;
+                removed.removeIf(
+                    [kept = keptPath(request.path)](const GroupPath &other) { return other.path != kept; });
+                part.insert(StationKey::keptBytes, keptBytes(outcome.before, removed));
+            }
+            return StationReply{outcome.returnCode(), part, place == requests.size() - 1};
+        });
     }
 }
 
-void GroupCommands::removeRecordingGroup(const QVariant &data, const Answer &answer)
+void GroupCommands::removeRecordingGroup(Edit &edit)
 {
-    const QStringList ids = RequestMap(data).strings(StationKey::recordingGroupIDList);
-    if (ids.isEmpty())
-        throw BadRequest(QStringLiteral("one or more recording groups were expected"));
-    for (qsizetype place = 0; place < ids.size(); ++place) {
-        const Outcome outcome = remove(ids.at(place));
-        QVariantMap part{{StationKey::recordingGroupID, ids.at(place)}};
-        if (outcome.errors.isEmpty())
-            part.insert(StationKey::keptBytes, keptBytes(outcome.before, outcome.before.paths));
-        answerEdit(outcome, answer, {outcome.returnCode(), part, place == ids.size() - 1});
+    const QList<EditRequest> requests = requestsOf(edit);
+    for (qsizetype place = edit.partsGiven(); place < requests.size(); ++place) {
+        const EditRequest &request = requests.at(place);
+        carryOut(edit, request, [&](const EditOutcome &outcome) {
+            QVariantMap part{{FieldKey::recordingGroupID, request.id}};
+            if (outcome.errors.isEmpty())
+                part.insert(StationKey::keptBytes, keptBytes(outcome.before, outcome.before.paths));
+            return StationReply{outcome.returnCode(), part, place == requests.size() - 1};
+        });
     }
-}
-
-GroupCommands::Outcome GroupCommands::add(const Steps &steps)
-{
-    RecordingGroup group;
-    group.id = QUuid::createUuid().toString();
-    return edit([&group](const GroupSite &) { return std::optional(group); }, steps,
-                [](GroupStore &store, const GroupSite &site, Outcome &outcome) {
-                    outcome.after.folder = newGroupFolder(outcome.after.name, site.groups);
-                    store.insert(outcome.after);
-                });
-}
-
-GroupCommands::Outcome GroupCommands::change(const QString &id, const Steps &steps)
-{
-    const Outcome outcome =
-        edit([&id](const GroupSite &site) { return groupWith(id, site.groups); }, steps,
-             [](GroupStore &store, const GroupSite &, Outcome &done) { store.replace(done.after); });
-    return outcome.isFound ? outcome : Outcome{{}, {}, {unknownGroup(id)}};
 }
 
 /// An edit may wait for disks and NAS servers, and nobody else shall wait for the database meanwhile: it is judged
 /// first, and again where somebody else has changed what it was judged against before it could be written.
-GroupCommands::Outcome GroupCommands::edit(const Find &find, const Steps &steps, const Write &write)
+void GroupCommands::carryOut(Edit &edit, const EditRequest &request, const Reply &reply)
 {
     constexpr int mostAttempts = 20;
+    const bool isNew = request.kind == EditRequest::Kind::Add;
+    const ActivitySubject asked{request.id, isNew ? edit.subject().groupName : QString(), request.path};
+    edit.setSubject(asked); // no longer that of the part before
     for (int attempt = 0; attempt < mostAttempts; ++attempt) {
         const Judged before = judged();
-        const std::optional<RecordingGroup> group = find(before.site);
-        if (!group)
-            return {{}, {}, {}, false};
-        GroupEdit edit(*group, before.site);
-        steps(edit);
-        Outcome outcome{*group, edit.group(), edit.finish()};
+        const EditOutcome outcome = judge(request, before.site);
+        const StationReply part = reply(outcome);
+        edit.setSubject({asked.groupId, isNew ? asked.groupName : outcome.before.name, asked.object});
         if (!outcome.errors.isEmpty())
-            return outcome;
+            return edit.answer(part);
         Database &database = m_data.database();
         Transaction transaction(database);
         if (!isAsJudged(before))
             continue;
         GroupStore store(database);
-        write(store, before.site, outcome);
-        transaction.commit();
-        return outcome;
+        if (isNew)
+            store.insert(outcome.after);
+        else if (request.kind == EditRequest::Kind::Change)
+            store.replace(outcome.after);
+        else
+            store.remove(request.id);
+        if (request.kind != EditRequest::Kind::Remove)
+            edit.setSubject({outcome.after.id, outcome.after.name, asked.object});
+        edit.commit(transaction, part);
+        if (m_hooks.groupsChanged)
+            m_hooks.groupsChanged();
+        return;
     }
     throw DatabaseError(DatabaseTrouble::Busy, QStringLiteral("others change the recording groups all the time"));
 }
@@ -246,19 +199,6 @@ bool GroupCommands::isAsJudged(const Judged &before) const
     return store.groups() == before.site.groups && store.cameras() == before.site.cameras;
 }
 
-GroupCommands::Outcome GroupCommands::remove(const QString &id)
-{
-    Database &database = m_data.database();
-    Transaction transaction(database);
-    GroupStore store(database);
-    const std::optional<RecordingGroup> group = store.group(id);
-    if (!group)
-        return {{}, {}, {unknownGroup(id)}};
-    store.remove(id);
-    transaction.commit();
-    return {*group, {}, {}};
-}
-
 qint64 GroupCommands::keptBytes(const RecordingGroup &group, const QList<GroupPath> &paths) const
 {
     qint64 bytes = 0;
@@ -268,11 +208,4 @@ qint64 GroupCommands::keptBytes(const RecordingGroup &group, const QList<GroupPa
         bytes += counted ? *counted : m_paths.bytesBelow(path.kind, path.path + u'/' + group.folder);
     }
     return bytes;
-}
-
-void GroupCommands::answerEdit(const Outcome &outcome, const Answer &answer, const StationReply &part)
-{
-    answer(part);
-    if (outcome.errors.isEmpty() && m_hooks.groupsChanged)
-        m_hooks.groupsChanged();
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "CommandTable.h"
-#include "GroupEdit.h"
+#include "EditRequest.h"
 
 class GroupStore;
 class StationData;
@@ -29,19 +29,6 @@ public:
     void enterInto(CommandTable &table);
 
 private:
-    /// What came of an edit: the group as it is now, or why it stays as it was.
-    struct Outcome
-    {
-        RecordingGroup before; ///< worthless for a new group
-        RecordingGroup after;
-        QList<EditError> errors;
-        bool isFound = true; ///< there is such a group
-
-        QString returnCode() const;
-    };
-    using Steps = std::function<void(GroupEdit &)>;
-    using Find = std::function<std::optional<RecordingGroup>(const GroupSite &)>;
-    using Write = std::function<void(GroupStore &, const GroupSite &, Outcome &)>;
     /// What an edit is judged against, as of one moment.
     struct Judged
     {
@@ -51,21 +38,18 @@ private:
 
     void getRecordingGroup(const QVariant &data, const Answer &answer);
     void retrieveRecordingGroupTreeModel(const QVariant &data, const Answer &answer);
-    void addRecordingGroup(const QVariant &data, const Answer &answer);
-    void addRecordingGroupWithCompleteInfo(const QVariant &data, const Answer &answer);
-    void addPathToRecordingGroup(const QVariant &data, const Answer &answer);
-    void updateRecordingGroup(const QVariant &data, const Answer &answer);
-    void removePathFromRecordingGroup(const QVariant &data, const Answer &answer);
-    void removeRecordingGroup(const QVariant &data, const Answer &answer);
+    void addRecordingGroup(Edit &edit);
+    void addRecordingGroupWithCompleteInfo(Edit &edit);
+    void addPathToRecordingGroup(Edit &edit);
+    void updateRecordingGroup(Edit &edit);
+    void removePathFromRecordingGroup(Edit &edit);
+    void removeRecordingGroup(Edit &edit);
 
-    Outcome add(const Steps &steps);
-    Outcome change(const QString &id, const Steps &steps);
-    Outcome remove(const QString &id);
-    Outcome edit(const Find &find, const Steps &steps, const Write &write);
+    using Reply = std::function<StationReply(const EditOutcome &)>;
+    void carryOut(Edit &edit, const EditRequest &request, const Reply &reply);
     Judged judged() const;
     bool isAsJudged(const Judged &before) const;
     qint64 keptBytes(const RecordingGroup &group, const QList<GroupPath> &paths) const;
-    void answerEdit(const Outcome &outcome, const Answer &answer, const StationReply &part);
 
     StationData &m_data;
     PathChecks m_paths;

@@ -2,7 +2,8 @@
 
 #include "FolderNames.h"
 #include "PathText.h"
-#include "StationProtocol.h"
+#include "ServerVocabulary.h"
+#include "StationVocabulary.h"
 
 #include <algorithm>
 #include <utility>
@@ -23,7 +24,7 @@ QString checkStream(const QList<Camera> &cameras, const GroupMember &member)
                                      [&member](const Camera &known) { return known.name == member.camera; });
     if (camera == cameras.end())
         return StationReturnCode::CameraNotFound;
-    return member.stream >= 0 && member.stream < camera->streams ? StationReturnCode::Success
+    return member.stream >= 0 && member.stream < camera->streams ? ReturnCode::Success
                                                                  : StationReturnCode::StreamNotFound;
 }
 } // namespace
@@ -37,10 +38,10 @@ GroupEdit::GroupEdit(RecordingGroup group, const GroupSite &site)
 
 void GroupEdit::change(const GroupSettings &settings)
 {
-    beginStep(StationKey::recordingGroupName);
+    beginStep(FieldKey::recordingGroupName);
     if (settings.name) {
         const QString &name = *settings.name;
-        const Place place{StationKey::recordingGroupName, -1, name};
+        const Place place{FieldKey::recordingGroupName, -1, name};
         const bool isInUse =
             std::any_of(m_site.groups.begin(), m_site.groups.end(), [this, &name](const RecordingGroup &other) {
                 return other.id != m_group.id && other.name == name;
@@ -53,12 +54,12 @@ void GroupEdit::change(const GroupSettings &settings)
             refuse(place, StationReturnCode::RecordingGroupNameInUse);
         m_group.name = name;
     }
-    beginStep(StationKey::recordingGroupReservedTime);
+    beginStep(FieldKey::recordingGroupReservedTime);
     if (settings.isReservedTimeEnabled || settings.reservedMinutes) {
         m_group.isReservedTimeEnabled = settings.isReservedTimeEnabled.value_or(m_group.isReservedTimeEnabled);
         m_group.reservedMinutes = settings.reservedMinutes.value_or(m_group.reservedMinutes);
         if (m_group.isReservedTimeEnabled && m_group.reservedMinutes < 1) {
-            refuse({StationKey::recordingGroupReservedTime, -1, QString::number(m_group.reservedMinutes)},
+            refuse({FieldKey::recordingGroupReservedTime, -1, QString::number(m_group.reservedMinutes)},
                    StationReturnCode::ReservedTimeRefused);
         }
     }
@@ -96,7 +97,7 @@ void GroupEdit::addMembers(const QString &element, const QList<GroupMember> &mem
             continue;
         }
         const QString returnCode = checkStream(m_site.cameras, added);
-        if (returnCode != StationReturnCode::Success)
+        if (returnCode != ReturnCode::Success)
             refuse(place, returnCode);
         m_group.members.append(added);
     }
@@ -200,14 +201,14 @@ bool GroupEdit::lookAt(const Place &place, const QString &path, int kind)
         return false;
     }
     PathFacts facts{checkPathText(path, static_cast<PathKind>(kind)), {}, {}, 0, {}};
-    if (facts.returnCode == StationReturnCode::Success)
+    if (facts.returnCode == ReturnCode::Success)
         facts = m_site.paths.look(static_cast<PathKind>(kind), path);
-    if (facts.returnCode == StationReturnCode::Success
+    if (facts.returnCode == ReturnCode::Success
         && hasFolder(facts.folder, m_site.paths.sharedSpace(static_cast<PathKind>(kind), path), path))
         facts = {StationReturnCode::PathInGroup, {}, {}, 0, {}};
-    if (facts.returnCode != StationReturnCode::Success)
+    if (facts.returnCode != ReturnCode::Success)
         refuse(place, facts);
-    return facts.returnCode == StationReturnCode::Success;
+    return facts.returnCode == ReturnCode::Success;
 }
 
 /// Whether another path than @p exceptPath leads to @p folder, which shares @p space.
@@ -247,7 +248,7 @@ void GroupEdit::checkVolumes()
         if (!path)
             continue; // a later step removed it
         const PathFacts &facts = m_reserves.volumeOf(*path);
-        if (facts.returnCode != StationReturnCode::Success)
+        if (facts.returnCode != ReturnCode::Success)
             refuse(claim.place, facts);
         else if (sums.value(facts.volume) > facts.bytesTotal / bytesPerMegabyte)
             refuse(claim.place, StationReturnCode::ReservedSpaceExceedsVolume);

@@ -1,6 +1,7 @@
 #include "GroupMaps.h"
 
-#include "StationProtocol.h"
+#include "ServerVocabulary.h"
+#include "StationVocabulary.h"
 
 #include <functional>
 
@@ -30,30 +31,30 @@ std::optional<Value> optional(const RequestMap &map, const QString &key,
 
 PathChange pathChange(const RequestMap &map)
 {
-    return {map.string(StationKey::path), optional(map, StationKey::pathType, &RequestMap::smallInteger),
-            optional(map, StationKey::reserveSpace, &RequestMap::integer),
-            optional(map, StationKey::isRecoveryMode, &RequestMap::boolean)};
+    return {map.string(FieldKey::path), optional(map, FieldKey::pathType, &RequestMap::smallInteger),
+            optional(map, FieldKey::reserveSpace, &RequestMap::integer),
+            optional(map, FieldKey::isRecoveryMode, &RequestMap::boolean)};
 }
 
 GroupMember newMember(const RequestMap &map)
 {
-    return {map.string(StationKey::camName), map.smallInteger(StationKey::streamIndex),
-            optional(map, StationKey::enableTimeShift, &RequestMap::boolean).value_or(false),
-            optional(map, StationKey::enableSeamless, &RequestMap::boolean).value_or(false)};
+    return {map.string(FieldKey::camName), map.smallInteger(FieldKey::streamIndex),
+            optional(map, FieldKey::enableTimeShift, &RequestMap::boolean).value_or(false),
+            optional(map, FieldKey::enableSeamless, &RequestMap::boolean).value_or(false)};
 }
 
 MemberRemoval memberRemoval(const RequestMap &map)
 {
-    return {map.string(StationKey::camName), optional(map, StationKey::streamIndex, &RequestMap::smallInteger)};
+    return {map.string(FieldKey::camName), optional(map, FieldKey::streamIndex, &RequestMap::smallInteger)};
 }
 
 QVariantMap memberMap(const GroupMember &member)
 {
     return {
-        {StationKey::camName, member.camera},
-        {StationKey::streamIndex, member.stream},
-        {StationKey::enableTimeShift, member.timeShift},
-        {StationKey::enableSeamless, member.seamless},
+        {FieldKey::camName, member.camera},
+        {FieldKey::streamIndex, member.stream},
+        {FieldKey::enableTimeShift, member.timeShift},
+        {FieldKey::enableSeamless, member.seamless},
     };
 }
 
@@ -70,8 +71,8 @@ QStringList pathsWhere(const RecordingGroup &group, const std::function<bool(con
 
 NewPath newPath(const RequestMap &map)
 {
-    return {map.string(StationKey::path), map.smallInteger(StationKey::pathType), map.integer(StationKey::reserveSpace),
-            optional(map, StationKey::isRecoveryMode, &RequestMap::boolean).value_or(false)};
+    return {map.string(FieldKey::path), map.smallInteger(FieldKey::pathType), map.integer(FieldKey::reserveSpace),
+            optional(map, FieldKey::isRecoveryMode, &RequestMap::boolean).value_or(false)};
 }
 
 QList<NewPath> newPaths(const RequestMap &map, const QString &key)
@@ -96,21 +97,21 @@ QList<MemberRemoval> memberRemovals(const RequestMap &map, const QString &key)
 
 GroupSettings groupSettings(const RequestMap &map)
 {
-    return {optional(map, StationKey::recordingGroupName, &RequestMap::string),
-            optional(map, StationKey::recordingGroupReservedTimeEnabled, &RequestMap::boolean),
-            optional(map, StationKey::recordingGroupReservedTime, &RequestMap::smallInteger),
-            optional(map, StationKey::recordingGroupNodeIdList, &RequestMap::strings)};
+    return {optional(map, FieldKey::recordingGroupName, &RequestMap::string),
+            optional(map, FieldKey::recordingGroupReservedTimeEnabled, &RequestMap::boolean),
+            optional(map, FieldKey::recordingGroupReservedTime, &RequestMap::smallInteger),
+            optional(map, FieldKey::recordingGroupNodeIdList, &RequestMap::strings)};
 }
 
 QVariantMap groupMap(const RecordingGroup &group)
 {
     return {
-        {StationKey::recordingGroupID, group.id},
-        {StationKey::recordingGroupName, group.name},
-        {StationKey::recordingGroupPathList, pathsWhere(group, [](const GroupPath &) { return true; })},
-        {StationKey::recordingGroupNASPathList,
+        {FieldKey::recordingGroupID, group.id},
+        {FieldKey::recordingGroupName, group.name},
+        {FieldKey::recordingGroupPathList, pathsWhere(group, [](const GroupPath &) { return true; })},
+        {FieldKey::recordingGroupNASPathList,
          pathsWhere(group, [](const GroupPath &path) { return path.kind != PathKind::Local; })},
-        {StationKey::recordingGroupNodeIdList, group.nodeIds},
+        {FieldKey::recordingGroupNodeIdList, group.nodeIds},
     };
 }
 
@@ -124,12 +125,12 @@ QVariantMap treeMap(const RecordingGroup &group, const QString &relayPath)
         members.append(memberMap(member));
 
     QVariantMap map = groupMap(group);
-    map.insert(StationKey::relayPath, relayPath);
-    map.insert(StationKey::reserveSpace, reserves);
-    map.insert(StationKey::recordingGroupRecoveryPathList,
+    map.insert(FieldKey::relayPath, relayPath);
+    map.insert(FieldKey::reserveSpace, reserves);
+    map.insert(FieldKey::recordingGroupRecoveryPathList,
                pathsWhere(group, [](const GroupPath &path) { return path.isRecovery; }));
-    map.insert(StationKey::recordingGroupReservedTime, group.isReservedTimeEnabled ? group.reservedMinutes : 0);
-    map.insert(StationKey::recordingGroupMemberList, members);
+    map.insert(FieldKey::recordingGroupReservedTime, group.isReservedTimeEnabled ? group.reservedMinutes : 0);
+    map.insert(FieldKey::recordingGroupMemberList, members);
     return map;
 }
 

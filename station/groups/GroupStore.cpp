@@ -22,27 +22,22 @@ QVariant numberOf(Database &database, const QString &id)
     return database.value(QStringLiteral("SELECT number FROM recording_group WHERE id = ?"), {id});
 }
 
-/// An empty text is bound as such: a null QString would be NULL.
-QVariant text(const QString &value)
-{
-    return value.isNull() ? QStringLiteral("") : value;
-}
-
 void insertLists(Database &database, qint64 number, const RecordingGroup &group)
 {
     Statement insertPath = database.prepared(QStringLiteral(
         "INSERT INTO group_path (group_number, path, kind, reserved_megabytes, recovery) VALUES (?, ?, ?, ?, ?)"));
     for (const GroupPath &path : group.paths) {
-        insertPath.run({number, text(path.path), static_cast<int>(path.kind), path.reservedMegabytes, path.isRecovery});
+        insertPath.run(
+            {number, boundText(path.path), static_cast<int>(path.kind), path.reservedMegabytes, path.isRecovery});
     }
     Statement insertMember = database.prepared(QStringLiteral(
         "INSERT INTO group_member (group_number, camera, stream, time_shift, seamless) VALUES (?, ?, ?, ?, ?)"));
     for (const GroupMember &member : group.members)
-        insertMember.run({number, text(member.camera), member.stream, member.timeShift, member.seamless});
+        insertMember.run({number, boundText(member.camera), member.stream, member.timeShift, member.seamless});
     Statement insertNode =
         database.prepared(QStringLiteral("INSERT INTO group_node (group_number, node) VALUES (?, ?)"));
     for (const QString &node : group.nodeIds)
-        insertNode.run({number, text(node)});
+        insertNode.run({number, boundText(node)});
 }
 
 /// The groups by their numbers in the tables, and what their lists have of groups that are not there.
@@ -130,7 +125,8 @@ void GroupStore::insert(const RecordingGroup &group)
     const Effect inserted = m_database.run(
         QStringLiteral("INSERT INTO recording_group (id, name, folder, reserved_minutes, reserved_time_enabled) "
                        "VALUES (?, ?, ?, ?, ?)"),
-        {text(group.id), text(group.name), text(group.folder), group.reservedMinutes, group.isReservedTimeEnabled});
+        {boundText(group.id), boundText(group.name), boundText(group.folder), group.reservedMinutes,
+         group.isReservedTimeEnabled});
     insertLists(m_database, inserted.lastNumber, group);
 }
 
@@ -141,9 +137,10 @@ void GroupStore::replace(const RecordingGroup &group)
         throw DatabaseError(DatabaseTrouble::Failed,
                             QStringLiteral("There is no recording group %1 to replace").arg(group.id));
     }
-    m_database.run(QStringLiteral("UPDATE recording_group SET name = ?, folder = ?, reserved_minutes = ?, "
-                                  "reserved_time_enabled = ? WHERE number = ?"),
-                   {text(group.name), text(group.folder), group.reservedMinutes, group.isReservedTimeEnabled, number});
+    m_database.run(
+        QStringLiteral("UPDATE recording_group SET name = ?, folder = ?, reserved_minutes = ?, "
+                       "reserved_time_enabled = ? WHERE number = ?"),
+        {boundText(group.name), boundText(group.folder), group.reservedMinutes, group.isReservedTimeEnabled, number});
     for (const char *table : {"group_path", "group_member", "group_node"}) {
         m_database.run(QStringLiteral("DELETE FROM %1 WHERE group_number = ?").arg(QLatin1String(table)), {number});
     }
@@ -169,7 +166,7 @@ QList<Camera> GroupStore::cameras() const
 void GroupStore::insert(const Camera &camera)
 {
     m_database.run(QStringLiteral("INSERT INTO camera (name, streams) VALUES (?, ?)"),
-                   {text(camera.name), camera.streams});
+                   {boundText(camera.name), camera.streams});
 }
 
 void GroupStore::removeCamera(const QString &name)

@@ -1,7 +1,8 @@
 #include "LocalPaths.h"
 
 #include "Directories.h"
-#include "StationProtocol.h"
+#include "ServerVocabulary.h"
+#include "StationVocabulary.h"
 #include "VolumeSource.h"
 #include "WriteTrial.h"
 #include "disk/DiskPath.h"
@@ -103,13 +104,14 @@ LocalPaths::Place LocalPaths::placeOf(const QString &path) const
         return {notWritable(ETIMEDOUT)};
     if (!volume)
         return {refused(StationReturnCode::OutsideVolumes)};
-    return {{StationReturnCode::Success, {}, volume->path, volume->bytesTotal, folder}, volume->isReadOnly};
+    return {{ReturnCode::Success, {}, volume->path, volume->bytesTotal, folder, volume->name, volume->bytesAvailable},
+            volume->isReadOnly};
 }
 
 PathFacts LocalPaths::look(const QString &path) const
 {
     const Place place = placeOf(path);
-    if (place.facts.returnCode != StationReturnCode::Success)
+    if (place.facts.returnCode != ReturnCode::Success)
         return place.facts;
     if (place.isReadOnly)
         return notWritable(EROFS);

@@ -1,6 +1,6 @@
 #include "PathCheck.h"
 
-#include "StationProtocol.h"
+#include "StationVocabulary.h"
 
 QString PathCheck::sharedSpace(const QString &) const
 {

@@ -10,6 +10,8 @@ struct PathFacts
     QString volume; ///< the same for all paths that share their space
     qint64 bytesTotal = 0; ///< what that volume holds
     QString folder; ///< the same for all paths that lead to the same folder, by a link for instance; may be empty
+    QString volumeName = {}; ///< what an operator knows the volume by
+    qint64 bytesAvailable = 0; ///< what may still be written to that volume
 };
 
 /// Looks at places on storage of one kind. Asked on the station's thread; may block there, for a bounded time.

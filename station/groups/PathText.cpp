@@ -1,6 +1,7 @@
 #include "PathText.h"
 
-#include "StationProtocol.h"
+#include "ServerVocabulary.h"
+#include "StationVocabulary.h"
 
 namespace {
 bool beginsOnTheNetwork(const QString &path)
@@ -27,9 +28,8 @@ QString checkPathText(const QString &path, PathKind kind)
     if (names.contains(QStringLiteral(".")) || names.contains(QStringLiteral("..")))
         return StationReturnCode::NameRefused;
     if (kind != PathKind::Local)
-        return beginsOnTheNetwork(path) && names.size() > 1 ? StationReturnCode::Success
-                                                            : StationReturnCode::PathTypeRefused;
+        return beginsOnTheNetwork(path) && names.size() > 1 ? ReturnCode::Success : StationReturnCode::PathTypeRefused;
     if (beginsOnTheNetwork(path))
         return StationReturnCode::PathTypeRefused;
-    return path.startsWith(u'/') ? StationReturnCode::Success : StationReturnCode::PathNotAbsolute;
+    return path.startsWith(u'/') ? ReturnCode::Success : StationReturnCode::PathNotAbsolute;
 }

@@ -1,7 +1,7 @@
 #include "VolumeReserves.h"
 
 #include "SaturatedSum.h"
-#include "StationProtocol.h"
+#include "ServerVocabulary.h"
 
 VolumeReserves::VolumeReserves(const PathChecks &paths)
     : m_paths(paths)
@@ -25,7 +25,7 @@ QHash<QString, qint64> VolumeReserves::sums(const QList<RecordingGroup> &groups,
             if (!spaces.contains(m_paths.sharedSpace(path.kind, path.path)))
                 continue;
             const PathFacts &facts = volumeOf(path);
-            if (facts.returnCode == StationReturnCode::Success)
+            if (facts.returnCode == ReturnCode::Success)
                 sums[facts.volume] = saturatedSum(sums.value(facts.volume), path.reservedMegabytes);
         }
     }

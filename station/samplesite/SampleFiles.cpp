@@ -1,12 +1,15 @@
 #include "SampleFiles.h"
 
 #include "Directories.h"
-#include "StationProtocol.h"
+#include "StationVocabulary.h"
 #include "files/PrivateFolder.h"
 #include "groups/FolderNames.h"
 
+#include <QDateTime>
+#include <QDir>
 #include <QFileInfo>
 #include <QThread>
+#include <QUuid>
 
 #include <cerrno>
 #include <system_error>
@@ -43,9 +46,10 @@ QString SampleFiles::pathIn(const QString &folder)
 
 QString SampleFiles::write(const QList<SampleGroup> &groups, const QDateTime &now)
 {
-    const QFileInfo place(m_folder + QStringLiteral(".unfinished"));
+    const QString beside = m_folder + QStringLiteral(".unfinished");
+    removeLeftOvers(beside);
+    const QFileInfo place(beside + u'-' + QUuid::createUuid().toString(QUuid::Id128));
     m_written = place.filePath();
-    removeTree(m_written); // of a start that was cut off
     errno = 0;
     const PrivateFolder dataFolder(place.path());
     const PrivateFolder written = dataFolder.folder(place.fileName());
@@ -66,6 +70,18 @@ QString SampleFiles::write(const QList<SampleGroup> &groups, const QDateTime &no
         }
     }
     return {};
+}
+
+/// Another station may be writing into one that is young.
+void SampleFiles::removeLeftOvers(const QString &place)
+{
+    constexpr qint64 longestWriting = 24 * 60 * 60; // seconds
+    const QFileInfo name(place);
+    const QFileInfoList found = QDir(name.path()).entryInfoList({name.fileName() + QStringLiteral("-*")}, QDir::Dirs);
+    for (const QFileInfo &folder : found) {
+        if (folder.lastModified().secsTo(QDateTime::currentDateTime()) > longestWriting)
+            removeTree(folder.filePath());
+    }
 }
 
 QString SampleFiles::writeDay(const PrivateFolder &folder, const QList<SampleFile> &files)

@@ -18,13 +18,15 @@ public:
     /// The path that the groups record onto, in @p folder.
     static QString pathIn(const QString &folder);
 
-    /// Writes the files of @p groups beside their place. Empty, or a word of StationReturnCode for what went wrong.
+    /// Writes the files of @p groups into a fresh folder beside their place, and removes what attempts left there that
+    /// were cut off. Empty, or a word of StationReturnCode for what went wrong.
     QString write(const QList<SampleGroup> &groups, const QDateTime &now);
     /// False where something lies there.
     bool moveToPlace();
     void keep();
 
 private:
+    static void removeLeftOvers(const QString &place);
     static QString writeDay(const PrivateFolder &folder, const QList<SampleFile> &files);
 
     QString m_folder;

@@ -1,12 +1,14 @@
 #include "SampleSite.h"
 
 #include "SampleFiles.h"
+#include "ServerVocabulary.h"
 #include "StationData.h"
 #include "StationLog.h"
-#include "StationProtocol.h"
+#include "StationVocabulary.h"
 #include "files/PrivateFolder.h"
 #include "groups/FolderNames.h"
 #include "groups/GroupStore.h"
+#include "service/Edit.h"
 #include "store/Database.h"
 
 #include <QFileInfo>
@@ -41,6 +43,13 @@ QString freeFolder(const QString &name)
     return folder;
 }
 
+bool isEmpty(Database &database)
+{
+    const Snapshot snapshot(database);
+    const GroupStore store(database);
+    return store.groups().isEmpty() && store.cameras().isEmpty();
+}
+
 /// Says that the station had its sample site, so that nobody gives it another one unasked.
 void leaveMark(const QString &dataFolder)
 {
@@ -61,29 +70,26 @@ SampleSite::SampleSite(StationData &data, const VolumeSource &volumes, Changed g
 
 void SampleSite::enterInto(CommandTable &table)
 {
-    table.insert(StationOwnCommandName::createSampleSite,
-                 [this](const QVariant &data, const Answer &answer) { createSampleSite(data, answer); });
+    table.insert(StationCommandName::createSampleSite,
+                 [this](const std::shared_ptr<Edit> &edit) { createSampleSite(*edit); });
 }
 
-void SampleSite::createSampleSite(const QVariant &data, const Answer &answer)
+void SampleSite::createSampleSite(Edit &edit)
 {
+    const QVariant &data = edit.data();
     if (!data.isNull() && data.metaType() != QMetaType::fromType<QVariantMap>())
-        return answer(lastPart(StationReturnCode::BadRequest));
-    const QString returnCode = create();
-    if (returnCode != StationReturnCode::Success)
-        return answer(lastPart(returnCode));
-    answer(lastPart(returnCode, QVariantMap{{StationKey::created, true}}));
-    if (m_groupsChanged)
+        return edit.answer(lastPart(StationReturnCode::BadRequest));
+    const QString returnCode = create(edit);
+    edit.answer(lastPart(returnCode));
+    if (returnCode == ReturnCode::Success && m_groupsChanged)
         m_groupsChanged();
 }
 
-/// The files are made beside their place, and moved there just before the groups are: what is cut off leaves no half.
-QString SampleSite::create()
+/// The files are made beside their place, and moved there before the groups are made: what is cut off leaves no half,
+/// and nobody waits for the database meanwhile.
+QString SampleSite::create(Edit &edit)
 {
-    Database &database = m_data.database();
-    Transaction transaction(database);
-    GroupStore store(database);
-    if (!store.groups().isEmpty() || !store.cameras().isEmpty())
+    if (!isEmpty(m_data.database()))
         return StationReturnCode::SiteNotEmpty;
     const QString dataFolder = QFileInfo(m_data.folder()).canonicalFilePath();
     const std::optional<Volume> volume = m_volumes.volumeHolding(dataFolder);
@@ -91,19 +97,25 @@ QString SampleSite::create()
         return StationReturnCode::OutsideVolumes;
 
     const QString folder = freeFolder(dataFolder + QStringLiteral("/sample"));
+    edit.setSubject({{}, {}, folder});
     const QList<SampleGroup> groups = sampleGroups(*volume);
     SampleFiles files(folder);
     if (const QString failure = files.write(groups, QDateTime::currentDateTime()); !failure.isEmpty())
         return failure;
+    if (!files.moveToPlace())
+        return StationReturnCode::DirectoryExists;
+    Database &database = m_data.database();
+    Transaction transaction(database);
+    if (!isEmpty(database)) // somebody was quicker
+        return StationReturnCode::SiteNotEmpty;
+    GroupStore store(database);
     for (const SampleGroup &group : groups) {
         for (const QString &camera : group.cameras)
             store.insert(Camera{camera, 1});
         store.insert(recordingGroup(group, SampleFiles::pathIn(folder)));
     }
-    if (!files.moveToPlace())
-        return StationReturnCode::DirectoryExists;
-    transaction.commit();
+    edit.commit(transaction, lastPart(ReturnCode::Success, QVariantMap{{StationKey::created, true}}));
     files.keep();
     leaveMark(dataFolder);
-    return StationReturnCode::Success;
+    return ReturnCode::Success;
 }

@@ -26,8 +26,8 @@ public:
     void enterInto(CommandTable &table);
 
 private:
-    void createSampleSite(const QVariant &data, const Answer &answer);
-    QString create(); ///< gives a return code
+    void createSampleSite(Edit &edit);
+    QString create(Edit &edit); ///< gives a return code; with "0" the edit is answered
 
     StationData &m_data;
     const VolumeSource &m_volumes;

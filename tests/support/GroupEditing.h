@@ -2,6 +2,7 @@
 
 #include "FakePaths.h"
 #include "GroupText.h"
+#include "StationVocabulary.h"
 #include "groups/GroupEdit.h"
 
 #include <functional>

@@ -2,6 +2,7 @@
 #include "StationData.h"
 #include "groups/GroupCommands.h"
 #include "groups/LocalPaths.h"
+#include "service/Edits.h"
 
 #include <QRegularExpression>
 #include <QTest>
@@ -90,14 +91,21 @@ void StationGroupSharingTest::whoeverAsksIsToldOfEveryEdit()
     StationData data(path(QStringLiteral("data")));
     QStringList log;
     CommandTable table;
+    Edits edits({data, {}, {}, {}});
     GroupCommands commands(data, {&paths, nullptr, nullptr}, {}, {[&log] { log.append(QStringLiteral("changed")); }});
     commands.enterInto(table);
     QVariant id;
     const auto ask = [&](const char *command, const QVariantMap &request) {
-        table.value(QString::fromLatin1(command))(request, [&](const StationReply &part) {
+        const QString name = QString::fromLatin1(command);
+        const auto handler = table.value(name);
+        const Answer answer = [&](const StationReply &part) {
             log.append(part.returnCode);
             id = part.data.toMap().value(QStringLiteral("recordingGroupID"), id);
-        });
+        };
+        if (const auto *edit = std::get_if<EditHandler>(&handler))
+            edits.carryOut({name, request}, *edit, answer);
+        else
+            std::get<CommandHandler>(handler)(request, answer);
         return std::exchange(log, {}).join(u' ');
     };
     const QVariantMap group = groupMap(QStringLiteral("a"), {pathMap(path(QStringLiteral("disk/a")))});

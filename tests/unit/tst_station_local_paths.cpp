@@ -1,5 +1,5 @@
 #include "FakeVolumes.h"
-#include "StationProtocol.h"
+#include "StationVocabulary.h"
 #include "groups/FolderNames.h"
 #include "groups/LocalPaths.h"
 #include "groups/PathText.h"

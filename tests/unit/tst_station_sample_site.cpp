@@ -1,6 +1,7 @@
 #include "FakeVolumes.h"
+#include "ServerVocabulary.h"
 #include "Station.h"
-#include "StationProtocol.h"
+#include "StationVocabulary.h"
 #include "files/PrivateFolder.h"
 #include "groups/GroupStore.h"
 #include "samplesite/SamplePlan.h"
@@ -95,8 +96,7 @@ std::unique_ptr<Station> SampleSiteTest::station(qint64 total, qint64 free) cons
 StationReply SampleSiteTest::create(Station &station, const QVariant &data) const
 {
     StationReply reply;
-    station.handle({StationOwnCommandName::createSampleSite, data},
-                   [&reply](const StationReply &part) { reply = part; });
+    station.handle({StationCommandName::createSampleSite, data}, [&reply](const StationReply &part) { reply = part; });
     return reply;
 }
 
@@ -156,7 +156,7 @@ void SampleSiteTest::usageOnAnyDisk()
     const auto owner = station(total, free);
     QVariantList entries;
     connect(owner.get(), &Station::eventRaised, this, [&entries](const StationEvent &event) {
-        if (event.name == StationEventName::VolumeChanged)
+        if (event.name == ServerEvent::VolumeChanged)
             entries = event.data.toList();
     });
     QCOMPARE(create(*owner).returnCode, u"0"_s);
