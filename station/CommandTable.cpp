@@ -2,7 +2,7 @@
 
 #include "RequestMap.h"
 #include "StationLog.h"
-#include "StationProtocol.h"
+#include "StationVocabulary.h"
 #include "nas/PasswordVault.h"
 #include "store/Database.h"
 

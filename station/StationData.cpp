@@ -1,6 +1,6 @@
 #include "StationData.h"
 
-#include "StationSettings.h"
+#include "LocalEndpoint.h"
 #include "store/Database.h"
 
 namespace {

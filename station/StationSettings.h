@@ -1,6 +1,7 @@
 #pragma once
 
 #include "VolumeSource.h"
+#include "service/RecordSettings.h"
 #include "usage/UsageSettings.h"
 
 #include <QString>
@@ -24,8 +25,5 @@ struct StationSettings
     /// Where the key of the stored passwords lies; empty: see KeyFile. Elsewhere than in the data folder, a copy of
     /// that gives no password away.
     QString keyFile = {};
+    RecordSettings records = {};
 };
-
-/// "recording-station" below the folder where this user's programs keep their data: $XDG_DATA_HOME where that is an
-/// absolute path, else ~/.local/share. Empty where there is no home either.
-QString defaultStationFolder();

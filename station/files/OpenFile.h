@@ -31,6 +31,8 @@ public:
 
     int get() const { return m_descriptor; }
     bool isOpen() const { return m_descriptor >= 0; }
+    /// Gives the descriptor away.
+    int release() { return std::exchange(m_descriptor, -1); }
 
 private:
     int m_descriptor;
