@@ -8,6 +8,7 @@ StationCalls::StationCalls(StationLink &link, QObject *parent)
     : QObject(parent)
     , m_sender(link, CommandSender::Range::Station)
 {
+    connect(&m_sender, &CommandSender::lateOutcomeCame, this, &StationCalls::lateOutcomeCame);
 }
 
 StationCalls::~StationCalls()
@@ -18,6 +19,11 @@ StationCalls::~StationCalls()
 void StationCalls::setReplyTimeout(std::chrono::milliseconds timeout)
 {
     m_sender.setReplyTimeout(timeout);
+}
+
+void StationCalls::setDescribe(const CommandSender::Describe &describe)
+{
+    m_sender.setDescribe(describe);
 }
 
 bool StationCalls::send(const QString &command, const QVariant &data, QObject *context, const OnPart &onPart,

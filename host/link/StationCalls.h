@@ -24,6 +24,8 @@ public:
 
     /// As HostFramework::setReplyTimeout().
     void setReplyTimeout(std::chrono::milliseconds timeout);
+    /// As CommandSender::setDescribe().
+    void setDescribe(const CommandSender::Describe &describe);
 
     /// Sends @p command; never answers from within this call.
     /// @param context not owned; when it ends, @p onPart is not called any more. Must not be null
@@ -35,6 +37,10 @@ public:
     /// Answers everything outstanding with HostReturnCode::Closing and sends nothing more; the destructor does the
     /// same.
     void close();
+
+signals:
+    /// As CommandSender::lateOutcomeCame().
+    void lateOutcomeCame(const LateOutcome &outcome);
 
 private:
     CommandSender m_sender;

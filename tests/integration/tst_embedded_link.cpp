@@ -1,9 +1,8 @@
 #include "GatedVolumes.h"
 #include "Station.h"
+#include "embedded/EmbeddedLink.h"
 #include "framework/HostReturnCode.h"
-#include "link/EmbeddedLink.h"
 
-#include <QAbstractEventDispatcher>
 #include <QElapsedTimer>
 #include <QRegularExpression>
 #include <QSignalSpy>
@@ -29,7 +28,8 @@ private slots:
     void eventsKeepTheirPlaceAmongReplies();
     void answersUnderItsRelayPathToo();
     void unknownRelayPathIsAnsweredLater();
-    void commandToALinkThatIsDownIsDropped();
+    void commandBeforeTheStartIsDropped();
+    void commandWaitsForTheStation();
     void endWaitsForTheRunningCommandAlone();
     void endWithoutStart();
     void aStationThatHangsIsLeftBehind();
@@ -87,44 +87,34 @@ QList<quint64> EmbeddedLinkTest::answered() const
 
 void EmbeddedLinkTest::goesUpWhenTheStationRuns()
 {
-    const QSignalSpy ups(m_link.get(), &StationLink::upChanged);
-    QVERIFY(!m_link->isUp());
+    const QSignalSpy states(m_link.get(), &StationLink::stateChanged);
+    QCOMPARE(m_link->state({}).kind, StationState::Kind::Unknown);
     m_link->start();
-    QVERIFY(!m_link->isUp());
-    QTRY_COMPARE(ups.size(), 1);
-    QCOMPARE(ups.front(), QVariantList{true});
+    QCOMPARE(m_link->state({}).kind, StationState::Kind::Connecting);
+    QTRY_COMPARE(states.size(), 1);
+    QCOMPARE(states.front().at(0), QVariant(QString()));
+    QCOMPARE(states.front().at(1).value<StationState>().kind, StationState::Kind::Up);
     QVERIFY(m_link->isUp());
 }
 
 void EmbeddedLinkTest::secondStartDoesNothing()
 {
-    const QSignalSpy ups(m_link.get(), &StationLink::upChanged);
+    const QSignalSpy states(m_link.get(), &StationLink::stateChanged);
     m_link->start();
     goUp();
     m_link->start();
     m_link->send(1, {}, {u"nonsense"_s, {}});
     QTRY_COMPARE(m_replies->size(), 1);
-    QCOMPARE(ups.size(), 1);
+    QCOMPARE(states.size(), 1);
     QCOMPARE(m_stations, 1);
 }
 
 void EmbeddedLinkTest::staysDownWithoutAStation()
 {
-    bool settled = false;
-    const auto settle = [this, &settled] {
-        QMetaObject::invokeMethod(
-            this, [&settled] { settled = true; }, Qt::QueuedConnection);
-    };
-    EmbeddedLink link([&settle]() -> std::unique_ptr<Station> {
-        // Runs when the thread is done with this, so its word to the test comes behind all that the link says.
-        QMetaObject::invokeMethod(QThread::currentThread()->eventDispatcher(), settle, Qt::QueuedConnection);
-        return {};
-    });
-    const QSignalSpy ups(&link, &StationLink::upChanged);
+    EmbeddedLink link([]() -> std::unique_ptr<Station> { return {}; });
     link.start();
-    QTRY_VERIFY(settled);
-    QVERIFY(!link.isUp());
-    QVERIFY(ups.isEmpty());
+    QTRY_COMPARE(link.state({}).kind, StationState::Kind::Down);
+    QVERIFY(!link.state({}).reason.isEmpty());
 }
 
 void EmbeddedLinkTest::stationLivesOnAThreadOfItsOwn()
@@ -218,7 +208,15 @@ void EmbeddedLinkTest::unknownRelayPathIsAnsweredLater()
     QVERIFY(!reply.data.isValid());
 }
 
-void EmbeddedLinkTest::commandToALinkThatIsDownIsDropped()
+void EmbeddedLinkTest::commandWaitsForTheStation()
+{
+    m_link->start();
+    m_link->send(1, {}, {u"nonsense"_s, {}});
+    QVERIFY(!m_link->isUp());
+    QTRY_COMPARE(answered(), QList<quint64>{1});
+}
+
+void EmbeddedLinkTest::commandBeforeTheStartIsDropped()
 {
     m_link->send(1, {}, {u"nonsense"_s, {}});
     m_link->send(2, u"relay-8"_s, {u"nonsense"_s, {}});
@@ -250,7 +248,7 @@ void EmbeddedLinkTest::endWithoutStart()
 
 void EmbeddedLinkTest::aStationThatHangsIsLeftBehind()
 {
-    QVERIFY(!EmbeddedLink::isAnythingLeftBehind());
+    QVERIFY(!StationThread::isAnythingLeftBehind());
     m_gate->endsEarly = false;
     goUp();
     m_link->send(1, {}, {u"getVolume"_s, {}});
@@ -259,7 +257,7 @@ void EmbeddedLinkTest::aStationThatHangsIsLeftBehind()
     timer.start();
     m_link.reset();
     QVERIFY2(timer.elapsed() < 2000, qPrintable(QString::number(timer.elapsed())));
-    QVERIFY(EmbeddedLink::isAnythingLeftBehind());
+    QVERIFY(StationThread::isAnythingLeftBehind());
     QVERIFY(!m_gate->gone);
     m_gate->open.release(); // the disk answers at last
     QTRY_VERIFY(m_gate->gone);

@@ -133,7 +133,7 @@ void TestStationCalls::linkGoingDownAnswersWhatIsOutstanding()
     QVERIFY(send("x"));
     QVERIFY(send("y"));
     m_link->setUp(false);
-    QCOMPARE(m_answers, (QStringList{"x LinkDown  last", "y LinkDown  last"}));
+    QCOMPARE(m_answers, (QStringList{"x StationLost  last", "y StationLost  last"}));
 }
 
 void TestStationCalls::silentStationIsAnsweredFor()

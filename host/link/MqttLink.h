@@ -1,0 +1,76 @@
+#pragma once
+
+#include "FigurePace.h"
+#include "MqttCommands.h"
+#include "StationLink.h"
+#include "StationPresence.h"
+#include "mqtt/MqttConnection.h"
+#include "mqtt/MqttMessages.h"
+
+#include <QDeadlineTimer>
+#include <QHash>
+#include <QTimer>
+
+/// The way to all stations behind one broker; the URL names the directly connected one. docs/mqtt.md says what goes
+/// over the broker.
+///
+/// While the connection to the broker or a station is lost, commands are kept and sent again when it is back, edits
+/// under their ids: the station carries each out once. A station counts as lost for good after 20 s.
+class MqttLink : public StationLink
+{
+    Q_OBJECT
+public:
+    /// @param station the relay path of the directly connected one; not empty
+    MqttLink(const MqttSettings &settings, const QString &station, const Client &client, QObject *parent = nullptr);
+
+    /// "mqtt://[USER@]BROKER[:PORT]/STATION" and "mqtts://...", as readMqttUrl() and addMqttEnvironment() tell.
+    static QList<Kind> kinds();
+
+    void start() override;
+    StationState state(const QString &relayPath = {}) const override;
+    QList<StationPresence> stations() const override;
+    bool reachesMany() const override { return true; }
+    QString directStation() const override { return m_direct; }
+    bool setDirectStation(const QString &relayPath) override;
+    void send(quint64 correlation, const QString &relayPath, const StationCommand &command) override;
+
+private:
+    struct Station
+    {
+        StationPresence presence;
+        QString instance;
+        QDateTime lostAt; // of that instance
+        bool isHeard = false; // since the broker was connected last
+        QDeadlineTimer patience{QDeadlineTimer::Forever}; // until it counts as lost for good
+        QDeadlineTimer awaited{0}; // likewise, for what happened to it while the broker was away
+    };
+
+    static Kind kind(const QString &scheme, bool isEncrypted);
+    void followConnection();
+    void followBrokerLoss();
+    void noteSubscription(const QString &filter, bool isTaken);
+    void settle();
+    void endPatience();
+    void take(const MqttMessage &message);
+    void takeStatus(const QString &relayPath, const MqttMessage &message);
+    void takeEvent(const QString &relayPath, const QString &name, const MqttMessage &message);
+    void tellEvent(const QString &relayPath, const QString &name, const MqttMessage &message);
+    void noteMissing(const QString &relayPath);
+    void loseForGood(const QString &relayPath, const QString &reason);
+    void tryAgain(const QString &relayPath);
+    void setState(const QString &relayPath, const StationState &state, const QDateTime &since);
+    void emitState(const QString &relayPath, const StationState &state);
+    void setBrokerState(const StationState &state);
+
+    MqttConnection m_connection;
+    MqttCommands m_commands;
+    FigurePace m_pace; // of the stations but the directly connected one
+    QString m_direct;
+    QHash<QString, Station> m_stations; // by relay path
+    bool m_followsOthers; // else the events of the directly connected one alone are subscribed
+    StationState m_brokerState;
+    QDeadlineTimer m_brokerPatience{0};
+    QTimer m_settleTimer; // until the broker has told what it keeps
+    QTimer m_patienceTimer;
+    bool m_isSettled = false;
+};
