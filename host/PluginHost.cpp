@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QJsonObject>
 #include <QLibrary>
@@ -53,11 +54,27 @@ QStringList PluginHost::defaultFolders()
     return folders;
 }
 
+QString PluginHost::traceLibraryName()
+{
+    return QStringLiteral("libZarnLogUtl.so");
+}
+
+QString PluginHost::traceLibraryFile()
+{
+    return besideApplication(RECORDING_LIB_DIR) + u'/' + traceLibraryName();
+}
+
+QString PluginHost::traceLibraryOfPrograms()
+{
+    const QString beside = traceLibraryFile();
+    return QFile::exists(beside) ? beside
+                                 : besideApplication(RECORDING_PROGRAM_LIB_DIR) + QStringLiteral("/tracelog.so");
+}
+
 bool PluginHost::loadTraceLibrary(const QString &file)
 {
     // Its name is the one that the plug-in asks for, so the loaded library is found again under it.
-    QLibrary library(file.isEmpty() ? besideApplication(RECORDING_LIB_DIR) + QStringLiteral("/libZarnLogUtl.so")
-                                    : file);
+    QLibrary library(file.isEmpty() ? traceLibraryFile() : file);
     library.setLoadHints(QLibrary::PreventUnloadHint);
     return library.load();
 }

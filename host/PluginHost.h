@@ -21,6 +21,17 @@ public:
     /// Where the plug-in lies relative to the running application, in the build tree and when installed.
     static QStringList defaultFolders();
 
+    /// The plain name under which the plug-in looks for the trace library.
+    static QString traceLibraryName();
+
+    /// Where the trace library lies beside the running application.
+    static QString traceLibraryFile();
+
+    /// Where the stand-in for the trace library lies that comes with the programs of this repository: the one beside
+    /// the application, or else one in a folder of their own, where no loader finds it by its name. For those programs
+    /// alone: under its name it would hide a client's own library.
+    static QString traceLibraryOfPrograms();
+
     /// Loads the trace library from @p file, or from its place beside the application, so that plug-ins find it by its
     /// plain name. Call it before load(). False when there is none, which is no error: nothing is traced then.
     static bool loadTraceLibrary(const QString &file = {});
@@ -32,7 +43,7 @@ public:
 
     QString pluginId() const; ///< under which the framework knows the plug-in
     QString fileName() const; ///< the library that load() took; empty before
-    QString error() const;
+    QString error() const; ///< why load() failed, in lines
 
 private:
     std::unique_ptr<PluginBase> loadFrom(const QString &folder, QStringList *problems);

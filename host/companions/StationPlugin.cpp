@@ -43,11 +43,16 @@ const QString StationPlugin::pluginId = QStringLiteral("1AA33B3D0AA047C9A202F118
 
 StationPlugin::StationPlugin(const QString &name, const QString &relayPath, QObject *parent)
     : QObject(parent)
-    , m_station{{QStringLiteral("name"), name.isEmpty() ? QSysInfo::machineHostName() : name},
-                {QStringLiteral("ip"), firstAddress()},
-                {QStringLiteral("relayPath"), relayPath},
-                {QStringLiteral("type"), QStringLiteral("RecordingServer")}}
 {
+    setStation(name, {}, relayPath);
+}
+
+void StationPlugin::setStation(const QString &name, const QString &address, const QString &relayPath)
+{
+    m_station = {{QStringLiteral("name"), name.isEmpty() ? QSysInfo::machineHostName() : name},
+                 {QStringLiteral("ip"), address.isEmpty() ? firstAddress() : address},
+                 {QStringLiteral("relayPath"), relayPath},
+                 {QStringLiteral("type"), QStringLiteral("RecordingServer")}};
 }
 
 QVariant StationPlugin::getStationTree() const

@@ -1,8 +1,10 @@
 #include "StatusMonitorPlugin.h"
 
-#include "StationProtocol.h"
+#include "ServerVocabulary.h"
+#include "StationVocabulary.h"
 
 #include <algorithm>
+#include <tuple>
 #include <utility>
 
 namespace {
@@ -16,6 +18,8 @@ Kind kindOf(const QString &word, const QString &severity)
                                          StationAlarmKind::NasKeyUnusable};
     if (ofVolumes.contains(word))
         return Kind::VolumeError;
+    if (word == StationAlarmKind::InsufficientRecordingDays)
+        return Kind::InsufficientRecordingDays;
     return severity == StationSeverity::warning ? Kind::StationWarning : Kind::StationError;
 }
 
@@ -26,10 +30,14 @@ StatusMonitorPlugin::Alarm stationAlarm(const QString &source, const QVariantMap
     alarm.source = source;
     alarm.word = text(StationKey::kind);
     alarm.kind = kindOf(alarm.word, text(StationKey::severity));
+    alarm.groupId = text(FieldKey::recordingGroupID);
     alarm.since = QDateTime::fromString(text(StationKey::since), Qt::ISODateWithMs).toLocalTime();
     alarm.subject = text(StationKey::subject);
     alarm.text = text(StationKey::text);
     alarm.remedy = text(StationKey::remedy);
+    alarm.acknowledgedAt = QDateTime::fromString(text(StationKey::acknowledgedAt), Qt::ISODateWithMs).toLocalTime();
+    alarm.acknowledgedBy = text(StationKey::acknowledgedBy);
+    alarm.note = text(StationKey::note);
     return alarm;
 }
 } // namespace
@@ -63,6 +71,14 @@ QVariant StatusMonitorPlugin::data(const QModelIndex &index, int role) const
         return alarm.text;
     case RemedyRole:
         return alarm.remedy;
+    case AcknowledgedAtRole:
+        return alarm.acknowledgedAt;
+    case AcknowledgedByRole:
+        return alarm.acknowledgedBy;
+    case NoteRole:
+        return alarm.note;
+    case WordRole:
+        return alarm.word;
     default:
         return {};
     }
@@ -70,40 +86,83 @@ QVariant StatusMonitorPlugin::data(const QModelIndex &index, int role) const
 
 QHash<int, QByteArray> StatusMonitorPlugin::roleNames() const
 {
-    return {{SourceRole, "sourceRole"},       {KindRole, "kindRole"},    {GroupIdRole, "groupIdRole"},
-            {GroupNameRole, "groupNameRole"}, {SinceRole, "sinceRole"},  {SubjectRole, "subjectRole"},
-            {TextRole, "textRole"},           {RemedyRole, "remedyRole"}};
+    return {{SourceRole, "sourceRole"},
+            {KindRole, "kindRole"},
+            {GroupIdRole, "groupIdRole"},
+            {GroupNameRole, "groupNameRole"},
+            {SinceRole, "sinceRole"},
+            {SubjectRole, "subjectRole"},
+            {TextRole, "textRole"},
+            {RemedyRole, "remedyRole"},
+            {AcknowledgedAtRole, "acknowledgedAtRole"},
+            {AcknowledgedByRole, "acknowledgedByRole"},
+            {NoteRole, "noteRole"},
+            {WordRole, "wordRole"}};
+}
+
+void StatusMonitorPlugin::setDirectStation(const QString &relayPath)
+{
+    m_direct = relayPath;
+}
+
+QString StatusMonitorPlugin::stationOf(const QString &source) const
+{
+    return source.isEmpty() ? m_direct : source;
+}
+
+StatusMonitorPlugin::Count StatusMonitorPlugin::count(const QString &source) const
+{
+    Count count;
+    const QList<qsizetype> rows = rowsOf(stationOf(source));
+    for (const qsizetype row : rows) {
+        ++count.all;
+        count.errors += m_alarms.at(row).isError() ? 1 : 0;
+    }
+    return count;
 }
 
 void StatusMonitorPlugin::removeVolumeError(const QString &source)
 {
-    m_unconfirmed.insert(source);
+    const QString station = stationOf(source);
+    if (find(station, VolumeError, {}) < 0)
+        return;
+    m_unconfirmed.insert(station);
     QMetaObject::invokeMethod(this, &StatusMonitorPlugin::settleVolumeErrors, Qt::QueuedConnection);
 }
 
 void StatusMonitorPlugin::monitorVolumeStatus(const QString &source)
 {
-    m_unconfirmed.remove(source);
-    if (find(source, VolumeError, {}) < 0 && !isNamed(source))
-        raise({source, VolumeError, {}, {}, QDateTime::currentDateTime()});
+    const QString station = stationOf(source);
+    m_unconfirmed.remove(station);
+    if (find(station, VolumeError, {}) < 0 && !isNamed(station))
+        raise({station, VolumeError, {}, {}, QDateTime::currentDateTime()});
 }
 
 void StatusMonitorPlugin::monitorSufficientRecordingGroup(const QString &source, const QString &groupId)
 {
-    if (m_shortGroups.remove({source, groupId}) > 0)
-        withdraw(find(source, InsufficientRecordingDays, groupId));
+    const QString station = stationOf(source);
+    if (m_shortGroups.remove({station, groupId}) > 0)
+        withdraw(find(station, InsufficientRecordingDays, groupId));
 }
 
 void StatusMonitorPlugin::monitorInsufficientRecordingDays(const QString &source, const QString &groupName,
                                                            const QString &groupId)
 {
-    const auto known = m_shortGroups.find({source, groupId});
+    const QString station = stationOf(source);
+    const auto known = m_shortGroups.find({station, groupId});
     if (known == m_shortGroups.end()) {
-        m_shortGroups.insert({source, groupId}, groupName);
-        raise({source, InsufficientRecordingDays, groupId, groupName, QDateTime::currentDateTime()});
+        m_shortGroups.insert({station, groupId}, groupName);
+        Alarm alarm = m_groupFacts.value(station).value(groupId);
+        if (!alarm.since.isValid())
+            alarm.since = QDateTime::currentDateTime();
+        alarm.source = station;
+        alarm.kind = InsufficientRecordingDays;
+        alarm.groupId = groupId;
+        alarm.groupName = groupName;
+        raise(alarm);
     } else if (*known != groupName) {
         *known = groupName;
-        const qsizetype row = find(source, InsufficientRecordingDays, groupId);
+        const qsizetype row = find(station, InsufficientRecordingDays, groupId);
         m_alarms[row].groupName = groupName;
         const QModelIndex changed = index(static_cast<int>(row));
         emit dataChanged(changed, changed, {GroupNameRole});
@@ -112,72 +171,142 @@ void StatusMonitorPlugin::monitorInsufficientRecordingDays(const QString &source
 
 void StatusMonitorPlugin::keepGroups(const QString &source, const QSet<QString> &groupIds)
 {
+    const QString station = stationOf(source);
     QStringList gone;
-    for (const Alarm &alarm : std::as_const(m_alarms)) {
-        if (alarm.kind == InsufficientRecordingDays && alarm.source == source && !groupIds.contains(alarm.groupId))
+    const QList<qsizetype> rows = rowsOf(station);
+    for (const qsizetype row : rows) {
+        const Alarm &alarm = m_alarms.at(row);
+        if (alarm.kind == InsufficientRecordingDays && !groupIds.contains(alarm.groupId))
             gone.append(alarm.groupId);
     }
     for (const QString &groupId : std::as_const(gone))
-        monitorSufficientRecordingGroup(source, groupId);
+        monitorSufficientRecordingGroup(station, groupId);
 }
 
 void StatusMonitorPlugin::setStationAlarms(const QString &source, const QVariantList &alarms)
 {
+    using Key = std::pair<QString, QString>; // kind and subject
+    const QString station = stationOf(source);
     QList<Alarm> told;
-    for (const QVariant &alarm : alarms)
-        told.append(stationAlarm(source, alarm.toMap()));
-    const auto isSame = [](const Alarm &left, const Alarm &right) {
-        return left.source == right.source && left.word == right.word && left.subject == right.subject;
-    };
-    for (qsizetype row = m_alarms.size() - 1; row >= 0; --row) {
+    QHash<QString, Alarm> groupFacts;
+    for (const QVariant &value : alarms) {
+        const Alarm alarm = stationAlarm(station, value.toMap());
+        if (alarm.kind == InsufficientRecordingDays)
+            groupFacts.insert(alarm.groupId, alarm);
+        else
+            told.append(alarm);
+    }
+    QSet<Key> keys;
+    for (const Alarm &alarm : std::as_const(told))
+        keys.insert({alarm.word, alarm.subject});
+    const QList<qsizetype> before = rowsOf(station);
+    for (qsizetype last = before.size() - 1; last >= 0; --last) {
+        const qsizetype row = before.at(last);
         const Alarm &known = m_alarms.at(row);
-        const bool isTold =
-            std::any_of(told.cbegin(), told.cend(), [&](const Alarm &alarm) { return isSame(alarm, known); });
-        if (known.source == source && !known.word.isEmpty() && !isTold)
+        if (known.word.isEmpty() || known.kind == InsufficientRecordingDays)
+            continue;
+        if (!keys.contains({known.word, known.subject}))
             withdraw(row);
     }
+    QHash<Key, qsizetype> rows;
+    const QList<qsizetype> kept = rowsOf(station);
+    for (const qsizetype row : kept)
+        rows.insert({m_alarms.at(row).word, m_alarms.at(row).subject}, row);
     for (const Alarm &alarm : std::as_const(told)) {
-        const auto known =
-            std::find_if(m_alarms.cbegin(), m_alarms.cend(), [&](const Alarm &other) { return isSame(alarm, other); });
-        if (known == m_alarms.cend())
-            raise(alarm);
+        if (const auto row = rows.constFind({alarm.word, alarm.subject}); row != rows.cend())
+            update(*row, alarm);
         else
-            update(known - m_alarms.cbegin(), alarm);
+            raise(alarm);
     }
-    if (const qsizetype unnamed = find(source, VolumeError, {}); unnamed >= 0 && isNamed(source))
+    setGroupFacts(station, std::move(groupFacts));
+    if (const qsizetype unnamed = find(station, VolumeError, {}); unnamed >= 0 && isNamed(station))
         withdraw(unnamed);
 }
 
 bool StatusMonitorPlugin::isNamed(const QString &source) const
 {
-    return std::any_of(m_alarms.cbegin(), m_alarms.cend(), [&source](const Alarm &alarm) {
-        return alarm.source == source && alarm.kind == VolumeError && !alarm.word.isEmpty();
+    const QList<qsizetype> rows = rowsOf(source);
+    return std::any_of(rows.cbegin(), rows.cend(), [this](qsizetype row) {
+        return m_alarms.at(row).kind == VolumeError && !m_alarms.at(row).word.isEmpty();
     });
+}
+
+/// The plug-in alone raises and withdraws the alarm of a group; what the station said of it goes when the station no
+/// longer says it, but for the time.
+void StatusMonitorPlugin::setGroupFacts(const QString &source, QHash<QString, Alarm> facts)
+{
+    if (facts.isEmpty())
+        m_groupFacts.remove(source);
+    else
+        m_groupFacts.insert(source, facts);
+    const QList<qsizetype> rows = rowsOf(source);
+    for (const qsizetype row : rows) {
+        const Alarm &known = m_alarms.at(row);
+        if (known.kind != InsufficientRecordingDays)
+            continue;
+        Alarm alarm = facts.value(known.groupId);
+        if (!alarm.since.isValid())
+            alarm.since = known.since;
+        alarm.source = source;
+        alarm.kind = InsufficientRecordingDays;
+        alarm.groupId = known.groupId;
+        alarm.groupName = known.groupName;
+        update(row, alarm);
+    }
 }
 
 void StatusMonitorPlugin::update(qsizetype row, const Alarm &alarm)
 {
     Alarm &known = m_alarms[row];
-    if (known.text == alarm.text && known.remedy == alarm.remedy && known.since == alarm.since)
+    const auto changeable = [](const Alarm &of) {
+        return std::tie(of.since, of.subject, of.text, of.remedy, of.acknowledgedAt, of.acknowledgedBy, of.note,
+                        of.word);
+    };
+    if (changeable(known) == changeable(alarm))
         return;
+    const quint64 number = known.number;
     known = alarm;
+    known.number = number;
     const QModelIndex changed = index(static_cast<int>(row));
-    emit dataChanged(changed, changed, {SinceRole, TextRole, RemedyRole});
+    emit dataChanged(
+        changed, changed,
+        {SinceRole, SubjectRole, TextRole, RemedyRole, AcknowledgedAtRole, AcknowledgedByRole, NoteRole, WordRole});
+}
+
+qsizetype StatusMonitorPlugin::rowOf(quint64 number) const
+{
+    const auto found = std::lower_bound(m_alarms.cbegin(), m_alarms.cend(), number,
+                                        [](const Alarm &alarm, quint64 wanted) { return alarm.number < wanted; });
+    return found - m_alarms.cbegin();
+}
+
+QList<qsizetype> StatusMonitorPlugin::rowsOf(const QString &source) const
+{
+    QList<qsizetype> rows;
+    const QList<quint64> numbers = m_numbers.value(source);
+    for (const quint64 number : numbers)
+        rows.append(rowOf(number));
+    return rows;
 }
 
 qsizetype StatusMonitorPlugin::find(const QString &source, Kind kind, const QString &groupId) const
 {
-    const auto found = std::find_if(m_alarms.cbegin(), m_alarms.cend(), [&](const Alarm &alarm) {
-        return alarm.kind == kind && alarm.source == source && alarm.groupId == groupId && alarm.word.isEmpty();
+    const QList<qsizetype> rows = rowsOf(source);
+    const auto found = std::find_if(rows.cbegin(), rows.cend(), [&](qsizetype row) {
+        const Alarm &alarm = m_alarms.at(row);
+        const bool isOfPlugin = alarm.word.isEmpty() || alarm.kind == InsufficientRecordingDays;
+        return alarm.kind == kind && alarm.groupId == groupId && isOfPlugin;
     });
-    return found == m_alarms.cend() ? -1 : found - m_alarms.cbegin();
+    return found == rows.cend() ? -1 : *found;
 }
 
-void StatusMonitorPlugin::raise(const Alarm &alarm)
+void StatusMonitorPlugin::raise(Alarm alarm)
 {
     const auto row = static_cast<int>(m_alarms.size());
+    alarm.number = ++m_lastNumber;
     beginInsertRows({}, row, row);
     m_alarms.append(alarm);
+    m_numbers[alarm.source].append(alarm.number);
     endInsertRows();
     emit raised(alarm);
 }
@@ -186,6 +315,10 @@ void StatusMonitorPlugin::withdraw(qsizetype row)
 {
     beginRemoveRows({}, static_cast<int>(row), static_cast<int>(row));
     const Alarm alarm = m_alarms.takeAt(row);
+    QList<quint64> &numbers = m_numbers[alarm.source];
+    numbers.removeOne(alarm.number);
+    if (numbers.isEmpty())
+        m_numbers.remove(alarm.source);
     endRemoveRows();
     emit withdrawn(alarm);
 }

@@ -3,6 +3,7 @@
 #include "Station.h"
 #include "VolumeFolder.h"
 #include "companions/StatusMonitorPlugin.h"
+#include "embedded/EmbeddedLink.h"
 #include "framework/HostReturnCode.h"
 #include "link/StationCalls.h"
 
@@ -28,6 +29,7 @@ private slots:
 
     void nothingIsThereBeforeTheStart();
     void startLoadsThePluginAndConnects();
+    void alarmsAreKnownOnceTheyWereTold();
     void pluginAsksForItsListsOnceConnected();
     void secondStartIsRefused();
     void missingPluginIsAClearError();
@@ -45,10 +47,12 @@ private slots:
     void stationUnderItsRelayPath();
     void slowStationLeavesTheEventLoopFree();
     void silentStationIsAnsweredFor();
+    void lateOutcomesOfEditsAreTold();
     void endAnswersWhatIsOutstanding();
 
 private:
     void start(const ClientSession::Options &options);
+    std::unique_ptr<Station> gatedStation();
     ClientSession::Options gated();
     bool call(const char *method, const QString &argument = {});
     QList<QVariantMap> rows(const char *modelGetter);
@@ -63,6 +67,8 @@ ClientSession::Options builtPlugin()
 {
     ClientSession::Options options;
     options.pluginFolders = QStringList{QStringLiteral(PLUGIN_FOLDER)};
+    options.url = u"embedded:"_s;
+    options.linkKinds = {EmbeddedLink::kind()};
     return options;
 }
 
@@ -87,13 +93,16 @@ void ClientSessionTest::start(const ClientSession::Options &options)
     QTRY_VERIFY(m_session->isConnected());
 }
 
+std::unique_ptr<Station> ClientSessionTest::gatedStation()
+{
+    return std::make_unique<Station>(StationSettings{{}, {}, std::make_unique<GatedVolumes>(*m_gate)});
+}
+
 /// The built plug-in and a station whose volumes wait for the gate.
 ClientSession::Options ClientSessionTest::gated()
 {
     ClientSession::Options options = builtPlugin();
-    options.makeStation = [this] {
-        return std::make_unique<Station>(StationSettings{{}, {}, std::make_unique<GatedVolumes>(*m_gate)});
-    };
+    options.linkKinds = {EmbeddedLink::kind([this] { return gatedStation(); })};
     return options;
 }
 
@@ -145,6 +154,20 @@ void ClientSessionTest::startLoadsThePluginAndConnects()
     QTRY_COMPARE(connections.size(), 1);
     QCOMPARE(connections.front(), QVariantList{true});
     QVERIFY(m_session->isConnected());
+}
+
+void ClientSessionTest::alarmsAreKnownOnceTheyWereTold()
+{
+    const QSignalSpy known(m_session.get(), &ClientSession::alarmsKnownChanged);
+    QVERIFY(m_session->start(builtPlugin()));
+    QVERIFY(!m_session->areAlarmsKnown());
+    const QSignalSpy figures(m_session->plugin(), SIGNAL(volumeInfoChanged()));
+    qsizetype figuresBefore = -1;
+    connect(m_session.get(), &ClientSession::alarmsKnownChanged, this,
+            [&figures, &figuresBefore] { figuresBefore = figures.size(); });
+    QTRY_VERIFY(m_session->areAlarmsKnown());
+    QCOMPARE(known.size(), 1);
+    QVERIFY2(figuresBefore > 0, "the plug-in has judged by the station's figures");
 }
 
 void ClientSessionTest::pluginAsksForItsListsOnceConnected()
@@ -299,11 +322,11 @@ void ClientSessionTest::alarmsFollowTheStation()
 {
     std::atomic<Station *> station = nullptr;
     ClientSession::Options options = gated();
-    options.makeStation = [&station, make = options.makeStation] {
-        auto made = make();
+    options.linkKinds = {EmbeddedLink::kind([this, &station] {
+        auto made = gatedStation();
         station = made.get();
         return made;
-    };
+    })};
     start(options);
     const auto change = [&station](const QVariantList &entries) {
         Station *const raiser = station;
@@ -380,6 +403,41 @@ void ClientSessionTest::silentStationIsAnsweredFor()
     QTRY_COMPARE(responded.size(), 2);
     QCOMPARE(responded.back(), QVariantList{false});
     QCOMPARE(answered.back().at(1).toString(), HostReturnCode::UnknownStation);
+}
+
+/// Of the plug-in's edits and of those that no plug-in sends, once the station answers at last.
+void ClientSessionTest::lateOutcomesOfEditsAreTold()
+{
+    const QTemporaryDir data;
+    ClientSession::Options options = builtPlugin();
+    options.linkKinds = {EmbeddedLink::kind([this, folder = data.filePath(u"station"_s)] {
+        return std::make_unique<Station>(StationSettings{folder, {}, std::make_unique<GatedVolumes>(*m_gate)});
+    })};
+    options.replyTimeout = 20ms;
+    start(options);
+    QSignalSpy outcomes(m_session.get(), &ClientSession::lateOutcomeCame);
+    QStringList codes;
+    const QVariantMap camera{{u"camName"_s, u"Yard"_s}, {u"streams"_s, 1}};
+    QVERIFY(call("getVolume")); // the station hangs from here on
+    QTRY_COMPARE(m_gate->entered.load(), 1);
+    for (int time = 0; time < 2; ++time) {
+        m_session->stationCalls()->send(u"station.addCamera"_s, camera, this,
+                                        [&codes](const StationReply &part) { codes.append(part.returnCode); });
+    }
+    QVERIFY(call("createDirectory", u"/proc/rec"_s));
+    QTRY_COMPARE(codes, (QStringList{HostReturnCode::NoAnswer, HostReturnCode::NoAnswer}));
+    QVERIFY(outcomes.isEmpty());
+    m_gate->open.release(100);
+    QTRY_COMPARE(outcomes.size(), 3);
+    QStringList told;
+    for (const QVariantList &arguments : std::as_const(outcomes)) {
+        const auto outcome = arguments.front().value<LateOutcome>();
+        told.append(QStringList{outcome.command, outcome.subject, outcome.returnCode}.join(u' '));
+    }
+    QCOMPARE(told.mid(0, 2), (QStringList{u"station.addCamera Yard 0"_s, u"station.addCamera Yard CameraExists"_s}));
+    QVERIFY2(told.at(2).startsWith(u"createDirectory /proc/rec "_s) && !told.at(2).endsWith(u" 0"_s),
+             qPrintable(told.at(2)));
+    QCOMPARE(codes.size(), 2); // who asked was told that there is no answer
 }
 
 void ClientSessionTest::endAnswersWhatIsOutstanding()

@@ -4,7 +4,10 @@
 
 #include <QList>
 
-/// A link on which the test plays the station; up at first.
+#include <utility>
+
+/// A link on which the test plays the station; up at first. While it is down, it tries once more for each command, and
+/// fails unless it went up meanwhile.
 class FakeLink : public StationLink
 {
 public:
@@ -15,17 +18,25 @@ public:
         StationCommand command;
     };
 
-    bool isUp() const override { return m_up; }
+    void start() override { }
+    StationState state(const QString &) const override { return m_state; }
 
     void send(quint64 correlation, const QString &relayPath, const StationCommand &command) override
     {
-        sent.append({correlation, relayPath, command});
+        const bool isDown = m_state.kind == StationState::Kind::Down;
+        (isDown ? m_waiting : sent).append({correlation, relayPath, command});
+        if (isDown)
+            QMetaObject::invokeMethod(this, &FakeLink::failAgain, Qt::QueuedConnection);
     }
 
-    void setUp(bool up)
+    void setUp(bool up) { setState({up ? StationState::Kind::Up : StationState::Kind::Down}); }
+
+    void setState(const StationState &state)
     {
-        m_up = up;
-        emit upChanged(up);
+        m_state = state;
+        if (state.kind == StationState::Kind::Up)
+            sent += std::exchange(m_waiting, {});
+        emit stateChanged({}, state);
     }
 
     void answer(int index, const QString &returnCode, const QVariant &data = {}, bool finish = true)
@@ -38,5 +49,14 @@ public:
     QList<Sent> sent;
 
 private:
-    bool m_up = true;
+    void failAgain()
+    {
+        if (m_state.kind != StationState::Kind::Down)
+            return;
+        m_waiting.clear();
+        emit stateChanged({}, m_state);
+    }
+
+    QList<Sent> m_waiting;
+    StationState m_state{StationState::Kind::Up};
 };

@@ -49,6 +49,10 @@ private slots:
     void volumeErrorsOfStationsAreToldApart();
     void withdrawalOfNothingIsSilent();
     void alarmCarriesItsTime();
+    void aStationKnowsMoreOfAShortGroup();
+    void aStationAloneRaisesNoShortGroup();
+    void theDirectStationsAlarmsAreItsOwn();
+    void alarmsOfAStationAreCounted();
 
 private:
     void change(const QVariantList &entries, const QString &source = {})
@@ -268,6 +272,78 @@ void TestCompanions::alarmCarriesItsTime()
     change({figures("1", 1, 3 * day)});
     QCOMPARE(m_monitor->index(0).data(StatusMonitorPlugin::SinceRole).toDateTime(), since);
     QCOMPARE(m_monitor->roleNames().value(StatusMonitorPlugin::SinceRole), "sinceRole");
+}
+
+/// The station tells its alarms before the figures that they belong to.
+void TestCompanions::aStationKnowsMoreOfAShortGroup()
+{
+    const QVariantMap told{{"kind", "InsufficientRecordingDays"},
+                           {"severity", "warning"},
+                           {"subject", "Gate 1"},
+                           {"recordingGroupID", "1"},
+                           {"text", "Gate 1 is short."},
+                           {"remedy", "Reserve less."},
+                           {"since", "2026-03-20T12:00:00.000Z"}};
+    const auto facts = [this] {
+        const QModelIndex index = m_monitor->index(0);
+        QStringList texts;
+        for (const int role : {StatusMonitorPlugin::WordRole, StatusMonitorPlugin::SubjectRole,
+                               StatusMonitorPlugin::TextRole, StatusMonitorPlugin::RemedyRole})
+            texts.append(index.data(role).toString());
+        return texts.join(u'|') + index.data(StatusMonitorPlugin::SinceRole).toDateTime().toUTC().toString("|dd hh:mm");
+    };
+    m_monitor->setStationAlarms({}, {told});
+    change({figures("1", 1, 3 * day)});
+    QCOMPARE(alarms(), QStringList("|InsufficientRecordingDays|1|Gate 1"));
+    QCOMPARE(facts(), "InsufficientRecordingDays|Gate 1|Gate 1 is short.|Reserve less.|20 12:00");
+
+    QVariantMap seen = told;
+    seen.insert("acknowledgedAt", "2026-03-20T13:00:00.000Z");
+    seen.insert("acknowledgedBy", "ann");
+    m_monitor->setStationAlarms({}, {seen});
+    QCOMPARE(m_monitor->index(0).data(StatusMonitorPlugin::AcknowledgedByRole), QVariant("ann"));
+    m_monitor->setStationAlarms("another", {});
+    QCOMPARE(facts(), "InsufficientRecordingDays|Gate 1|Gate 1 is short.|Reserve less.|20 12:00");
+    m_monitor->setStationAlarms({}, {});
+    QCOMPARE(facts(), "||||20 12:00");
+    QCOMPARE(m_monitor->rowCount(), 1); // the plug-in says so still
+    change({figures("1", 5, 3 * day)});
+    QCOMPARE(m_news, (QStringList{"raised  1", "withdrawn  1"}));
+}
+
+/// It is the plug-in's rule that decides what stands in the client.
+void TestCompanions::aStationAloneRaisesNoShortGroup()
+{
+    const QVariantMap told{{"kind", "InsufficientRecordingDays"}, {"recordingGroupID", "1"}, {"subject", "Gate 1"}};
+    m_monitor->setStationAlarms({}, {told});
+    QCOMPARE(m_monitor->rowCount(), 0);
+    QCOMPARE(m_news, QStringList());
+}
+
+void TestCompanions::theDirectStationsAlarmsAreItsOwn()
+{
+    m_monitor->setDirectStation("a");
+    change({figures("1", 1, 3 * day)});
+    change({figures("1", 1, 3 * day)}, "b");
+    m_monitor->setDirectStation("b");
+    change({figures("1", 5, 3 * day)}, "a");
+    change({figures("1", 1, 3 * day)});
+    QCOMPARE(alarms(), QStringList("b|InsufficientRecordingDays|1|Gate 1"));
+    QCOMPARE(m_news, (QStringList{"raised a 1", "raised b 1", "withdrawn a 1"}));
+}
+
+void TestCompanions::alarmsOfAStationAreCounted()
+{
+    using Count = StatusMonitorPlugin::Count;
+    change({figures("1", 1, 3 * day), figures("2", 9, 3 * day, 0)}, "a");
+    change({figures("1", 1, 3 * day)}, "b");
+    QCOMPARE(m_monitor->count("a"), (Count{2, 1}));
+    QCOMPARE(m_monitor->count("b"), (Count{1, 0}));
+    QCOMPARE(m_monitor->count("c"), Count());
+    change({figures("1", 5, 3 * day)}, "a");
+    settle();
+    QCOMPARE(m_monitor->count("a"), Count());
+    QCOMPARE(m_monitor->count("b"), (Count{1, 0}));
 }
 
 QTEST_GUILESS_MAIN(TestCompanions)

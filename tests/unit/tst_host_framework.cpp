@@ -222,7 +222,7 @@ void HostFrameworkTest::answersAreSignalled()
     QCOMPARE(told, 1);
     QCOMPARE(answered.size(), 2);
     QCOMPARE(answered.at(0), (QVariantList{u"removeRecordingGroup"_s, u"0"_s, QVariant(1), false}));
-    QCOMPARE(answered.at(1), (QVariantList{u"removeRecordingGroup"_s, u"LinkDown"_s, QVariant(), true}));
+    QCOMPARE(answered.at(1), (QVariantList{u"removeRecordingGroup"_s, u"StationLost"_s, QVariant(), true}));
 }
 
 QTEST_GUILESS_MAIN(HostFrameworkTest)

@@ -61,7 +61,7 @@ void HostFrameworkEndTest::destructorAnswersWhatIsOutstanding()
     m_link->setUp(false);
     QVERIFY(m_plugin->send(u"two"_s, {}, &context));
     m_framework.reset();
-    QCOMPARE(m_plugin->log, (QStringList{u"one LinkDown last"_s, u"two Closing last"_s}));
+    QCOMPARE(m_plugin->log, (QStringList{u"one StationLost last"_s, u"two Closing last"_s}));
 }
 
 void HostFrameworkEndTest::closedFrameworkIsSilent()
@@ -106,7 +106,7 @@ void HostFrameworkEndTest::closeFromWithinAReply()
         QVERIFY(!m_plugin->send(u"four"_s));
     };
     m_link->setUp(false);
-    QCOMPARE(m_plugin->log, (QStringList{u"one LinkDown last"_s, u"two Closing last"_s, u"three Closing last"_s}));
+    QCOMPARE(m_plugin->log, (QStringList{u"one StationLost last"_s, u"two Closing last"_s, u"three Closing last"_s}));
 }
 
 void HostFrameworkEndTest::closeFromWithinASlotOfAPart()

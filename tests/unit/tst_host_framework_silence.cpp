@@ -1,7 +1,9 @@
 #include "HostSite.h"
+#include "ServerVocabulary.h"
 #include "framework/HostReturnCode.h"
 
 #include <QRegularExpression>
+#include <QSignalSpy>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -18,17 +20,28 @@ private slots:
 
     void silentStationIsAnsweredFor();
     void lateAnswerIsDropped();
+    void lateOutcomeOfAnEditIsTold();
+    void lateOutcomeOfAnEditInParts_data();
+    void lateOutcomeOfAnEditInParts();
+    void anEditInTimeHasNoLateOutcome();
+    void aLostStationEndsTheWaitForAnOutcome();
+    void anEditThatWasNeverSentIsTold();
+    void nobodyHearsOfAnOutcomeAfterTheEnd();
     void partRestartsTheTimeLimit();
     void silenceAfterAPartIsAnsweredFor();
     void laterTimeLimitIsWatchedToo();
     void shorterTimeLimitHoldsForTheNextCommand();
     void timeLimitIsAtLeastOneMillisecond();
     void linkDownIsAnsweredLater();
+    void aCommandMayWaitForTheStation();
     void linkGoingDownAnswersWhatIsOutstanding();
     void commandSentWhileTheLinkGoesDownIsAnswered();
     void everyConnectionIsTold();
     void connectionIsToldAtOnceWhenTheLinkIsUp();
     void everyContextComesBackOnce();
+
+private:
+    void sendEditAndGiveUp();
 };
 
 void HostFrameworkSilenceTest::init()
@@ -58,11 +71,124 @@ void HostFrameworkSilenceTest::silentStationIsAnsweredFor()
 void HostFrameworkSilenceTest::lateAnswerIsDropped()
 {
     m_framework->setReplyTimeout(5ms);
+    const QSignalSpy outcomes(m_framework.get(), &HostFramework::lateOutcomeCame);
     QVERIFY(m_plugin->send(u"getVolume"_s));
     QTRY_COMPARE(m_plugin->log.size(), 1);
     m_link->answerPart(0, 1);
     m_link->answer(0, u"0"_s);
     QCOMPARE(m_plugin->log, QStringList{u"getVolume NoAnswer last"_s});
+    QVERIFY(outcomes.isEmpty()); // it changes nothing
+}
+
+/// An edit, and the answer that there is none.
+void HostFrameworkSilenceTest::sendEditAndGiveUp()
+{
+    m_framework->setReplyTimeout(5ms);
+    QVERIFY(m_plugin->send(ServerCommand::removeRecordingGroup, u"Gate"_s));
+    QTRY_COMPARE(m_plugin->log.size(), 1);
+    QCOMPARE(m_plugin->log, QStringList{u"removeRecordingGroup NoAnswer last"_s});
+}
+
+void HostFrameworkSilenceTest::lateOutcomeOfAnEditIsTold()
+{
+    QSignalSpy outcomes(m_framework.get(), &HostFramework::lateOutcomeCame);
+    m_framework->setDescribe([](const StationCommand &command) { return u"about "_s + command.data.toString(); });
+    const QDateTime before = QDateTime::currentDateTimeUtc();
+    sendEditAndGiveUp();
+    QVERIFY(outcomes.isEmpty());
+    m_link->answer(0, u"0"_s);
+    QCOMPARE(outcomes.size(), 1);
+    auto outcome = outcomes.front().front().value<LateOutcome>();
+    QVERIFY(outcome.timedOutAt >= before && outcome.timedOutAt <= QDateTime::currentDateTimeUtc());
+    outcome.timedOutAt = {};
+    QCOMPARE(outcome, (LateOutcome{ServerCommand::removeRecordingGroup, u"about Gate"_s, {}, {}, u"0"_s, false}));
+    m_link->answer(0, u"0"_s); // once too often
+    QCOMPARE(outcomes.size(), 1);
+    QCOMPARE(m_plugin->log.size(), 1); // it was told that there is no answer
+}
+
+void HostFrameworkSilenceTest::lateOutcomeOfAnEditInParts_data()
+{
+    QTest::addColumn<QStringList>("inTime");
+    QTest::addColumn<QStringList>("late");
+    QTest::addColumn<QString>("returnCode");
+    QTest::addColumn<bool>("isDoneInPart");
+    QTest::newRow("refused") << QStringList{} << QStringList{u"A"_s} << u"A"_s << false;
+    QTest::newRow("all refused") << QStringList{} << QStringList{u"A"_s, u"B"_s} << u"A"_s << false;
+    QTest::newRow("all done") << QStringList{u"0"_s} << QStringList{u"0"_s, u"0"_s} << u"0"_s << false;
+    QTest::newRow("the last refused") << QStringList{u"0"_s} << QStringList{u"A"_s} << u"A"_s << true;
+    QTest::newRow("the first refused") << QStringList{u"A"_s} << QStringList{u"0"_s} << u"A"_s << true;
+}
+
+void HostFrameworkSilenceTest::lateOutcomeOfAnEditInParts()
+{
+    QFETCH(const QStringList, inTime);
+    QFETCH(const QStringList, late);
+    QSignalSpy outcomes(m_framework.get(), &HostFramework::lateOutcomeCame);
+    m_framework->setReplyTimeout(5ms);
+    QVERIFY(m_plugin->send(ServerCommand::removeRecordingGroup));
+    for (const QString &returnCode : inTime)
+        m_link->answer(0, returnCode, {}, false);
+    QTRY_COMPARE(m_plugin->log.size(), inTime.size() + 1);
+    for (qsizetype part = 0; part < late.size(); ++part) {
+        QVERIFY(outcomes.isEmpty());
+        m_link->answer(0, late.at(part), {}, part == late.size() - 1);
+    }
+    QCOMPARE(outcomes.size(), 1);
+    const auto outcome = outcomes.front().front().value<LateOutcome>();
+    QTEST(outcome.returnCode, "returnCode");
+    QTEST(outcome.isDoneInPart, "isDoneInPart");
+}
+
+void HostFrameworkSilenceTest::anEditInTimeHasNoLateOutcome()
+{
+    const QSignalSpy outcomes(m_framework.get(), &HostFramework::lateOutcomeCame);
+    m_framework->setReplyTimeout(1h);
+    QVERIFY(m_plugin->send(ServerCommand::removeRecordingGroup));
+    m_link->answer(0, u"0"_s);
+    m_link->answer(0, u"0"_s);
+    QVERIFY(outcomes.isEmpty());
+}
+
+void HostFrameworkSilenceTest::aLostStationEndsTheWaitForAnOutcome()
+{
+    QSignalSpy outcomes(m_framework.get(), &HostFramework::lateOutcomeCame);
+    sendEditAndGiveUp();
+    m_link->setState({StationState::Kind::Connecting});
+    QCOMPARE(outcomes.size(), 1);
+    QCOMPARE(outcomes.front().front().value<LateOutcome>().returnCode, HostReturnCode::StationLost);
+    m_link->setUp(true);
+    m_link->answer(0, u"0"_s); // of another command under this number
+    QCOMPARE(outcomes.size(), 1);
+}
+
+void HostFrameworkSilenceTest::anEditThatWasNeverSentIsTold()
+{
+    QSignalSpy outcomes(m_framework.get(), &HostFramework::lateOutcomeCame);
+    m_link->setState({StationState::Kind::Connecting});
+    sendEditAndGiveUp();
+    QVERIFY(outcomes.isEmpty());
+    m_link->setState({StationState::Kind::Down});
+    QCOMPARE(outcomes.size(), 1);
+    QCOMPARE(outcomes.front().front().value<LateOutcome>().returnCode, HostReturnCode::LinkDown);
+
+    m_link->setState({StationState::Kind::Connecting});
+    m_plugin->log.clear();
+    sendEditAndGiveUp();
+    m_link->setState({StationState::Kind::Up}); // now it is sent
+    m_link->setState({StationState::Kind::Down});
+    QCOMPARE(outcomes.size(), 2);
+    QCOMPARE(outcomes.back().front().value<LateOutcome>().returnCode, HostReturnCode::StationLost);
+}
+
+void HostFrameworkSilenceTest::nobodyHearsOfAnOutcomeAfterTheEnd()
+{
+    const QSignalSpy outcomes(m_framework.get(), &HostFramework::lateOutcomeCame);
+    sendEditAndGiveUp();
+    m_framework->close();
+    m_link->answer(0, u"0"_s);
+    m_link->setUp(false);
+    QVERIFY(outcomes.isEmpty());
 }
 
 void HostFrameworkSilenceTest::partRestartsTheTimeLimit()
@@ -122,10 +248,19 @@ void HostFrameworkSilenceTest::linkDownIsAnsweredLater()
     int context = 0;
     QVERIFY(m_plugin->send(u"getVolume"_s, {}, &context));
     QVERIFY(m_plugin->log.isEmpty());
-    m_link->setUp(true); // too late for the command, which the link never saw
-    QTRY_COMPARE(m_plugin->log, (QStringList{u"connected"_s, u"getVolume LinkDown last"_s}));
+    QTRY_COMPARE(m_plugin->log, QStringList{u"getVolume LinkDown last"_s});
     QCOMPARE(m_plugin->replies.front().context, &context);
     QVERIFY(m_link->sent.isEmpty());
+}
+
+void HostFrameworkSilenceTest::aCommandMayWaitForTheStation()
+{
+    m_link->setUp(false);
+    QVERIFY(m_plugin->send(u"getVolume"_s));
+    m_link->setUp(true);
+    QCOMPARE(m_link->sent.size(), 1);
+    m_link->answer(0, u"0"_s);
+    QCOMPARE(m_plugin->log, (QStringList{u"connected"_s, u"getVolume 0 last"_s}));
 }
 
 void HostFrameworkSilenceTest::linkGoingDownAnswersWhatIsOutstanding()
@@ -137,7 +272,7 @@ void HostFrameworkSilenceTest::linkGoingDownAnswersWhatIsOutstanding()
     m_link->setUp(false);
     m_link->answer(0, u"0"_s);
     m_link->answer(2, u"0"_s);
-    QCOMPARE(m_plugin->log, (QStringList{u"two 0 last"_s, u"one LinkDown last"_s, u"three LinkDown last"_s}));
+    QCOMPARE(m_plugin->log, (QStringList{u"two 0 last"_s, u"one StationLost last"_s, u"three StationLost last"_s}));
 }
 
 void HostFrameworkSilenceTest::commandSentWhileTheLinkGoesDownIsAnswered()
@@ -146,7 +281,7 @@ void HostFrameworkSilenceTest::commandSentWhileTheLinkGoesDownIsAnswered()
     QVERIFY(m_plugin->send(u"two"_s));
     m_plugin->duringReply = [this] { QVERIFY(m_plugin->send(u"again"_s)); };
     m_link->setUp(false);
-    const QStringList expected{u"one LinkDown last"_s, u"two LinkDown last"_s, u"again LinkDown last"_s};
+    const QStringList expected{u"one StationLost last"_s, u"two StationLost last"_s, u"again LinkDown last"_s};
     QTRY_COMPARE(m_plugin->log, expected);
 }
 
