@@ -1,5 +1,7 @@
 #include "AnswerTable.h"
 
+#include <QMetaMethod>
+
 #include <algorithm>
 #include <iterator>
 
@@ -8,17 +10,23 @@ namespace {
 constexpr auto volumes = "getVolumeModel";
 constexpr auto nasServers = "getNASServerModel";
 
-constexpr AnswerRow answers[] = {
+struct TableRow
+{
+    const char *invokable;
+    const char *command;
+    const char *signal;
+    const char *model;
+    bool carriesRequestId = false;
+};
+
+constexpr TableRow answers[] = {
     {"getVolume", "getVolume", "getVolumeResponded", volumes},
     {"getServerDir", "getServerDir", "getServerDirResponded", "getServerDirModel"},
-    {"createDirectory", "createDirectory", "createDirectoryResponded", nullptr},
     {"getRecordingGroup", "getRecordingGroup", "getRecordingGroupResponded", "getRecordingGroupModel", true},
-    {"addRecordingGroup", "addRecordingGroup", "addRecordingGroupResponded", nullptr},
     {"addRecordingGroupWithCompleteInfo", "addRecordingGroupWithCompleteInfo", "addRecordingGroupWithCompleteInfoResp",
      nullptr},
     {"updateRecordingGroup", "updateRecordingGroup", "updateRecordingGroupResp", nullptr},
     {"removeRecordingGroup", "removeRecordingGroup", "removeRecordingGroupResp", nullptr},
-    {"addPathToRecordingGroup", "addPathToRecordingGroup", "addPathToRecordingGroupResponded", nullptr},
     {"removePathFromRecordingGroup", "removePathFromRecordingGroup", "removePathFromRecordingGroupResp", nullptr},
     {"retrieveRecordingGroupTreeModel", "retrieveRecordingGroupTreeModel", "retrieveRecordingGroupTreeModelFinish",
      "getRecordingGroupTreeModel"},
@@ -67,12 +75,20 @@ const QList<QueryRow> &queries()
 
 } // namespace
 
-const AnswerRow *answerOf(const QString &invokable)
+std::optional<AnswerRow> answerOf(const QString &invokable, const QMetaObject &plugin)
 {
-    const auto *const row = std::find_if(std::begin(answers), std::end(answers), [&invokable](const AnswerRow &answer) {
+    const auto *const row = std::find_if(std::begin(answers), std::end(answers), [&invokable](const TableRow &answer) {
         return invokable == QLatin1String(answer.invokable);
     });
-    return row == std::end(answers) ? nullptr : row;
+    if (row != std::end(answers))
+        return AnswerRow{row->command, row->signal, row->model, row->carriesRequestId};
+    const QByteArray command = invokable.toLatin1();
+    const QByteArray signal = command + "Responded";
+    for (int i = plugin.methodOffset(); i < plugin.methodCount(); ++i) {
+        if (plugin.method(i).methodType() == QMetaMethod::Signal && plugin.method(i).name() == signal)
+            return AnswerRow{command, signal};
+    }
+    return {};
 }
 
 QStringList requestsBefore(const QString &invokable)

@@ -1,58 +1,77 @@
 #include "CameraCommands.h"
 
 #include "CommandRun.h"
+#include "JsonFields.h"
 #include "Output.h"
+#include "StationVocabulary.h"
 #include "TextTable.h"
-#include "ValueText.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
 
 namespace {
 
 const QString cameraName = QStringLiteral("camName");
 const QString streamCount = QStringLiteral("streams");
 
-/// Sends @p command and prints, when it is done, nothing or what @p printResult does; with --json the answer.
-ExitCode station(CommandRun &run, const QString &command, const QVariant &data,
-                 const std::function<void(const QVariant &answer)> &printResult = {})
+QVariant answerOf(const CallOutcome &outcome)
 {
-    const CallOutcome outcome = run.callStation(command, data);
-    const QVariant answer = outcome.parts.isEmpty() ? QVariant() : outcome.parts.last().data;
-    const QJsonObject json{{QStringLiteral("call"), command},
-                           {QStringLiteral("returnCode"), outcome.returnCode},
-                           {QStringLiteral("data"), valueJson(answer)}};
-    return run.end(outcome, json, [&] {
-        if (printResult)
-            printResult(answer);
-    });
+    return outcome.parts.isEmpty() ? QVariant() : outcome.parts.last().data;
+}
+
+QJsonArray camerasJson(const QVariantList &cameras)
+{
+    QJsonArray array;
+    for (const QVariant &camera : cameras)
+        array.append(QJsonObject{{QStringLiteral("name"), camera.toMap().value(cameraName).toString()},
+                                 {streamCount, camera.toMap().value(streamCount).toInt()}});
+    return array;
+}
+
+TextTable cameraTable(const QVariantList &cameras)
+{
+    TextTable table({QStringLiteral("Name"), QStringLiteral("Streams")});
+    table.setRightAligned(1);
+    for (const QVariant &camera : cameras)
+        table.addRow({camera.toMap().value(cameraName).toString(), camera.toMap().value(streamCount).toString()});
+    return table;
 }
 
 } // namespace
 
 ExitCode showCameras(CommandRun &run)
 {
-    return station(run, QStringLiteral("station.listCameras"), {}, [](const QVariant &answer) {
-        TextTable table({QStringLiteral("Name"), QStringLiteral("Streams")});
-        table.setRightAligned(1);
-        const QVariantList cameras = answer.toList();
-        for (const QVariant &camera : cameras)
-            table.addRow({camera.toMap().value(cameraName).toString(), camera.toMap().value(streamCount).toString()});
-        printText(table.toString());
-    });
+    const CallOutcome outcome = run.callStation(StationCommandName::listCameras);
+    const QVariantList cameras = answerOf(outcome).toList();
+    return run.end(
+        outcome,
+        {[&cameras] { return camerasJson(cameras); }, [&cameras] { printText(cameraTable(cameras).toString()); }});
 }
 
 ExitCode addCamera(CommandRun &run)
 {
+    const QString name = run.line().arguments.first();
     const int streams = run.line().value(streamCount, QStringLiteral("1")).toInt();
-    return station(run, QStringLiteral("station.addCamera"),
-                   QVariantMap{{cameraName, run.line().arguments.first()}, {streamCount, streams}});
+    const QVariantMap camera{{cameraName, name}, {streamCount, streams}};
+    return run.end(run.callStation(StationCommandName::addCamera, camera),
+                   {[&] {
+                        return QJsonObject{{QStringLiteral("name"), name}, {streamCount, streams}};
+                    },
+                    {}});
 }
 
 ExitCode removeCamera(CommandRun &run)
 {
-    return station(run, QStringLiteral("station.removeCamera"),
-                   QVariantMap{{cameraName, run.line().arguments.first()}});
+    const QString name = run.line().arguments.first();
+    return run.end(run.callStation(StationCommandName::removeCamera, QVariantMap{{cameraName, name}}),
+                   {[&name] {
+                        return QJsonObject{{QStringLiteral("name"), name}};
+                    },
+                    {}});
 }
 
 ExitCode makeSampleSite(CommandRun &run)
 {
-    return station(run, QStringLiteral("station.createSampleSite"), QVariantMap());
+    const CallOutcome outcome = run.callStation(StationCommandName::createSampleSite, QVariantMap());
+    return run.end(outcome, {[&outcome] { return plainJson(answerOf(outcome)); }, {}});
 }

@@ -1,5 +1,9 @@
 #include "CommandForms.h"
 
+#include "StationVocabulary.h"
+
+#include <QDateTime>
+
 #include <algorithm>
 #include <limits>
 
@@ -47,14 +51,30 @@ QString someText(const QString &value)
     return value.isEmpty() ? QStringLiteral("some text") : QString();
 }
 
+QString utcTime(const QString &value)
+{
+    const QDateTime time = QDateTime::fromString(value, Qt::ISODate);
+    return time.isValid() && time.timeSpec() == Qt::UTC ? QString()
+                                                        : QStringLiteral("a time in UTC like 2026-03-20T00:00:00Z");
+}
+
+QString resolution(const QString &value)
+{
+    return value == StationResolution::hour || value == StationResolution::day ? QString()
+                                                                               : QStringLiteral("hour or day");
+}
+
 constexpr int intMax = std::numeric_limits<int>::max();
 
-constexpr auto common = "json data";
+constexpr auto common = "json connect data station";
 
 constexpr CommandForm commands[] = {
     {"list", 0, 0, "", "", "", "every invokable, signal and enumeration of the plug-in"},
     {"call", 1, any, "NAME [ARGUMENT...]", "", "timeout", "call an invokable and wait for its answer"},
-    {"watch", 0, 0, "", "", "timeout count", "print events, signals, usage and alarms as they come"},
+    {"watch", 0, 0, "", "", "timeout count all", "print events, signals, usage and alarms as they come"},
+    {"stations", 0, 0, "", "", "timeout", "all stations: whether they are up, short of days, free space and alarms"},
+    {"each", 2, any, "PATTERN -- COMMAND [ARGUMENT...]", "", "parallel timeout",
+     "the same command for all stations whose id or name fits"},
     {"volumes", 0, 0, "", "", "timeout", "this station's volumes"},
     {"folders", 0, 1, "[PATH]", "", "timeout", "the folders in PATH; the roots of the volumes without it"},
     {"mkdir", 1, 1, "PATH", "", "timeout", "make the folder PATH, parents included"},
@@ -74,8 +94,19 @@ constexpr CommandForm commands[] = {
     {"camera-add", 1, 1, "NAME", "", "streams timeout", "make a camera known to the station"},
     {"camera-remove", 1, 1, "NAME", "", "timeout", "make the station forget a camera that no group records"},
     {"site-sample", 0, 0, "", "", "timeout", "fill an empty station with cameras, groups and recordings to look at"},
-    {"usage", 0, 0, "", "", "timeout", "recorded and remaining days of the recording groups, and their volumes"},
-    {"alarms", 0, 0, "", "", "timeout", "volumes in trouble and recording groups short of days"},
+    {"usage", 0, 0, "", "", "timeout all", "recorded and remaining days of the recording groups, and their volumes"},
+    {"alarms", 0, 0, "", "", "past limit timeout", "volumes in trouble and recording groups short of days"},
+    {"alarm-acknowledge", 2, 2, "KIND SUBJECT", "", "note withdraw timeout",
+     "say that an alarm of the station is seen; it goes on"},
+    {"storage", 0, 0, "", "", "timeout", "what each volume holds: recordings, other files and what is free"},
+    {"recordings-unassigned", 0, 0, "", "", "timeout", "recordings that belong to no recording group"},
+    {"recordings-assign", 2, 2, "PLACE GROUP", "", "timeout", "move such recordings into a group on the same volume"},
+    {"recordings-delete", 1, 1, "PLACE", "", "confirm timeout", "delete such recordings for good"},
+    {"forecast", 1, any, "COMMAND [ARGUMENT...]", "", "timeout",
+     "what a group-add, -update, -remove or -path- command would do; changes nothing"},
+    {"activity", 0, 0, "", "", "group from until limit timeout", "who edited what, the newest first"},
+    {"history", 2, 2, "group|volume NAME|PATH", "", "from until resolution timeout",
+     "what the figures of a recording group or volume were"},
     {"nas", 0, 0, "", "", "timeout", "the NAS servers that the station knows"},
     {"nas-add", 1, 1, "HOST", "", "user domain password timeout", "add a NAS server; prints its id"},
     {"nas-update", 1, 1, "SERVER", "", "host user domain password timeout", "change a NAS server"},
@@ -103,7 +134,8 @@ QString optionLines(const CommandForm *form)
 {
     QString text = QStringLiteral("\nOptions:\n");
     for (const OptionForm &option : optionForms()) {
-        const bool shown = form ? takesOption(*form, option) : isAmong("json data timeout count", option.name);
+        const bool shown =
+            form ? takesOption(*form, option) : isAmong("json connect data station timeout count", option.name);
         if (shown)
             text += QStringLiteral("  %1  %2\n").arg(optionText(option), -27).arg(QLatin1String(option.what));
     }
@@ -132,8 +164,22 @@ const QList<OptionForm> &optionForms()
         {"user", "USER", false, nullptr, "who logs on (default Guest)"},
         {"domain", "DOMAIN", false, nullptr, "where the user is known (default Host)"},
         {"password", "-|@FILE", false, nullptr, "read from standard input or a file, never typed here"},
+        {"from", "TIME", false, utcTime, "of this time and later (default: all)"},
+        {"until", "TIME", false, utcTime, "before this time"},
+        {"resolution", "STEP", false, resolution, "one sample for each hour, or for each day (default)"},
+        {"group", "GROUP", false, someText, "edits of this recording group alone"},
+        {"limit", "N", false, wholeNumber<1, 1000>, "no more entries than that (default 100)"},
+        {"past", nullptr, false, nullptr, "those of the station that are over, the last one first"},
+        {"note", "TEXT", false, someText, "what others shall know, up to 1000 characters"},
+        {"withdraw", nullptr, false, nullptr, "it is not acknowledged any more"},
+        {"confirm", "NAME", false, nullptr, "the name of the folder, which is asked for otherwise"},
+        {"all", nullptr, false, nullptr, "of all stations"},
+        {"parallel", "N", false, wholeNumber<1, 64>, "at most so many stations at a time (default 8)"},
         {"json", nullptr, false, nullptr, "results as JSON; one line for each with watch"},
-        {"data", "DIR", false, someText, "the station's data folder"},
+        {"connect", "URL", false, someText,
+         "the station: local:DIR, mqtts://BROKER/ID, or embedded:DIR inside this process ($RECORDING_CONNECT)"},
+        {"data", "DIR", false, someText, "the station's data folder, short for --connect local:DIR"},
+        {"station", "ID", false, someText, "the station of that id in place of the one that the URL names"},
         {"timeout", "SECONDS", false, seconds, "for the station (default 30); how long watch lasts (default for ever)"},
         {"count", "N", false, wholeNumber<1, intMax>, "watch: end after N lines"},
     };
@@ -157,6 +203,11 @@ bool takesOption(const CommandForm &form, const OptionForm &option)
 QStringList neededOptions(const CommandForm &form)
 {
     return QString::fromLatin1(form.needs).split(u' ', Qt::SkipEmptyParts);
+}
+
+bool mayBeForecast(const CommandForm &form)
+{
+    return isAmong("group-add group-update group-remove group-path-add group-path-set group-path-remove", form.name);
 }
 
 QStringList commandNames()

@@ -35,6 +35,9 @@ const CommandForm *commandForm(const QString &name);
 bool takesOption(const CommandForm &form, const OptionForm &option);
 QStringList neededOptions(const CommandForm &form);
 
+/// Whether @p form may stand behind "forecast": it edits recording groups.
+bool mayBeForecast(const CommandForm &form);
+
 QStringList commandNames();
 /// "recordingctl group-add NAME --path PATH... [--kind KIND] ...", without what every command takes.
 QString usageText(const CommandForm &form);

@@ -2,6 +2,7 @@
 
 #include "CommandForms.h"
 #include "PluginInterface.h"
+#include "link/StationUrl.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -72,12 +73,20 @@ CommandLine CommandLine::parse(const QStringList &arguments)
         line.error = reason;
         return line;
     };
-    if (!parser.parse(arguments))
-        return wrong(parsingError(arguments, parser));
-
+    const bool isParsed = parser.parse(arguments);
+    line.json = parser.isSet(QStringLiteral("json")); // also what is wrong is told as JSON
     line.arguments = parser.positionalArguments();
     line.command = line.arguments.isEmpty() ? QString() : line.arguments.takeFirst();
+    if (!isParsed)
+        return wrong(parsingError(arguments, parser));
     const CommandForm *form = commandForm(line.command);
+    if (line.command == QStringLiteral("forecast") && !line.arguments.isEmpty()) {
+        line.edit = line.arguments.takeFirst();
+        form = commandForm(line.edit);
+        if (!form || !mayBeForecast(*form))
+            return wrong(
+                QStringLiteral("forecast takes a command that edits recording groups, not \"%1\"").arg(line.edit));
+    }
     if (parser.isSet(version)) {
         line.text = QStringLiteral("recordingctl %1\n").arg(QCoreApplication::applicationVersion());
         return line;
@@ -106,8 +115,9 @@ CommandLine CommandLine::parse(const QStringList &arguments)
         if (!line.has(name))
             return wrong(QStringLiteral("--%1 is missing; usage: %2").arg(name, usageText(*form)));
     }
-    line.json = line.has(QStringLiteral("json"));
-    line.dataFolder = line.value(QStringLiteral("data"));
+    if (line.has(QStringLiteral("connect")) && line.has(QStringLiteral("data")))
+        return wrong(QStringLiteral("--connect and --data both name a station; give one of them"));
+    line.url = stationUrl(line.value(QStringLiteral("connect")), line.value(QStringLiteral("data")));
     if (line.has(QStringLiteral("timeout")))
         line.timeout = std::chrono::round<std::chrono::milliseconds>(
             std::chrono::duration<double>(line.value(QStringLiteral("timeout")).toDouble()));

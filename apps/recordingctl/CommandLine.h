@@ -11,11 +11,12 @@
 struct CommandLine
 {
     QString command;
+    QString edit; ///< forecast: the command whose effect is asked for; arguments and options are its own
     QStringList arguments;
     QMap<QString, QStringList> options; ///< what was typed behind each option, checked; [""] for a flag
 
     bool json = false;
-    QString dataFolder; ///< empty: the station's own choice
+    QString url; ///< of the station; see StationLink::open()
     std::optional<std::chrono::milliseconds> timeout;
     std::optional<int> count;
 

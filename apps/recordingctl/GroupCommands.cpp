@@ -1,12 +1,14 @@
 #include "GroupCommands.h"
 
-#include "ModelPrinter.h"
-#include "OutcomeText.h"
+#include "GroupForecast.h"
+#include "JsonFields.h"
 #include "Output.h"
 #include "RecordingGroups.h"
+#include "ServerVocabulary.h"
+#include "StationVocabulary.h"
 #include "Units.h"
-#include "ValueText.h"
 
+#include <algorithm>
 #include <functional>
 #include <utility>
 
@@ -92,14 +94,14 @@ ExitCode withGroups(CommandRun &run, const QStringList &texts,
 {
     const CallOutcome tree = run.call(retrieve);
     if (!tree.model)
-        return run.end(retrieve, tree);
+        return run.end(tree);
     const QList<GroupInfo> groups = groupsOf(run, *tree.model);
     QList<GroupInfo> named;
     for (const QString &text : texts) {
         QString error;
         const GroupInfo *group = findGroup(groups, text, &error);
         if (!group)
-            return refused(QStringLiteral("%1: %2").arg(run.line().command, error));
+            return run.refused(ToolErrorCode::NotFound, QStringLiteral("%1: %2").arg(run.line().command, error));
         named.append(*group);
     }
     return use(texts.isEmpty() ? groups : named);
@@ -116,43 +118,70 @@ struct Changes
     QVariantMap setGroup = {};
 };
 
+QJsonObject idJson(const QString &id)
+{
+    return {{QStringLiteral("id"), id}};
+}
+
 ExitCode change(CommandRun &run, const Changes &changes)
 {
     return withGroups(run, {run.line().arguments.first()}, [&](const QList<GroupInfo> &named) {
-        const CallOutcome outcome =
-            run.call(update,
-                     {named.first().id, changes.addMembers, changes.removeMembers, changes.addPaths,
-                      changes.removePaths, changes.setPaths, changes.setGroup});
-        return run.end(update, outcome);
+        const QVariantList arguments{named.first().id,    changes.addMembers, changes.removeMembers, changes.addPaths,
+                                     changes.removePaths, changes.setPaths,   changes.setGroup};
+        if (!run.line().edit.isEmpty())
+            return showForecast(run, update, arguments);
+        return run.end(run.call(update, arguments), {[&named] { return idJson(named.first().id); }, {}});
     });
+}
+
+/// Something that a removal took away.
+struct Removal
+{
+    GroupInfo group;
+    QStringList paths;
+    QVariant keptBytes; ///< what stays on the disks; invalid when it is not known
+};
+
+TextTable removalTable(const QList<Removal> &removals)
+{
+    TextTable table({QStringLiteral("Group"), QStringLiteral("Path"), QStringLiteral("Kept on disk")});
+    table.setRightAligned(2);
+    for (const Removal &removal : removals) {
+        const QVariant &kept = removal.keptBytes;
+        table.addRow({removal.group.name, removal.paths.join(QStringLiteral(", ")),
+                      kept.isValid() ? sizeText(kept.toLongLong() / 1024) : QStringLiteral("unknown")});
+    }
+    return table;
+}
+
+QJsonArray removalsJson(const QList<Removal> &removals)
+{
+    QJsonArray array;
+    for (const Removal &removal : removals)
+        array.append(fieldsJson({{QStringLiteral("groupId"), removal.group.id},
+                                 {QStringLiteral("group"), removal.group.name},
+                                 {QStringLiteral("paths"), removal.paths},
+                                 {StationKey::keptBytes, removal.keptBytes}}));
+    return array;
 }
 
 /// Ends an edit that the station answered for each of @p groups, and of @p paths where there are any: what stays on the
 /// disks is only in the parts of the answer.
-ExitCode endRemoval(CommandRun &run, const QString &name, const CallOutcome &outcome, const QList<GroupInfo> &groups,
+ExitCode endRemoval(CommandRun &run, const CallOutcome &outcome, const QList<GroupInfo> &groups,
                     const QStringList &paths)
 {
-    QJsonArray parts;
-    TextTable table({QStringLiteral("Group"), QStringLiteral("Path"), QStringLiteral("Kept on disk")});
-    table.setRightAligned(2);
-    int done = 0;
-    for (qsizetype index = 0; index < outcome.parts.size(); ++index) {
+    QList<Removal> done;
+    for (qsizetype index = 0; index < std::min(outcome.parts.size(), groups.size()); ++index) {
         const StationReply &part = outcome.parts[index];
-        QJsonObject object = valueJson(part.data.toMap()).toObject();
-        object.insert(QStringLiteral("returnCode"), part.returnCode);
-        parts.append(object);
-        const QVariant kept = part.data.toMap().value(QStringLiteral("keptBytes"));
-        if (part.returnCode != QStringLiteral("0") || index >= groups.size())
-            continue;
-        ++done;
-        table.addRow({groups[index].name, paths.value(index, groups[index].paths.join(QStringLiteral(", "))),
-                      kept.isValid() ? sizeText(kept.toLongLong() / 1024) : QStringLiteral("unknown")});
+        if (part.returnCode == ReturnCode::Success)
+            done.append({groups[index], paths.isEmpty() ? groups[index].paths : QStringList{paths.value(index)},
+                         part.data.toMap().value(StationKey::keptBytes)});
     }
-    QJsonObject json = outcomeJson(name, outcome);
-    json.insert(QStringLiteral("parts"), parts);
-    if (!run.line().json && done > 0) // also when others were refused
-        printText(table.toString());
-    return run.end(outcome, json, {});
+    const ResultView view{[&done] { return removalsJson(done); },
+                          [&done] { printText(removalTable(done).toString()); }};
+    if (outcome.exitCode != ExitCode::Done && !done.isEmpty())
+        run.show(view); // though others were refused
+    return run.end(outcome, view);
 }
 
 } // namespace
@@ -160,16 +189,14 @@ ExitCode endRemoval(CommandRun &run, const QString &name, const CallOutcome &out
 ExitCode showTree(CommandRun &run)
 {
     const CallOutcome tree = run.call(retrieve);
-    return run.end(retrieve, tree, [&tree] { printText(treeTable(*tree.model).toString()); });
+    return run.end(
+        tree, {[&tree] { return treeJson(*tree.model); }, [&tree] { printText(treeTable(*tree.model).toString()); }});
 }
 
 ExitCode showGroups(CommandRun &run)
 {
     return withGroups(run, {}, [&run](const QList<GroupInfo> &groups) {
-        if (run.line().json)
-            printLine(indentedJson(groupsJson(groups)));
-        else
-            printText(groupTable(groups).toString());
+        run.show({[&groups] { return groupsJson(groups); }, [&groups] { printText(groupTable(groups).toString()); }});
         return ExitCode::Done;
     });
 }
@@ -177,10 +204,9 @@ ExitCode showGroups(CommandRun &run)
 ExitCode showMembers(CommandRun &run)
 {
     return withGroups(run, run.line().arguments, [&run](const QList<GroupInfo> &named) {
-        if (run.line().json)
-            printLine(indentedJson(valueJson(named.first().members).toArray()));
-        else
-            printText(memberTable(named.first().members).toString());
+        const QVariantList &members = named.first().members;
+        run.show(
+            {[&members] { return membersJson(members); }, [&members] { printText(memberTable(members).toString()); }});
         return ExitCode::Done;
     });
 }
@@ -191,12 +217,13 @@ ExitCode addGroup(CommandRun &run)
     const QString name = QStringLiteral("addRecordingGroupWithCompleteInfo");
     QVariantMap group{{QStringLiteral("recordingGroupName"), line.arguments.first()}};
     insertReservedTime(group, line.value(QStringLiteral("reserved-time")).toInt());
-    const CallOutcome outcome = run.call(
-        name, {group, newPaths(line, line.values(QStringLiteral("path"))), newMembers(line, QStringLiteral("member"))});
-    return run.end(name, outcome, [&outcome] {
-        const CallOutcome::Emission answer = outcome.answers.value(0);
-        printLine(answer.arguments.value(answer.signal.parameterNames().indexOf("addedGrpID")).toString());
-    });
+    const QVariantList arguments{group, newPaths(line, line.values(QStringLiteral("path"))),
+                                 newMembers(line, QStringLiteral("member"))};
+    if (!line.edit.isEmpty())
+        return showForecast(run, name, arguments);
+    const CallOutcome outcome = run.call(name, arguments);
+    const QString id = outcome.answered("addedGrpID").toString();
+    return run.end(outcome, {[&id] { return idJson(id); }, [&id] { printLine(id); }});
 }
 
 ExitCode updateGroup(CommandRun &run)
@@ -210,7 +237,7 @@ ExitCode updateGroup(CommandRun &run)
     if (line.has(QStringLiteral("reserved-time")))
         insertReservedTime(changes.setGroup, line.value(QStringLiteral("reserved-time")).toInt());
     if (changes.addMembers.isEmpty() && changes.removeMembers.isEmpty() && changes.setGroup.isEmpty())
-        return wrongUse(QStringLiteral(
+        return run.wrongUse(QStringLiteral(
             "group-update: one of --name, --reserved-time, --add-member and --remove-member was expected"));
     return change(run, changes);
 }
@@ -222,7 +249,9 @@ ExitCode removeGroups(CommandRun &run)
         QStringList ids;
         for (const GroupInfo &group : named)
             ids.append(group.id);
-        return endRemoval(run, name, run.call(name, {ids}), named, {});
+        if (!run.line().edit.isEmpty())
+            return showForecast(run, name, {ids});
+        return endRemoval(run, run.call(name, {ids}), named, {});
     });
 }
 
@@ -238,7 +267,7 @@ ExitCode setGroupPaths(CommandRun &run)
     const QVariantMap wanted = pathChanges(run.line());
     const bool both = run.line().has(QStringLiteral("recovery")) && run.line().has(QStringLiteral("no-recovery"));
     if (wanted.isEmpty() || both)
-        return wrongUse(QStringLiteral(
+        return run.wrongUse(QStringLiteral(
             "group-path-set: one or more of --kind, --reserve and either --recovery or --no-recovery was expected"));
     Changes changes;
     for (const QString &path : run.line().arguments.mid(1)) {
@@ -256,6 +285,8 @@ ExitCode removeGroupPaths(CommandRun &run)
         const QStringList paths = run.line().arguments.mid(1);
         const QStringList ids(paths.size(), named.first().id);
         const QList<GroupInfo> groups(paths.size(), named.first());
-        return endRemoval(run, name, run.call(name, {ids, paths}), groups, paths);
+        if (!run.line().edit.isEmpty())
+            return showForecast(run, name, {ids, paths});
+        return endRemoval(run, run.call(name, {ids, paths}), groups, paths);
     });
 }

@@ -1,5 +1,6 @@
 #include "ModelPrinter.h"
 
+#include "JsonFields.h"
 #include "ValueText.h"
 
 #include <QAbstractItemModel>
@@ -47,14 +48,30 @@ void addRows(TextTable &table, const QAbstractItemModel &model, const Roles &rol
     }
 }
 
+/// Roles of @p getter's model that say nothing: filled with zeros and empty lists, or made up anew for each row.
+QStringList silentRoles(const QString &getter)
+{
+    if (getter == QStringLiteral("getRecordingGroupModel"))
+        return {QStringLiteral("recordedDaysRole"), QStringLiteral("remainDaysRole"), QStringLiteral("oneDayUsageRole"),
+                QStringLiteral("reserveTimeRole")};
+    if (getter == QStringLiteral("getStorageUsageModel"))
+        return {QStringLiteral("pathListRole"), QStringLiteral("nodeIdListRole"), QStringLiteral("nasPathListRole")};
+    if (getter == QStringLiteral("getVolumeModel") || getter == QStringLiteral("getGroupVolumeModel"))
+        return {QStringLiteral("idRole")};
+    return {};
+}
+
 QJsonArray rowsJson(const QAbstractItemModel &model, const Roles &roles, const QModelIndex &parent)
 {
     QJsonArray rows;
     for (int row = 0; row < model.rowCount(parent); ++row) {
         const QModelIndex index = model.index(row, 0, parent);
-        QJsonObject object;
-        for (auto role = roles.cbegin(); role != roles.cend(); ++role)
-            object.insert(role.value(), valueJson(shown(index, role.key(), role.value())));
+        QVariantMap fields;
+        for (auto role = roles.cbegin(); role != roles.cend(); ++role) {
+            const QString name = role->endsWith(QStringLiteral("Role")) ? role->chopped(4) : role.value();
+            fields.insert(name, index.data(role.key()));
+        }
+        QJsonObject object = fieldsJson(fields);
         if (model.hasChildren(index))
             object.insert(QStringLiteral("children"), rowsJson(model, roles, index));
         rows.append(object);
@@ -80,9 +97,12 @@ TextTable modelTable(const QAbstractItemModel &model)
     return table;
 }
 
-QJsonArray modelJson(const QAbstractItemModel &model)
+QJsonArray modelJson(const QAbstractItemModel &model, const QString &getter)
 {
-    return rowsJson(model, rolesOf(model), {});
+    Roles roles = rolesOf(model);
+    const QStringList silent = silentRoles(getter);
+    roles.removeIf([&silent](const auto &role) { return silent.contains(role.value()); });
+    return rowsJson(model, roles, {});
 }
 
 QString nameLines(const QAbstractItemModel &model)
@@ -92,4 +112,13 @@ QString nameLines(const QAbstractItemModel &model)
     for (int row = 0; row < model.rowCount(); ++row)
         text += printable(model.index(row, 0).data(role).toString()) + u'\n';
     return text;
+}
+
+QJsonArray namesJson(const QAbstractItemModel &model)
+{
+    const int role = model.roleNames().key("nameRole");
+    QJsonArray names;
+    for (int row = 0; row < model.rowCount(); ++row)
+        names.append(model.index(row, 0).data(role).toString());
+    return names;
 }

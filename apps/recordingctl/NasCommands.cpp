@@ -1,14 +1,18 @@
 #include "NasCommands.h"
 
 #include "CommandRun.h"
+#include "JsonFields.h"
 #include "ModelPrinter.h"
 #include "Output.h"
 #include "PasswordArgument.h"
-#include "StationProtocol.h"
+#include "ServerVocabulary.h"
+#include "StationVocabulary.h"
 #include "Units.h"
 #include "VolumeTable.h"
 
 #include <QAbstractItemModel>
+#include <QJsonArray>
+#include <QJsonObject>
 
 #include <functional>
 #include <optional>
@@ -73,7 +77,7 @@ ExitCode withServer(CommandRun &run, const std::function<ExitCode(const LogOn &s
 {
     const CallOutcome outcome = run.call(list);
     if (!outcome.model)
-        return run.end(list, outcome);
+        return run.end(outcome);
     const QString text = run.line().arguments.first();
     QList<LogOn> found;
     const QList<LogOn> servers = serversIn(*outcome.model);
@@ -87,13 +91,13 @@ ExitCode withServer(CommandRun &run, const std::function<ExitCode(const LogOn &s
         return use(found.first());
     const QString problem = found.isEmpty() ? QStringLiteral("%1: there is no NAS server \"%2\"; \"nas\" lists them")
                                             : QStringLiteral("%1: several NAS servers are on \"%2\"; give the id");
-    return refused(problem.arg(run.line().command, text));
+    return run.refused(ToolErrorCode::NotFound, problem.arg(run.line().command, text));
 }
 
 /// Calls @p name with the path that the first argument names and a log-on: that of the options, else that of the server
 /// on the path's host, else a guest's.
 ExitCode withPath(CommandRun &run, const QString &name,
-                  const std::function<void(const CallOutcome &outcome)> &printResult)
+                  const std::function<ResultView(const CallOutcome &outcome)> &view)
 {
     const CommandLine &line = run.line();
     const QString path = line.arguments.first();
@@ -111,16 +115,25 @@ ExitCode withPath(CommandRun &run, const QString &name,
     QString error;
     const std::optional<LogOn> logOn = withOptions(line, known, &error);
     if (!logOn)
-        return wrongUse(error);
+        return run.wrongUse(error);
     const CallOutcome outcome = run.call(name, {path, logOn->domain, logOn->user, logOn->password});
-    return run.end(name, outcome, [&] { printResult(outcome); });
+    return run.end(outcome, view(outcome));
 }
 
-/// The argument @p parameter of the signal that answered.
-QVariant answered(const CallOutcome &outcome, const char *parameter)
+QJsonObject idJson(const QString &id)
 {
-    const CallOutcome::Emission answer = outcome.answers.value(0);
-    return answer.arguments.value(answer.signal.parameterNames().indexOf(parameter));
+    return {{QStringLiteral("id"), id}};
+}
+
+QJsonArray serversJson(const QList<LogOn> &servers)
+{
+    QJsonArray array;
+    for (const LogOn &server : servers)
+        array.append(QJsonObject{{QStringLiteral("id"), server.id},
+                                 {QStringLiteral("host"), server.host},
+                                 {QStringLiteral("domain"), textJson(server.domain)},
+                                 {QStringLiteral("user"), textJson(server.user)}});
+    return array;
 }
 
 } // namespace
@@ -145,7 +158,9 @@ QString hostOfNasPath(const QString &path)
 ExitCode showNasServers(CommandRun &run)
 {
     const CallOutcome outcome = run.call(list);
-    return run.end(list, outcome, [&outcome] { printText(nasServerTable(*outcome.model).toString()); });
+    return run.end(outcome,
+                   {[&outcome] { return serversJson(serversIn(*outcome.model)); },
+                    [&outcome] { printText(nasServerTable(*outcome.model).toString()); }});
 }
 
 ExitCode addNasServer(CommandRun &run)
@@ -156,9 +171,10 @@ ExitCode addNasServer(CommandRun &run)
     QString error;
     const std::optional<LogOn> logOn = withOptions(run.line(), added, &error);
     if (!logOn)
-        return wrongUse(error);
+        return run.wrongUse(error);
     const CallOutcome outcome = run.call(name, {logOn->host, logOn->domain, logOn->user, logOn->password});
-    return run.end(name, outcome, [&outcome] { printLine(answered(outcome, "srvId").toString()); });
+    const QString id = outcome.answered("srvId").toString();
+    return run.end(outcome, {[&id] { return idJson(id); }, [&id] { printLine(id); }});
 }
 
 ExitCode updateNasServer(CommandRun &run)
@@ -168,21 +184,22 @@ ExitCode updateNasServer(CommandRun &run)
     for (const char *option : {"host", "user", "domain", "password"})
         changes = changes || line.has(QLatin1String(option));
     if (!changes)
-        return wrongUse(QStringLiteral("nas-update: one of --host, --user, --domain and --password was expected"));
+        return run.wrongUse(QStringLiteral("nas-update: one of --host, --user, --domain and --password was expected"));
     return withServer(run, [&run, &line](const LogOn &server) {
         QString error;
         std::optional<LogOn> logOn = withOptions(line, server, &error);
         if (!logOn)
-            return wrongUse(error);
+            return run.wrongUse(error);
         if (!isSameHost(server.host, logOn->host) && !line.has(QStringLiteral("password"))) {
             if (logOn->user.compare(LogOn().user, Qt::CaseInsensitive) != 0) {
-                return wrongUse(QStringLiteral("nas-update: another --host needs --password, too: the station sends"
-                                               " the password that it keeps to no other host"));
+                return run.wrongUse(QStringLiteral("nas-update: another --host needs --password, too: the station sends"
+                                                   " the password that it keeps to no other host"));
             }
             logOn->password.clear();
         }
         const QString name = QStringLiteral("updateNASServer");
-        return run.end(name, run.call(name, {server.id, logOn->host, logOn->domain, logOn->user, logOn->password}));
+        return run.end(run.call(name, {server.id, logOn->host, logOn->domain, logOn->user, logOn->password}),
+                       {[&server] { return idJson(server.id); }, {}});
     });
 }
 
@@ -190,43 +207,63 @@ ExitCode removeNasServer(CommandRun &run)
 {
     return withServer(run, [&run](const LogOn &server) {
         const QString name = QStringLiteral("removeNASServer");
-        return run.end(name, run.call(name, {server.id}));
+        return run.end(run.call(name, {server.id}), {[&server] { return idJson(server.id); }, {}});
     });
 }
 
 ExitCode showNasFolders(CommandRun &run)
 {
-    return withPath(run, QStringLiteral("getNASServerDir"),
-                    [](const CallOutcome &outcome) { printText(nameLines(*outcome.model)); });
+    return withPath(run, QStringLiteral("getNASServerDir"), [](const CallOutcome &outcome) {
+        return ResultView{[&outcome] { return namesJson(*outcome.model); },
+                          [&outcome] { printText(nameLines(*outcome.model)); }};
+    });
 }
 
 ExitCode showNasCapacity(CommandRun &run)
 {
-    return withPath(run, QStringLiteral("getNASServerCapacity"), [](const CallOutcome &outcome) {
-        const qlonglong total = answered(outcome, "total").toLongLong(); // KB
-        const qlonglong used = answered(outcome, "used").toLongLong();
-        TextTable table({QStringLiteral("Size"), QStringLiteral("Free"), QStringLiteral("Used")});
-        for (const int column : {0, 1, 2})
-            table.setRightAligned(column);
-        table.addRow({sizeText(total), sizeText(total - used), usedText(total, total - used)});
-        printText(table.toString());
+    return withPath(run, QStringLiteral("getNASServerCapacity"), [&run](const CallOutcome &outcome) {
+        const qlonglong total = outcome.answered("total").toLongLong(); // KB
+        const qlonglong used = outcome.answered("used").toLongLong();
+        const auto print = [=] {
+            TextTable table({QStringLiteral("Size"), QStringLiteral("Free"), QStringLiteral("Used")});
+            for (const int column : {0, 1, 2})
+                table.setRightAligned(column);
+            table.addRow({sizeText(total), sizeText(total - used), usedText(total, total - used)});
+            printText(table.toString());
+        };
+        const auto json = [=, path = run.line().arguments.first()] {
+            constexpr qlonglong kilobyte = 1024;
+            return fieldsJson({{QStringLiteral("path"), path},
+                               {QStringLiteral("sizeBytes"), total * kilobyte},
+                               {QStringLiteral("usedBytes"), used * kilobyte},
+                               {QStringLiteral("availableBytes"), (total - used) * kilobyte}});
+        };
+        return ResultView{json, print};
     });
 }
 
 ExitCode addNasVolumes(CommandRun &run)
 {
-    const QString name = QStringLiteral("addNASPathsToVolume");
-    const CallOutcome outcome = run.call(name, {QVariant(run.line().arguments)});
-    const ExitCode exitCode = run.end(name, outcome, [&outcome] { printText(volumeTable(*outcome.model).toString()); });
+    const CallOutcome outcome = run.call(QStringLiteral("addNASPathsToVolume"), {QVariant(run.line().arguments)});
+    const ExitCode exitCode = run.end(outcome,
+                                      {[&outcome] { return modelJson(*outcome.model, outcome.modelGetter); },
+                                       [&outcome] { printText(volumeTable(*outcome.model).toString()); }});
     if (exitCode != ExitCode::Done)
         return exitCode;
     QStringList left = run.line().arguments;
     for (const StationReply &part : outcome.parts) {
         const QVariantList disks = part.data.toList();
         for (const QVariant &disk : disks)
-            left.removeAll(disk.toMap().value(StationKey::diskName).toString());
+            left.removeAll(disk.toMap().value(FieldKey::diskName).toString());
     }
-    for (const QString &path : std::as_const(left))
-        printError(QStringLiteral("%1 is no volume: the station could not ask for its capacity").arg(path));
+    for (const QString &path : std::as_const(left)) {
+        run.refused(ToolErrorCode::NotAVolume,
+                    QStringLiteral("%1 is no volume: the station could not ask for its capacity").arg(path));
+        run.addRefusedElement({{StationKey::element, FieldKey::path},
+                               {StationKey::index, run.line().arguments.indexOf(path)},
+                               {StationKey::value, path},
+                               {QStringLiteral("code"), ToolErrorCode::NotAVolume},
+                               {StationKey::reason, QJsonValue()}});
+    }
     return left.isEmpty() ? ExitCode::Done : ExitCode::Refused;
 }

@@ -1,20 +1,24 @@
 #include "OutcomeText.h"
 
+#include "CommandReply.h"
+#include "JsonFields.h"
 #include "ModelPrinter.h"
 #include "Output.h"
 #include "PluginCaller.h"
+#include "StationVocabulary.h"
 #include "ValueText.h"
+#include "framework/HostReturnCode.h"
 
 namespace {
 
 QJsonObject emissionJson(const CallOutcome::Emission &emission)
 {
-    QJsonObject arguments;
+    QVariantMap arguments;
+    const QString signal = QString::fromLatin1(emission.signal.name());
     const QList<QByteArray> names = emission.signal.parameterNames();
     for (qsizetype index = 0; index < names.size(); ++index)
-        arguments.insert(QString::fromLatin1(names[index]), valueJson(emission.arguments[index]));
-    return {{QStringLiteral("signal"), QString::fromLatin1(emission.signal.name())},
-            {QStringLiteral("arguments"), arguments}};
+        arguments.insert(QString::fromLatin1(names[index]), emission.arguments[index]);
+    return {{QStringLiteral("signal"), signal}, {QStringLiteral("arguments"), fieldsJson(arguments, signal)}};
 }
 
 QString emissionText(const CallOutcome::Emission &emission)
@@ -58,17 +62,26 @@ QJsonObject outcomeJson(const QString &name, const CallOutcome &outcome)
     QJsonArray answers;
     for (const CallOutcome::Emission &emission : outcome.answers)
         answers.append(emissionJson(emission));
-    QJsonObject object{{QStringLiteral("call"), name}, {QStringLiteral("answers"), answers}};
-    if (!outcome.returnCode.isEmpty())
-        object.insert(QStringLiteral("returnCode"), outcome.returnCode);
-    if (outcome.result.typeId() != QMetaType::QObjectStar)
-        object.insert(QStringLiteral("result"), valueJson(outcome.result));
-    if (outcome.model)
-        object.insert(QStringLiteral("model"), modelJson(*outcome.model));
-    const QVariantList elements = refusedElements(outcome);
-    if (!elements.isEmpty())
-        object.insert(QStringLiteral("refused"), valueJson(elements));
-    return object;
+    return {{QStringLiteral("name"), name},
+            {QStringLiteral("result"), fieldsJson({{name, outcome.result}}, name).begin().value()},
+            {QStringLiteral("answers"), answers},
+            {QStringLiteral("rows"),
+             outcome.model ? QJsonValue(modelJson(*outcome.model, outcome.modelGetter)) : QJsonValue()}};
+}
+
+QString errorCodeOf(const CallOutcome &outcome)
+{
+    switch (outcome.exitCode) {
+    case ExitCode::Done:
+        return {};
+    case ExitCode::WrongUse:
+        return ToolErrorCode::WrongUse;
+    case ExitCode::NoAnswer:
+        return outcome.returnCode.isEmpty() ? HostReturnCode::NoAnswer : outcome.returnCode;
+    case ExitCode::Refused:
+        break;
+    }
+    return outcome.returnCode.isEmpty() ? ToolErrorCode::PluginRefused : outcome.returnCode;
 }
 
 void printOutcome(const CallOutcome &outcome)
@@ -99,4 +112,19 @@ QStringList refusalLines(const CallOutcome &outcome)
         lines.append(line);
     }
     return lines;
+}
+
+QJsonArray refusedElementsJson(const CallOutcome &outcome)
+{
+    QJsonArray array;
+    const QVariantList elements = refusedElements(outcome);
+    for (const QVariant &element : elements) {
+        const QVariantMap map = element.toMap();
+        QVariantMap fields;
+        for (const QString &key :
+             {StationKey::element, StationKey::index, StationKey::value, StationKey::returnCode, StationKey::reason})
+            fields.insert(key, map.value(key));
+        array.append(fieldsJson(fields));
+    }
+    return array;
 }

@@ -42,11 +42,6 @@ QString indentedJson(const QJsonObject &object)
     return trimmedJson(QJsonDocument(object), QJsonDocument::Indented);
 }
 
-QString indentedJson(const QJsonArray &array)
-{
-    return trimmedJson(QJsonDocument(array), QJsonDocument::Indented);
-}
-
 QString compactJson(const QJsonObject &object)
 {
     return trimmedJson(QJsonDocument(object), QJsonDocument::Compact);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QJsonArray>
 #include <QJsonObject>
 #include <QString>
 
@@ -12,6 +11,5 @@ void printText(const QString &text);
 void printError(const QString &message);
 
 QString indentedJson(const QJsonObject &object);
-QString indentedJson(const QJsonArray &array);
 /// On one line.
 QString compactJson(const QJsonObject &object);

@@ -1,11 +1,14 @@
 #include "PluginCaller.h"
 
 #include "AnswerTable.h"
+#include "CommandKind.h"
 #include "PluginInterface.h"
+#include "StationVocabulary.h"
 #include "framework/HostFramework.h"
 #include "framework/HostReturnCode.h"
 
 #include <QCoreApplication>
+#include <QHash>
 #include <QScopeGuard>
 #include <QTimer>
 
@@ -28,6 +31,12 @@ bool isRefusal(const QVariant &result)
 
 } // namespace
 
+QVariant CallOutcome::answered(const char *parameter) const
+{
+    const Emission answer = answers.value(0);
+    return answer.arguments.value(answer.signal.parameterNames().indexOf(parameter));
+}
+
 PluginCaller::PluginCaller(QObject &plugin, HostFramework &framework, std::chrono::milliseconds timeout)
     : m_plugin(plugin)
     , m_timeout(timeout)
@@ -46,11 +55,52 @@ PluginCaller::PluginCaller(QObject &plugin, HostFramework &framework, std::chron
             });
 }
 
+void setFailure(CallOutcome &outcome, const QString &name, const QString &command, std::chrono::milliseconds timeout)
+{
+    static const QHash<QString, QString> unanswered{
+        {HostReturnCode::StationLost, QStringLiteral("%1: the station was lost before it answered")},
+        {HostReturnCode::NoAnswer, QStringLiteral("%1: no answer within %2 s")},
+        {HostReturnCode::BadReply, QStringLiteral("%1: what the station answered cannot be read")},
+        {StationReturnCode::StationStopping, QStringLiteral("%1: the station ended before it was done")},
+    };
+    static const QHash<QString, QString> inWords{
+        {HostReturnCode::TooLargeForBroker, QStringLiteral("%1: the request is larger than the broker takes")},
+        {HostReturnCode::CannotBeSent, QStringLiteral("%1: the request is too large, or holds what cannot be sent")},
+        {HostReturnCode::BrokerRefused,
+         QStringLiteral("%1: the broker does not let this user send commands to the station")},
+        {StationReturnCode::ReplyTooLarge,
+         QStringLiteral("%1: what the station answered is larger than the broker takes")},
+    };
+    const auto found = unanswered.constFind(outcome.returnCode);
+    if (found != unanswered.constEnd()) {
+        outcome.exitCode = ExitCode::NoAnswer;
+        outcome.error = found->arg(name);
+        if (outcome.returnCode == HostReturnCode::NoAnswer)
+            outcome.error = outcome.error.arg(std::chrono::duration<double>(timeout).count());
+        if (isEdit(command))
+            outcome.error += QStringLiteral("; it may take effect all the same");
+    } else if (outcome.returnCode == HostReturnCode::LinkDown) {
+        outcome.exitCode = ExitCode::NoAnswer;
+        outcome.error = QStringLiteral("%1: the station cannot be reached").arg(name);
+    } else {
+        outcome.exitCode = ExitCode::Refused;
+        outcome.error = inWords.contains(outcome.returnCode)
+            ? inWords.value(outcome.returnCode).arg(name)
+            : QStringLiteral("%1: the station refused: %2").arg(name, outcome.returnCode);
+        if (outcome.returnCode == StationReturnCode::ReplyTooLarge && isEdit(command))
+            outcome.error += QStringLiteral("; it took effect");
+    }
+}
+
 CallOutcome PluginCaller::call(const QMetaMethod &method, const QVariantList &arguments)
 {
-    if (!waitUntilReady())
-        return {ExitCode::NoAnswer, noAnswer(method)};
-    if (const AnswerRow *answer = answerOf(nameOf(method)))
+    if (!waitUntilReady()) {
+        CallOutcome outcome;
+        outcome.returnCode = HostReturnCode::NoAnswer;
+        setFailure(outcome, nameOf(method), {}, m_timeout);
+        return outcome;
+    }
+    if (const auto answer = answerOf(nameOf(method), *m_plugin.metaObject()))
         return send(*answer, method, arguments);
     const CallOutcome fetched = fetchFor(method, arguments);
     return fetched.exitCode == ExitCode::Done ? invoke(method, arguments) : fetched;
@@ -68,7 +118,7 @@ CallOutcome PluginCaller::fetchFor(const QMetaMethod &query, const QVariantList 
         const bool takesRelay = method.isValid() && method.parameterNames().value(0) == "relayPath";
         if (!takesRelay)
             method = interface.find(request, 0);
-        const AnswerRow *answer = answerOf(request);
+        const auto answer = answerOf(request, *m_plugin.metaObject());
         Q_ASSERT(answer && method.isValid());
         CallOutcome outcome = send(*answer, method, takesRelay ? QVariantList{arguments.at(relay)} : QVariantList{});
         if (outcome.exitCode != ExitCode::Done) {
@@ -98,6 +148,7 @@ CallOutcome PluginCaller::invoke(const QMetaMethod &method, const QVariantList &
                        values[5], values[6], values[7], values[8], values[9]))
         return {ExitCode::Refused, QStringLiteral("%1 could not be called").arg(nameOf(method))};
     outcome.model = qobject_cast<QAbstractItemModel *>(outcome.result.value<QObject *>());
+    outcome.modelGetter = outcome.model ? nameOf(method) : QString();
     return outcome;
 }
 
@@ -112,7 +163,7 @@ CallOutcome PluginCaller::send(const AnswerRow &answer, const QMetaMethod &metho
             emissions.append({signal, values});
     };
     m_onAnswer = [&](const QString &command, const StationReply &part) {
-        if (finished || command != QLatin1String(answer.command))
+        if (finished || command.toLatin1() != answer.command)
             return;
         if (returnCode.isEmpty() || returnCode == success)
             returnCode = part.returnCode;
@@ -125,13 +176,12 @@ CallOutcome PluginCaller::send(const AnswerRow &answer, const QMetaMethod &metho
         m_onAnswer = nullptr;
     });
 
+    m_pluginErrors.forget();
     CallOutcome outcome = invoke(method, arguments);
     const bool answeredAtOnce = !emissions.isEmpty();
     if (isRefusal(outcome.result) && !answeredAtOnce) {
         outcome.exitCode = ExitCode::Refused;
-        outcome.error =
-            QStringLiteral("%1: the plug-in refused and sent nothing; with RECORDING_TRACE_LEVEL=error it says why")
-                .arg(nameOf(method));
+        outcome.error = refusedByPlugin(method);
         return outcome;
     }
     const auto isOurs = [&](const CallOutcome::Emission &emission) {
@@ -145,14 +195,13 @@ CallOutcome PluginCaller::send(const AnswerRow &answer, const QMetaMethod &metho
     outcome.parts = parts;
     outcome.answers = emissions;
     outcome.returnCode = returnCode;
-    if (!complete || returnCode == HostReturnCode::NoAnswer) {
-        outcome.exitCode = ExitCode::NoAnswer;
-        outcome.error = noAnswer(method);
-    } else if (!answeredAtOnce && returnCode != success) {
-        outcome.exitCode = ExitCode::Refused;
-        outcome.error = QStringLiteral("%1: the station refused: %2").arg(nameOf(method), returnCode);
+    if (!complete)
+        outcome.returnCode = HostReturnCode::NoAnswer;
+    if (!complete || (!answeredAtOnce && returnCode != success)) {
+        setFailure(outcome, nameOf(method), QLatin1String(answer.command), m_timeout);
     } else if (answer.model) {
         outcome.model = modelFrom(answer.model);
+        outcome.modelGetter = QString::fromLatin1(answer.model);
     }
     return outcome;
 }
@@ -184,11 +233,12 @@ bool PluginCaller::waitUntil(const std::function<bool()> &done)
     return true;
 }
 
-QString PluginCaller::noAnswer(const QMetaMethod &method) const
+QString PluginCaller::refusedByPlugin(const QMetaMethod &method) const
 {
-    return QStringLiteral("%1: no answer within %2 s")
-        .arg(nameOf(method))
-        .arg(std::chrono::duration<double>(m_timeout).count());
+    const QString fact = m_pluginErrors.lastFact();
+    const QString text = QStringLiteral("%1: the plug-in refused and sent nothing").arg(nameOf(method));
+    return fact.isEmpty() ? text + QStringLiteral("; with RECORDING_TRACE_LEVEL=error it says why")
+                          : text + QStringLiteral(": ") + fact;
 }
 
 void PluginCaller::restartClock()

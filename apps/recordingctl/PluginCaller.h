@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ExitCode.h"
+#include "PluginErrors.h"
 #include "SignalTap.h"
 #include "StationMessage.h"
 
@@ -36,7 +37,16 @@ struct CallOutcome
     QList<Emission> answers = {}; ///< the answering signal, once for each part of the answer
     /// That the answer filled, or that the invokable returned; owned by the plug-in.
     QPointer<QAbstractItemModel> model = {};
+    QString modelGetter = {}; ///< the plug-in's method that gives this model; empty without one
+
+    /// The argument @p parameter of the first answering signal; invalid without one.
+    QVariant answered(const char *parameter) const;
 };
+
+/// Makes @p outcome, whose return code is none of success, a failure with an exit code and a line.
+/// @param name what the line begins with
+/// @param command that was sent: of an edit without an answer the line says that it may take effect
+void setFailure(CallOutcome &outcome, const QString &name, const QString &command, std::chrono::milliseconds timeout);
 
 /// Calls invokables of the plug-in and waits for what answers them, one at a time.
 class PluginCaller : public QObject
@@ -60,13 +70,14 @@ private:
     CallOutcome send(const AnswerRow &answer, const QMetaMethod &method, const QVariantList &arguments);
     CallOutcome fetchFor(const QMetaMethod &query, const QVariantList &arguments);
     QAbstractItemModel *modelFrom(const char *getter) const;
-    QString noAnswer(const QMetaMethod &method) const;
+    QString refusedByPlugin(const QMetaMethod &method) const;
     void restartClock();
 
     QObject &m_plugin;
     std::chrono::milliseconds m_timeout;
     QDeadlineTimer m_deadline;
     QStringList m_connectCommands; // not answered yet
+    PluginErrors m_pluginErrors;
     SignalTap m_tap;
     std::function<void(const QString &command, const StationReply &part)> m_onAnswer;
     SignalTap::Receiver m_onSignal;

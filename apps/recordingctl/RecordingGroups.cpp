@@ -1,7 +1,8 @@
 #include "RecordingGroups.h"
 
+#include "JsonFields.h"
+#include "ServerVocabulary.h"
 #include "Units.h"
-#include "ValueText.h"
 
 #include <QAbstractItemModel>
 
@@ -68,6 +69,25 @@ const GroupInfo *findGroup(const QList<GroupInfo> &groups, const QString &text, 
     return named;
 }
 
+QString groupId(CommandRun &run, const QString &text, ExitCode *exitCode)
+{
+    if (text.startsWith(u'{') && text.endsWith(u'}'))
+        return text;
+    const CallOutcome tree = run.call(QStringLiteral("retrieveRecordingGroupTreeModel"));
+    if (!tree.model) {
+        *exitCode = run.end(tree);
+        return {};
+    }
+    QString error;
+    const QList<GroupInfo> groups = groupsOf(run, *tree.model);
+    const GroupInfo *const group = findGroup(groups, text, &error);
+    if (!group) {
+        *exitCode = run.refused(ToolErrorCode::NotFound, QStringLiteral("%1: %2").arg(run.line().command, error));
+        return {};
+    }
+    return group->id;
+}
+
 TextTable groupTable(const QList<GroupInfo> &groups)
 {
     TextTable table({QStringLiteral("Name"), QStringLiteral("Paths"), QStringLiteral("Reserved space"),
@@ -123,13 +143,56 @@ TextTable treeTable(const QAbstractItemModel &tree)
 QJsonArray groupsJson(const QList<GroupInfo> &groups)
 {
     QJsonArray array;
-    for (const GroupInfo &group : groups)
+    for (const GroupInfo &group : groups) {
+        QJsonArray paths;
+        for (qsizetype index = 0; index < group.paths.size(); ++index)
+            paths.append(
+                QJsonObject{{QStringLiteral("path"), group.paths[index]},
+                            {QStringLiteral("reservedSpaceMegabytes"), plainJson(group.reservedMegabytes.value(index))},
+                            {QStringLiteral("isRecovery"), group.recoveryPaths.contains(group.paths[index])}});
         array.append(QJsonObject{{QStringLiteral("id"), group.id},
                                  {QStringLiteral("name"), group.name},
-                                 {QStringLiteral("paths"), QJsonArray::fromStringList(group.paths)},
-                                 {QStringLiteral("reservedSpace"), valueJson(group.reservedMegabytes)},
-                                 {QStringLiteral("recoveryPaths"), QJsonArray::fromStringList(group.recoveryPaths)},
-                                 {QStringLiteral("reservedTime"), group.reservedMinutes},
-                                 {QStringLiteral("members"), valueJson(group.members)}});
+                                 {QStringLiteral("paths"), paths},
+                                 {QStringLiteral("reservedTimeMinutes"), group.reservedMinutes},
+                                 {QStringLiteral("members"), membersJson(group.members)}});
+    }
     return array;
+}
+
+QJsonArray membersJson(const QVariantList &members)
+{
+    QJsonArray array;
+    for (const QVariant &member : members) {
+        const QVariantMap map = member.toMap();
+        array.append(QJsonObject{{QStringLiteral("camera"), map.value(FieldKey::camName).toString()},
+                                 {QStringLiteral("stream"), map.value(FieldKey::streamIndex).toInt()},
+                                 {QStringLiteral("isTimeShift"), map.value(FieldKey::enableTimeShift).toBool()},
+                                 {QStringLiteral("isSeamless"), map.value(FieldKey::enableSeamless).toBool()}});
+    }
+    return array;
+}
+
+QJsonArray treeJson(const QAbstractItemModel &tree)
+{
+    const QHash<int, QByteArray> roles = tree.roleNames();
+    const auto value = [&roles](const QModelIndex &index, const char *role) {
+        return textJson(index.data(roles.key(role)).toString());
+    };
+    QJsonArray stations;
+    for (int row = 0; row < tree.rowCount(); ++row) {
+        const QModelIndex station = tree.index(row, 0);
+        QJsonArray groups;
+        for (int child = 0; child < tree.rowCount(station); ++child) {
+            const QModelIndex group = tree.index(child, 0, station);
+            groups.append(QJsonObject{{QStringLiteral("id"), value(group, "recordingGroupIDRole")},
+                                      {QStringLiteral("name"), value(group, "nameRole")},
+                                      {QStringLiteral("type"), value(group, "typeRole")}});
+        }
+        stations.append(QJsonObject{{QStringLiteral("name"), value(station, "nameRole")},
+                                    {QStringLiteral("type"), value(station, "typeRole")},
+                                    {QStringLiteral("address"), value(station, "stationIPRole")},
+                                    {QStringLiteral("relayPath"), value(station, "relayPathRole")},
+                                    {QStringLiteral("groups"), groups}});
+    }
+    return stations;
 }

@@ -30,8 +30,15 @@ QList<GroupInfo> groupsOf(const CommandRun &run, const QAbstractItemModel &tree)
 /// and then @p error says so.
 const GroupInfo *findGroup(const QList<GroupInfo> &groups, const QString &text, QString *error);
 
+/// The id of the group that @p text names, by its id or name, with the groups fetched from the station; a group that
+/// was removed is known by its id alone. Empty, with the command ended in @p exitCode, when there is no such group.
+QString groupId(CommandRun &run, const QString &text, ExitCode *exitCode);
+
 TextTable groupTable(const QList<GroupInfo> &groups);
 TextTable memberTable(const QVariantList &members);
 /// The station and its groups, these indented.
 TextTable treeTable(const QAbstractItemModel &tree);
+/// The same three for a program.
 QJsonArray groupsJson(const QList<GroupInfo> &groups);
+QJsonArray membersJson(const QVariantList &members);
+QJsonArray treeJson(const QAbstractItemModel &tree);

@@ -1,12 +1,16 @@
 #include "Tool.h"
 
+#include "CommandReply.h"
 #include "Commands.h"
 #include "CoreDumps.h"
 #include "Output.h"
+#include "PluginHost.h"
 #include "StationLog.h"
-#include "StationSettings.h"
+#include "embedded/EmbeddedLink.h"
 
 #include <QCoreApplication>
+#include <QEventLoop>
+#include <QTimer>
 
 #include <cstdio>
 #include <cstdlib>
@@ -41,9 +45,33 @@ ExitCode afterWriting(ExitCode exitCode)
     return ExitCode::WrongUse;
 }
 
-QString noStationFolder()
+/// Whether the command is about more stations than one.
+bool isOfTheSite(const CommandLine &line)
 {
-    return QStringLiteral("there is no folder for the station's data: HOME is not set; name one with --data");
+    return line.command == QStringLiteral("stations") || line.command == QStringLiteral("each")
+        || line.has(QStringLiteral("all"));
+}
+
+/// Makes the station of --station the directly connected one, where the link has not begun with it: a link that knows
+/// one station alone. False with @p error where there is no such station. One that is not up is left to the command.
+bool chooseStation(ClientSession &session, const CommandLine &line, QString *error)
+{
+    const QString station = line.value(QStringLiteral("station"));
+    if (station.isEmpty() || session.directStation() == station)
+        return true;
+    QEventLoop loop;
+    const auto isSettled = [&session] {
+        const StationState::Kind kind = session.stationState().kind;
+        return kind == StationState::Kind::Up || kind == StationState::Kind::Down;
+    };
+    QObject::connect(&session, &ClientSession::stationStateChanged, &loop, [&] {
+        if (isSettled())
+            loop.quit();
+    });
+    QTimer::singleShot(line.timeout.value_or(defaultTimeout), &loop, &QEventLoop::quit);
+    if (!isSettled())
+        loop.exec();
+    return !session.isConnected() || session.setDirectStation(station, error);
 }
 
 /// The session has ended when this returns, or is left behind.
@@ -51,8 +79,14 @@ ExitCode runSession(const ClientSession::Options &options, const CommandLine &li
 {
     ClientSession session;
     if (!session.start(options)) {
-        printError(session.error().simplified());
+        printFailure(line, session.plugin() ? ToolErrorCode::WrongUse : ToolErrorCode::PluginNotLoaded,
+                     session.error().simplified());
         return ExitCode::WrongUse;
+    }
+    QString error;
+    if (!chooseStation(session, line, &error)) {
+        printFailure(line, ToolErrorCode::NotFound, error);
+        return ExitCode::Refused;
     }
     return afterWriting(runCommand(session, line));
 }
@@ -66,13 +100,11 @@ int runTool(int argc, char **argv, ClientSession::Options options)
     QCoreApplication::setApplicationName(QStringLiteral("recordingctl"));
     QCoreApplication::setApplicationVersion(QStringLiteral(RECORDING_VERSION));
 
-    if (const std::optional<int> unreadable = unreadableArgument(argc, argv)) {
-        printError(QStringLiteral("argument %1 is not valid UTF-8").arg(*unreadable));
-        return static_cast<int>(ExitCode::WrongUse);
-    }
-    const CommandLine line = CommandLine::parse(QCoreApplication::arguments());
+    CommandLine line = CommandLine::parse(QCoreApplication::arguments());
+    if (const std::optional<int> unreadable = unreadableArgument(argc, argv))
+        line.error = QStringLiteral("argument %1 is not valid UTF-8").arg(*unreadable);
     if (!line.error.isEmpty()) {
-        printError(line.error);
+        printFailure(line, ToolErrorCode::WrongUse, line.error);
         return static_cast<int>(ExitCode::WrongUse);
     }
     if (!line.text.isEmpty()) {
@@ -82,15 +114,13 @@ int runTool(int argc, char **argv, ClientSession::Options options)
 
     keepStationLogPrintable();
     keepTraceQuiet();
-    if (!line.dataFolder.isEmpty())
-        options.dataFolder = line.dataFolder;
-    if (options.dataFolder.isEmpty() && !options.makeStation && defaultStationFolder().isEmpty()) {
-        printError(noStationFolder());
-        return static_cast<int>(ExitCode::WrongUse);
-    }
+    PluginHost::loadTraceLibrary(PluginHost::traceLibraryOfPrograms());
+    options.url = line.url;
+    options.station = line.value(QStringLiteral("station"));
+    options.followsOthers = isOfTheSite(line);
     options.replyTimeout = line.timeout.value_or(defaultTimeout);
     const ExitCode exitCode = runSession(options, line);
-    if (EmbeddedLink::isAnythingLeftBehind())
+    if (StationThread::isAnythingLeftBehind())
         std::_Exit(static_cast<int>(exitCode));
     return static_cast<int>(exitCode);
 }

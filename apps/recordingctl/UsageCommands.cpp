@@ -1,14 +1,16 @@
 #include "UsageCommands.h"
 
+#include "AlarmCommands.h"
+#include "AlarmText.h"
 #include "ClientSession.h"
 #include "CommandRun.h"
 #include "Commands.h"
 #include "ModelPrinter.h"
-#include "OutcomeText.h"
 #include "Output.h"
-#include "StationProtocol.h"
+#include "ServerVocabulary.h"
+#include "SiteCommands.h"
+#include "StationVocabulary.h"
 #include "Units.h"
-#include "ValueText.h"
 #include "VolumeTable.h"
 #include "companions/StatusMonitorPlugin.h"
 
@@ -77,7 +79,7 @@ struct Inquiry
     {
         if (outcome.exitCode == ExitCode::Refused)
             return;
-        const CallOutcome asked = run.callStation(StationOwnCommandName::listAlarms);
+        const CallOutcome asked = run.callStation(StationCommandName::listAlarms);
         if (asked.exitCode == ExitCode::Done)
             state = stateIn(asked.parts.constLast().data);
         else if (outcome.exitCode == ExitCode::Done)
@@ -93,55 +95,58 @@ struct Inquiry
         QObject::connect(run.session().framework(), &HostFramework::eventDelivered, &loop,
                          [&](const QString &event, const QVariant &data) {
                              timer.start(silence);
-                             if (event == StationOwnEventName::AlarmsChanged)
+                             if (event == StationEventName::AlarmsChanged)
                                  state = stateIn(data);
-                             else if (event == StationEventName::VolumeChanged && state.pending.isEmpty())
+                             else if (event == ServerEvent::VolumeChanged && state.pending.isEmpty())
                                  loop.quit();
                          });
         timer.start(silence);
         loop.exec();
     }
 
-    /// Says on standard error what is broken, and what is not known.
-    ExitCode end(CommandRun &run, const QJsonObject &json, const std::function<void()> &printResult) const
+    /// Says what is broken, and what is not known.
+    ExitCode end(CommandRun &run, const ResultView &view) const
     {
-        const ExitCode exitCode = run.end(outcome, json, printResult);
+        const ExitCode exitCode = run.end(outcome, view);
         QVariantList others = state.alarms;
         others.removeIf([](const QVariant &alarm) {
             return textOf(alarm, StationKey::kind) == StationReturnCode::DatabaseDamaged;
         });
-        printStationErrors(others); // the end of every command tells damage
-        for (const QVariant &trouble : state.pending) {
-            const QDateTime since = QDateTime::fromString(textOf(trouble, StationKey::since), Qt::ISODateWithMs);
-            printError(QStringLiteral("unknown, asked since %1: %2")
-                           .arg(since.toLocalTime().toString(Qt::ISODate), textOf(trouble, StationKey::text)));
-        }
+        run.reportBroken(others); // the end of every command tells damage
+        reportPending(run, state.pending);
         if (exitCode != ExitCode::Done)
             return exitCode;
         if (std::any_of(state.alarms.cbegin(), state.alarms.cend(), isStationError))
             return ExitCode::Refused;
         return state.pending.isEmpty() ? ExitCode::Done : ExitCode::NoAnswer;
     }
-
-    QJsonObject json() const
-    {
-        QJsonObject object = outcomeJson(reload, outcome);
-        object.insert(QStringLiteral("stationAlarms"), valueJson(state.alarms));
-        object.insert(QStringLiteral("pending"), valueJson(state.pending));
-        return object;
-    }
 };
 
 QJsonArray usageJson(const CommandRun &run, const QAbstractItemModel &usage)
 {
-    QJsonArray groups = modelJson(usage);
+    QJsonArray groups = modelJson(usage, QStringLiteral("getStorageUsageModel"));
     for (qsizetype row = 0; row < groups.size(); ++row) {
         QJsonObject group = groups[row].toObject();
-        const QAbstractItemModel *volumes = volumesOf(run, group.value(QStringLiteral("idRole")).toString());
-        group.insert(QStringLiteral("volumes"), volumes ? modelJson(*volumes) : QJsonArray());
+        const QAbstractItemModel *volumes = volumesOf(run, group.value(QStringLiteral("id")).toString());
+        group.insert(QStringLiteral("volumes"),
+                     volumes ? modelJson(*volumes, QStringLiteral("getGroupVolumeModel")) : QJsonArray());
         groups[row] = group;
     }
     return groups;
+}
+
+/// Those that the plug-in alone raised, and the station's own.
+QJsonArray alarmsJson(const QList<StatusMonitorPlugin::Alarm> &raised, const QVariantList &stationAlarms)
+{
+    QJsonArray array;
+    for (StatusMonitorPlugin::Alarm alarm : raised) {
+        alarm.source.clear(); // of the station that was asked
+        if (alarm.word.isEmpty())
+            array.append(alarmJson(alarm));
+    }
+    for (const QVariant &alarm : stationAlarms)
+        array.append(stationAlarmJson(alarm.toMap()));
+    return array;
 }
 
 void printUsage(const CommandRun &run, const QAbstractItemModel &usage)
@@ -157,61 +162,91 @@ void printUsage(const CommandRun &run, const QAbstractItemModel &usage)
 
 } // namespace
 
+QStringList usageHeaders()
+{
+    return {QStringLiteral("Group"), QStringLiteral("Recorded"), QStringLiteral("Remaining"),
+            QStringLiteral("Reserved time"), QStringLiteral("Per day")};
+}
+
+QStringList usageCells(const QAbstractItemModel &usage, int row)
+{
+    const qlonglong perDay = numberAt(usage, row, "oneDayUsageRole"); // bytes
+    return {at(usage, row, "nameRole").toString(), daysText(numberAt(usage, row, "recordedDaysRole")),
+            daysText(numberAt(usage, row, "remainDaysRole")), minutesText(numberAt(usage, row, "reserveTimeRole")),
+            perDay < 0 ? daysText(perDay) : sizeText(perDay / 1024)};
+}
+
 TextTable usageTable(const QAbstractItemModel &usage)
 {
-    TextTable table({QStringLiteral("Group"), QStringLiteral("Recorded"), QStringLiteral("Remaining"),
-                     QStringLiteral("Reserved time"), QStringLiteral("Per day")});
+    TextTable table(usageHeaders());
     for (const int column : {1, 2, 3, 4})
         table.setRightAligned(column);
-    for (int row = 0; row < usage.rowCount(); ++row) {
-        const qlonglong perDay = numberAt(usage, row, "oneDayUsageRole"); // bytes
-        table.addRow({at(usage, row, "nameRole").toString(), daysText(numberAt(usage, row, "recordedDaysRole")),
-                      daysText(numberAt(usage, row, "remainDaysRole")),
-                      minutesText(numberAt(usage, row, "reserveTimeRole")),
-                      perDay < 0 ? daysText(perDay) : sizeText(perDay / 1024)});
-    }
+    for (int row = 0; row < usage.rowCount(); ++row)
+        table.addRow(usageCells(usage, row));
     return table;
 }
 
 TextTable alarmTable(const QAbstractItemModel &alarms)
 {
-    const auto words = [&alarms](int row) {
-        const QString subject = at(alarms, row, "subjectRole").toString();
-        switch (at(alarms, row, "kindRole").toInt()) {
-        case StatusMonitorPlugin::VolumeError:
-            return QStringLiteral("a volume cannot be reached")
-                + (subject.isEmpty() ? QString() : QStringLiteral(": ") + subject);
-        case StatusMonitorPlugin::InsufficientRecordingDays:
-            return QStringLiteral("reserved time will not be reached");
-        default:
-            return at(alarms, row, "textRole").toString();
-        }
-    };
-    TextTable table({QStringLiteral("Since"), QStringLiteral("Alarm"), QStringLiteral("Group"), QStringLiteral("Id"),
-                     QStringLiteral("Station")});
+    QStringList columns{QStringLiteral("Since"), QStringLiteral("Alarm"), QStringLiteral("Group"), QStringLiteral("Id"),
+                        QStringLiteral("Station")};
+    bool isAnyAcknowledged = false;
+    for (int row = 0; row < alarms.rowCount(); ++row)
+        isAnyAcknowledged |= at(alarms, row, "acknowledgedAtRole").toDateTime().isValid();
+    if (isAnyAcknowledged)
+        columns += {QStringLiteral("Acknowledged"), QStringLiteral("Note")};
+    TextTable table(columns);
     for (int row = 0; row < alarms.rowCount(); ++row) {
-        table.addRow({at(alarms, row, "sinceRole").toDateTime().toString(Qt::ISODate), words(row),
-                      at(alarms, row, "groupNameRole").toString(), at(alarms, row, "groupIdRole").toString(),
-                      at(alarms, row, "sourceRole").toString()});
+        const auto kind = static_cast<StatusMonitorPlugin::Kind>(at(alarms, row, "kindRole").toInt());
+        const QString subject = at(alarms, row, "subjectRole").toString();
+        const QString words = kind == StatusMonitorPlugin::VolumeError && !subject.isEmpty()
+            ? QStringLiteral("%1: %2").arg(alarmWords(kind), subject)
+            : alarmWords(kind, at(alarms, row, "textRole").toString());
+        QStringList cells{at(alarms, row, "sinceRole").toDateTime().toString(Qt::ISODate), words,
+                          at(alarms, row, "groupNameRole").toString(), at(alarms, row, "groupIdRole").toString(),
+                          at(alarms, row, "sourceRole").toString()};
+        if (isAnyAcknowledged)
+            cells += {at(alarms, row, "acknowledgedByRole").toString(), at(alarms, row, "noteRole").toString()};
+        table.addRow(cells);
     }
     return table;
 }
 
-ExitCode showUsage(CommandRun &run)
+CallOutcome awaitFigures(CommandRun &run, QVariantList *pending)
 {
     const Inquiry inquiry(run);
+    *pending = inquiry.state.pending;
+    return inquiry.outcome;
+}
+
+void reportPending(CommandRun &run, const QVariantList &pending)
+{
+    for (const QVariant &trouble : pending) {
+        const QDateTime since = QDateTime::fromString(textOf(trouble, StationKey::since), Qt::ISODateWithMs);
+        run.reportUnknown(trouble,
+                          QStringLiteral("unknown, asked since %1: %2")
+                              .arg(since.toLocalTime().toString(Qt::ISODate), textOf(trouble, StationKey::text)));
+    }
+}
+
+ExitCode showUsage(CommandRun &run)
+{
+    if (run.line().has(QStringLiteral("all")))
+        return showUsageOfAll(run);
+    const Inquiry inquiry(run);
     const QAbstractItemModel *usage = usageModel(run);
-    QJsonObject json = inquiry.json();
-    if (inquiry.outcome.exitCode == ExitCode::Done)
-        json.insert(QStringLiteral("groups"), usageJson(run, *usage));
-    return inquiry.end(run, json, [&] { printUsage(run, *usage); });
+    return inquiry.end(run, {[&] { return usageJson(run, *usage); }, [&] { printUsage(run, *usage); }});
 }
 
 ExitCode showAlarms(CommandRun &run)
 {
+    if (run.line().has(QStringLiteral("past")))
+        return showPastAlarms(run);
+    if (run.line().has(QStringLiteral("limit")))
+        return run.wrongUse(QStringLiteral("alarms: --limit goes with --past"));
     const Inquiry inquiry(run);
-    const QAbstractItemModel &alarms = *run.session().statusMonitor();
-    QJsonObject json = inquiry.json();
-    json.insert(QStringLiteral("alarms"), modelJson(alarms));
-    return inquiry.end(run, json, [&alarms] { printText(alarmTable(alarms).toString()); });
+    const StatusMonitorPlugin &monitor = *run.session().statusMonitor();
+    return inquiry.end(run,
+                       {[&] { return alarmsJson(monitor.alarms(), inquiry.state.alarms); },
+                        [&] { printText(alarmTable(monitor).toString()); }});
 }

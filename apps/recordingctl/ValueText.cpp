@@ -27,24 +27,8 @@ QMetaEnum enumerationOf(QMetaType type)
     return scope->enumerator(scope->indexOfEnumerator(name.constData()));
 }
 
-QString valueText(const QVariant &value)
-{
-    const QMetaEnum enumeration = enumerationOf(value.metaType());
-    if (enumeration.isValid())
-        return enumeratorName(enumeration, value);
-    switch (value.typeId()) {
-    case QMetaType::QStringList:
-        return value.toStringList().join(QStringLiteral(", "));
-    case QMetaType::QVariantList:
-        return QString::fromUtf8(QJsonDocument(valueJson(value).toArray()).toJson(QJsonDocument::Compact));
-    case QMetaType::QVariantMap:
-        return QString::fromUtf8(QJsonDocument(valueJson(value).toObject()).toJson(QJsonDocument::Compact));
-    default:
-        return value.toString();
-    }
-}
-
-QJsonValue valueJson(const QVariant &value)
+/// As the plug-in has it, within a text for a reader.
+static QJsonValue valueJson(const QVariant &value)
 {
     const QMetaEnum enumeration = enumerationOf(value.metaType());
     if (enumeration.isValid())
@@ -68,5 +52,22 @@ QJsonValue valueJson(const QVariant &value)
         return value.toString();
     default:
         return QJsonValue::fromVariant(value);
+    }
+}
+
+QString valueText(const QVariant &value)
+{
+    const QMetaEnum enumeration = enumerationOf(value.metaType());
+    if (enumeration.isValid())
+        return enumeratorName(enumeration, value);
+    switch (value.typeId()) {
+    case QMetaType::QStringList:
+        return value.toStringList().join(QStringLiteral(", "));
+    case QMetaType::QVariantList:
+        return QString::fromUtf8(QJsonDocument(valueJson(value).toArray()).toJson(QJsonDocument::Compact));
+    case QMetaType::QVariantMap:
+        return QString::fromUtf8(QJsonDocument(valueJson(value).toObject()).toJson(QJsonDocument::Compact));
+    default:
+        return value.toString();
     }
 }

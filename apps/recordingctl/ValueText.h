@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QJsonValue>
 #include <QMetaEnum>
 #include <QMetaType>
 #include <QString>
@@ -12,6 +11,3 @@ QMetaEnum enumerationOf(QMetaType type);
 /// @p value for a reader: enumerators by name, texts as they are, lists of texts with commas, other lists and maps as
 /// JSON, an invalid value as nothing.
 QString valueText(const QVariant &value);
-
-/// @p value for a program: enumerators by name, identifiers as text, sizes as numbers, an invalid value as null.
-QJsonValue valueJson(const QVariant &value);

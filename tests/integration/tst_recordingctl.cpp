@@ -29,7 +29,7 @@ QJsonObject rootIn(const QJsonArray &rows)
 {
     QJsonObject root;
     for (const QJsonValue &row : rows) {
-        if (row["rootPathRole"] != QJsonValue("/"))
+        if (row["path"] != QJsonValue("/"))
             continue;
         if (!root.isEmpty())
             return {};
@@ -111,10 +111,10 @@ void TestRecordingctl::listAsJson()
 {
     const Run list = run({"list", "--json"});
     QCOMPARE(list.exitCode, 0);
-    QCOMPARE(list.json().value("invokables").toArray().size(), 40);
-    QCOMPARE(list.json().value("signals").toArray().size(), 21);
-    QCOMPARE(list.json().value("enumerations").toArray().size(), 3);
-    const QJsonObject first = list.json().value("invokables").toArray().at(7).toObject();
+    QCOMPARE(list.reply()["data"]["invokables"].toArray().size(), 40);
+    QCOMPARE(list.reply()["data"]["signals"].toArray().size(), 21);
+    QCOMPARE(list.reply()["data"]["enumerations"].toArray().size(), 3);
+    const QJsonObject first = list.reply()["data"]["invokables"].toArray().at(7).toObject();
     QCOMPARE(first,
              (QJsonObject{{"name", "getVolume"},
                           {"returnType", "bool"},
@@ -137,16 +137,16 @@ void TestRecordingctl::callGetVolumeAsJson()
 {
     const Run call = run({"call", "getVolume", "--json"});
     QCOMPARE(call.exitCode, 0);
-    const QJsonObject object = call.json();
-    QCOMPARE(object.value("call"), QJsonValue("getVolume"));
-    QCOMPARE(object.value("result"), QJsonValue(true));
-    QCOMPARE(object.value("returnCode"), QJsonValue("0"));
+    const QJsonObject data = call.reply()["data"].toObject();
+    QCOMPARE(call.reply()["returnCode"], QJsonValue("0"));
+    QCOMPARE(data["name"], QJsonValue("getVolume"));
+    QCOMPARE(data["result"], QJsonValue(true));
     QCOMPARE(
-        object.value("answers").toArray(),
+        data["answers"].toArray(),
         (QJsonArray{QJsonObject{{"signal", "getVolumeResponded"}, {"arguments", QJsonObject{{"success", true}}}}}));
-    const QJsonObject root = rootIn(object.value("model").toArray());
-    QCOMPARE(root.value("rootPathRole"), QJsonValue("/"));
-    QCOMPARE(root.value("sizeRole").toInteger(), rootSize());
+    const QJsonObject root = rootIn(data["rows"].toArray());
+    QCOMPARE(root["path"], QJsonValue("/"));
+    QCOMPARE(root["sizeBytes"].toInteger(), rootSize() * 1024);
 }
 
 void TestRecordingctl::callGetServerDir()
@@ -211,7 +211,7 @@ void TestRecordingctl::refusalWithoutASignal()
     const Run call = run({"call", "getVolume", "relay-of-nobody", "--json"});
     QCOMPARE(call.exitCode, 1);
     QCOMPARE(call.json().value("returnCode"), QJsonValue("UnknownStation"));
-    QVERIFY(!call.json().contains("model"));
+    QVERIFY(!call.json().contains("data"));
     QCOMPARE(call.errorLines(), QStringList{"recordingctl: getVolume: the station refused: UnknownStation"});
 }
 
@@ -220,9 +220,9 @@ void TestRecordingctl::refusedByThePlugin()
     const Run call = run({"call", "addRecordingGroup", "Yard", "/srv", "Local", "1000"});
     QCOMPARE(call.exitCode, 1);
     QCOMPARE(call.output, QString());
-    QCOMPARE(call.errorLines().join("|"),
-             "recordingctl: addRecordingGroup: the plug-in refused and sent nothing; with RECORDING_TRACE_LEVEL=error "
-             "it says why");
+    QCOMPARE(call.errors,
+             "recordingctl: addRecordingGroup: the plug-in refused and sent nothing: Reserve space must be multiple of "
+             "1024\n");
 }
 
 void TestRecordingctl::volumesForAnOperator()
@@ -327,6 +327,7 @@ void TestRecordingctl::noAnswerInTime()
     const Run call = run(arguments + QStringList{"--timeout", "0.2"}, {}, HANGING_STATION);
     QCOMPARE(call.exitCode, 3);
     QVERIFY(!call.output.contains("/"));
+    QCOMPARE(arguments.contains("--json"), call.reply()["returnCode"] == QJsonValue("NoAnswer"));
     QCOMPARE(call.errorLines(), QStringList{QStringLiteral("recordingctl: %1: no answer within 0.2 s").arg(name)});
 }
 
@@ -359,8 +360,7 @@ void TestRecordingctl::withoutAHomeThereIsNoDataFolder()
         QCOMPARE(volumes.exitCode, 2);
         QCOMPARE(volumes.output, QString());
         QCOMPARE(volumes.errors,
-                 "recordingctl: there is no folder for the station's data: HOME is not set; name one "
-                 "with --data\n");
+                 "recordingctl: There is no folder for the station's data: HOME is not set. Name one: local:DIR.\n");
         process.start(RECORDINGCTL, {"volumes", "--data", folder.filePath("station")});
         QCOMPARE(finished(process).exitCode, 0);
     }
@@ -378,13 +378,15 @@ void TestRecordingctl::watchShowsEvents_data()
                                          "  usage   changed source= group=Yard groupId=1 recordedDays=1 "
                                          "remainingDays=unknown oneDayUsage=unknown reservedTime=4320\n"};
     QTest::newRow("JSON") << QStringList{"--json"}
-                          << QStringList{R"({"kind":"event","name":"VolumeChanged",)",
+                          << QStringList{R"({"command":"watch","data":{"kind":"event","name":"VolumeChanged",)",
                                          R"("recordingGroupName":"Yard")",
                                          R"("name":"volumeInfoChanged")",
+                                         R"("volumeSizeBytes":null)",
                                          R"({"kind":"alarm","name":"raised",)",
-                                         R"("values":{"group":"","groupId":"","kind":"VolumeError","source":""}})",
+                                         R"("kind":"VolumeError",)",
+                                         R"("text":"a volume cannot be reached"}})",
                                          R"({"kind":"usage","name":"changed",)",
-                                         R"("oneDayUsage":null,"recordedDays":1,"remainingDays":null,)"};
+                                         R"("oneDayUsageBytes":null,"recordedDays":1,"remainingDays":null,)"};
 }
 
 void TestRecordingctl::watchShowsEvents()
@@ -406,13 +408,15 @@ void TestRecordingctl::watchShowsEvents()
 
 void TestRecordingctl::watchEndsByCount()
 {
-    const Run watch = run({"watch", "--json", "--count", "2", "--timeout", "60"});
+    const Run watch = run({"watch", "--json", "--count", "4", "--timeout", "60"});
     QCOMPARE(watch.exitCode, 0);
-    QCOMPARE(watch.outputLines().size(), 2);
+    QCOMPARE(watch.outputLines().size(), 4);
     for (const QString &line : watch.outputLines()) {
         const QJsonObject happening = QJsonDocument::fromJson(line.toUtf8()).object();
-        QCOMPARE(happening.keys(), (QStringList{"kind", "name", "time", "values"}));
-        QCOMPARE(happening.value("kind"), QJsonValue("signal"));
+        QCOMPARE(happening.keys(), (QStringList{"command", "data", "returnCode"}));
+        QCOMPARE(happening["data"].toObject().keys(), (QStringList{"kind", "name", "time", "values"}));
+        const QString kind = happening["data"]["kind"].toString();
+        QVERIFY2(kind == "signal" || kind == "event", qPrintable(line));
     }
     QVERIFY(watch.output.contains("recordingGroupRetrievedChanged"));
 }

@@ -83,9 +83,9 @@ void TestRecordingctlGroups::camerasComeAndGo()
     QCOMPARE(again.errors, "recordingctl: station.addCamera: the station refused: CameraExists\n");
     QCOMPARE(ctl({"camera-remove", "Gate"}).exitCode, 0);
     QCOMPARE(ctl({"cameras", "--json"}).json(),
-             (QJsonObject{{"call", "station.listCameras"},
+             (QJsonObject{{"command", "cameras"},
                           {"returnCode", "0"},
-                          {"data", QJsonArray{QJsonObject{{"camName", "Door"}, {"streams", 1}}}}}));
+                          {"data", QJsonArray{QJsonObject{{"name", "Door"}, {"streams", 1}}}}}));
 }
 
 void TestRecordingctlGroups::groupIsMadeWithAllThereIsToSay()
@@ -107,15 +107,18 @@ void TestRecordingctlGroups::groupsAsJson()
     const Run add = ctl({"group-add", "Yard", "--path", folder("a"), "--path", folder("b"), "--reserve", "1024"});
     QCOMPARE(add.errors, QString());
     const QString id = add.output.trimmed();
-    const QJsonArray groups = QJsonDocument::fromJson(ctl({"groups", "--json"}).output.toUtf8()).array();
-    QCOMPARE(groups,
-             (QJsonArray{QJsonObject{{"id", id},
-                                     {"name", "Yard"},
-                                     {"paths", QJsonArray{folder("a"), folder("b")}},
-                                     {"reservedSpace", QJsonArray{1024, 1024}},
-                                     {"recoveryPaths", QJsonArray{}},
-                                     {"reservedTime", 0},
-                                     {"members", QJsonArray{}}}}));
+    const auto pathOf = [](const QString &path) {
+        return QJsonObject{{"path", path}, {"reservedSpaceMegabytes", 1024}, {"isRecovery", false}};
+    };
+    QCOMPARE(ctl({"groups", "--json"}).json(),
+             (QJsonObject{{"command", "groups"},
+                          {"returnCode", "0"},
+                          {"data",
+                           QJsonArray{QJsonObject{{"id", id},
+                                                  {"name", "Yard"},
+                                                  {"paths", QJsonArray{pathOf(folder("a")), pathOf(folder("b"))}},
+                                                  {"reservedTimeMinutes", 0},
+                                                  {"members", QJsonArray{}}}}}}));
 }
 
 void TestRecordingctlGroups::membersAreChanged()
@@ -175,6 +178,13 @@ void TestRecordingctlGroups::removalOfSeveralPathsTellsWhichFailed()
 {
     makeYard();
     QCOMPARE(ctl({"group-path-add", "Yard", folder("b"), "--reserve", "0"}).exitCode, 0);
+    const Run partly = ctl({"group-path-remove", "Yard", "/nowhere", folder("b"), "--json"});
+    QCOMPARE(partly.exitCode, 1);
+    QCOMPARE(partly.reply()["data"].toArray().size(), 1);
+    QCOMPARE(partly.reply()["data"][0]["paths"], QJsonValue(QJsonArray{folder("b")}));
+    QCOMPARE(partly.reply()["data"][0]["keptBytes"], QJsonValue(0));
+    QCOMPARE(partly.reply()["error"]["elements"][0]["value"], QJsonValue("/nowhere"));
+    QCOMPARE(ctl({"group-path-add", "Yard", folder("b"), "--reserve", "0"}).exitCode, 0);
     const Run remove = ctl({"group-path-remove", "Yard", "/nowhere", folder("b")});
     QCOMPARE(remove.exitCode, 1);
     QCOMPARE(remove.errorLines(),
@@ -185,7 +195,7 @@ void TestRecordingctlGroups::removalOfSeveralPathsTellsWhichFailed()
     const Run last = ctl({"group-path-remove", "Yard", folder("a"), "--json"});
     QCOMPARE(last.exitCode, 1);
     QCOMPARE(last.json().value("returnCode"), QJsonValue("LastPathOfGroup"));
-    QCOMPARE(last.json().value("parts").toArray().at(0).toObject().value("path"), QJsonValue(folder("a")));
+    QCOMPARE(last.reply()["error"]["elements"][0]["value"], QJsonValue(folder("a")));
 }
 
 void TestRecordingctlGroups::treeShowsStationAndGroups()
@@ -196,8 +206,7 @@ void TestRecordingctlGroups::treeShowsStationAndGroups()
     QCOMPARE(words(lines.at(0)), (QStringList{"Name", "Type", "Address", "Id"}));
     QCOMPARE(words(lines.at(1)).mid(0, 2), (QStringList{QSysInfo::machineHostName(), "RecordingServer"}));
     QCOMPARE(lines.at(2).simplified().section(u' ', 0, 1), "Yard RecordingGroup");
-    const QJsonObject station = ctl({"tree", "--json"}).json().value("model").toArray().at(0).toObject();
-    QCOMPARE(station.value("children").toArray().at(0).toObject().value("nameRole"), QJsonValue("Yard"));
+    QCOMPARE(ctl({"tree", "--json"}).reply()["data"][0]["groups"][0]["name"], QJsonValue("Yard"));
 }
 
 void TestRecordingctlGroups::everyRefusedElementIsNamed()
@@ -284,10 +293,15 @@ void TestRecordingctlGroups::usageOfASampleSiteIsKnown()
                  (QStringList{"Group", "Recorded", "Remaining", "Reserved time", "Per day"}));
         QVERIFY2(usage.output.contains("\nParking ") && !usage.output.contains("unknown"), qPrintable(usage.output));
     }
-    const QJsonArray groups = ctl({"usage", "--json"}).json().value("groups").toArray();
+    const QJsonArray groups = ctl({"usage", "--json"}).reply()["data"].toArray();
     QCOMPARE(groups.size(), 3);
-    QVERIFY(groups.at(0).toObject().value("recordedDaysRole").toInt() > 0);
+    QVERIFY(groups.at(0).toObject().value("recordedDays").toInt() > 0);
     QCOMPARE(groups.at(0).toObject().value("volumes").toArray().size(), 1);
+    const QJsonArray alarmsJson = ctl({"alarms", "--json"}).reply()["data"].toArray();
+    QCOMPARE(alarmsJson.size(), 1);
+    QCOMPARE(alarmsJson[0]["kind"], QJsonValue("InsufficientRecordingDays"));
+    QCOMPARE(alarmsJson[0]["severity"], QJsonValue("warning"));
+    QCOMPARE(alarmsJson[0]["group"], QJsonValue("Parking"));
     const Run alarms = ctl({"alarms"});
     QCOMPARE(alarms.outputLines().size(), 2); // one group is short of days
     QVERIFY2(alarms.output.contains("  reserved time will not be reached  Parking  {"), qPrintable(alarms.output));

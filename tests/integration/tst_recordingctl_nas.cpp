@@ -68,6 +68,13 @@ void TestRecordingctlNas::serverFromBeginningToEnd()
     QCOMPARE(partly.exitCode, 1);
     QVERIFY2(partly.output.contains(path), qPrintable(partly.output));
     QVERIFY2(partly.errors.contains("recordingctl: " + missing + " is no volume"), qPrintable(partly.errors));
+    const QJsonValue reply = ctl({"nas-volumes", path, missing, "--json"}).reply();
+    QCOMPARE(reply["returnCode"], QJsonValue("NotAVolume"));
+    QVERIFY(!reply["data"].toArray().isEmpty());
+    QCOMPARE(
+        reply["error"]["elements"],
+        QJsonValue(QJsonArray{QJsonObject{
+            {"element", "path"}, {"index", 1}, {"value", missing}, {"code", "NotAVolume"}, {"reason", QJsonValue()}}}));
 
     QFile file(m_folder.filePath("password"));
     QVERIFY(file.open(QIODevice::WriteOnly) && file.write(password) > 0);

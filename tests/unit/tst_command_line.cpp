@@ -71,15 +71,17 @@ void TestCommandLine::dataFolderGoesWithEveryCommand()
     for (const QString &name : commandNames()) {
         const CommandForm *form = commandForm(name);
         QStringList arguments{name, "--data", "/srv/station"};
+        if (name == "forecast")
+            arguments.append("group-remove");
         for (qsizetype count = 0; count < form->fewest; ++count)
             arguments.append("x");
         for (const QString &option : neededOptions(*form))
             arguments.append({"--" + option, "x"});
         const CommandLine line = parse(arguments);
         QCOMPARE(line.error, QString());
-        QCOMPARE(line.dataFolder, "/srv/station");
+        QCOMPARE(line.url, "local:/srv/station");
     }
-    QCOMPARE(parse({"volumes"}).dataFolder, QString());
+    QCOMPARE(parse({"volumes"}).url, "local:");
 }
 
 void TestCommandLine::helpOfACommand()
@@ -169,8 +171,8 @@ void TestCommandLine::refusesWithOneLine_data()
     QTest::newRow("no data folder") << QStringList{"volumes", "--data="} << "--data must be some text, not \"\"";
     QTest::newRow("call without a name") << QStringList{"call"} << "usage: recordingctl call NAME [ARGUMENT...]";
     QTest::newRow("too many paths") << QStringList{"mkdir", "/a", "/b"} << "usage: recordingctl mkdir PATH";
-    QTest::newRow("unknown option") << QStringList{"volumes", "--all"}
-                                    << "Unknown option 'all'; put -- before arguments that begin with a dash";
+    QTest::newRow("unknown option") << QStringList{"volumes", "--every"}
+                                    << "Unknown option 'every'; put -- before arguments that begin with a dash";
     QTest::newRow("a negative number")
         << QStringList{"call", "addRecordingGroup", "a", "/srv", "Local", "-2048"}
         << "\"-2048\" looks like an option; put -- before arguments that begin with a dash";

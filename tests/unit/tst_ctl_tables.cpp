@@ -1,3 +1,5 @@
+#include "CommandReply.h"
+#include "JsonFields.h"
 #include "ModelPrinter.h"
 #include "NasCommands.h"
 #include "OutcomeText.h"
@@ -11,7 +13,7 @@
 #include "VolumeTable.h"
 #include "companions/StatusMonitorPlugin.h"
 
-#include <QJsonDocument>
+#include <QDateTime>
 #include <QJsonObject>
 #include <QRegularExpression>
 #include <QStandardItemModel>
@@ -33,6 +35,9 @@ private slots:
     void controlCharactersStayOnTheLine();
     void valuesAsTextAndJson_data();
     void valuesAsTextAndJson();
+    void quantitiesHaveOneForm_data();
+    void quantitiesHaveOneForm();
+    void repliesHaveOneShape();
     void modelAsTable();
     void modelAsJson();
     void treeIsIndented();
@@ -120,7 +125,77 @@ void TestCtlTables::valuesAsTextAndJson()
 {
     QFETCH(const QVariant, value);
     QTEST(valueText(value), "text");
-    QTEST(valueJson(value), "json");
+    QTEST(plainJson(value), "json");
+}
+
+void TestCtlTables::quantitiesHaveOneForm_data()
+{
+    QTest::addColumn<QString>("scope");
+    QTest::addColumn<QVariantMap>("fields");
+    QTest::addColumn<QJsonObject>("json");
+
+    const QJsonValue unknown;
+    const QDateTime time = QDateTime::fromString(QStringLiteral("2026-11-21T05:10:01.776+01:00"), Qt::ISODateWithMs);
+    QTest::newRow("volume") << "" << QVariantMap{{"size", 4LL}, {"availableSize", 0LL}, {"isNAS", QVariant()}}
+                            << QJsonObject{{"sizeBytes", 4096}, {"availableBytes", 0}, {"isNas", false}};
+    QTest::newRow("volume that is gone") << "" << QVariantMap{{"volumeSize", 0LL}, {"volumeAvailableSize", 0LL}}
+                                         << QJsonObject{{"volumeSizeBytes", unknown},
+                                                        {"volumeAvailableBytes", unknown}};
+    QTest::newRow("free space that is not known") << "" << QVariantMap{{"size", 4LL}, {"availableSize", -1LL}}
+                                                  << QJsonObject{{"sizeBytes", 4096}, {"availableBytes", unknown}};
+    QTest::newRow("figures") << "" << QVariantMap{{"recordedDays", 0}, {"remainDays", -1}, {"oneDayUsage", -1LL}}
+                             << QJsonObject{
+                                    {"recordedDays", 0}, {"remainingDays", unknown}, {"oneDayUsageBytes", unknown}};
+    QTest::newRow("by the unit in the name") << "" << QVariantMap{{"keptBytes", -1LL}, {"growthBytes", 7LL}}
+                                             << QJsonObject{{"keptBytes", unknown}, {"growthBytes", 7}};
+    QTest::newRow("by the scope") << "StorageScanProgress" << QVariantMap{{"done", 7LL}, {"total", -1LL}}
+                                  << QJsonObject{{"doneFiles", 7}, {"totalFiles", unknown}};
+    QTest::newRow("of another scope") << "" << QVariantMap{{"total", 7LL}} << QJsonObject{{"total", 7}};
+    QTest::newRow("reserves") << "" << QVariantMap{{"reserveSpace", QVariantList{1024LL, -1LL}}}
+                              << QJsonObject{{"reservedSpaceMegabytes", QJsonArray{1024, unknown}}};
+    QTest::newRow("times") << "" << QVariantMap{{"since", "2026-11-21T05:10:01.776+01:00"}, {"begin", time}}
+                           << QJsonObject{{"since", "2026-11-21T04:10:01.776Z"}, {"begin", "2026-11-21T04:10:01.776Z"}};
+    QTest::newRow("no time") << "" << QVariantMap{{"since", ""}} << QJsonObject{{"since", unknown}};
+    QTest::newRow("texts") << "" << QVariantMap{{"source", ""}, {"password", "s3 cret"}}
+                           << QJsonObject{{"source", unknown}, {"password", "********"}};
+    QTest::newRow("within") << "" << QVariantMap{{"list", QVariantList{QVariantMap{{"recordedDays", -1}}}}}
+                            << QJsonObject{{"list", QJsonArray{QJsonObject{{"recordedDays", unknown}}}}};
+}
+
+void TestCtlTables::quantitiesHaveOneForm()
+{
+    QFETCH(const QString, scope);
+    QFETCH(const QVariantMap, fields);
+    QTEST(fieldsJson(fields, scope), "json");
+}
+
+void TestCtlTables::repliesHaveOneShape()
+{
+    CommandReply reply("volumes");
+    QCOMPARE(reply.toJson(), (QJsonObject{{"command", "volumes"}, {"returnCode", "0"}, {"data", QJsonValue()}}));
+    reply.setData(QJsonArray{1});
+    QCOMPARE(reply.toJson(), (QJsonObject{{"command", "volumes"}, {"returnCode", "0"}, {"data", QJsonArray{1}}}));
+    const QJsonObject pending{{"kind", "VolumeNotAnswering"}};
+    reply.addUnknown(pending);
+    QCOMPARE(reply.toJson(),
+             (QJsonObject{{"command", "volumes"},
+                          {"returnCode", "NotKnownYet"},
+                          {"data", QJsonArray{1}},
+                          {"unknown", QJsonArray{pending}}}));
+    reply.addError("VolumeGone", "One is gone.");
+    reply.addError("ClockBehind", "It is late.");
+    const QJsonObject error{
+        {"code", "VolumeGone"}, {"message", "One is gone.\nIt is late."}, {"elements", QJsonArray()}};
+    QCOMPARE(reply.toJson(),
+             (QJsonObject{{"command", "volumes"},
+                          {"returnCode", "VolumeGone"},
+                          {"data", QJsonArray{1}},
+                          {"unknown", QJsonArray{pending}},
+                          {"error", error}}));
+    CommandReply nothing{{}};
+    nothing.addError("WrongUse", "?");
+    QCOMPARE(nothing.toJson().keys(), (QStringList{"command", "error", "returnCode"}));
+    QVERIFY(nothing.toJson().value("command").isNull());
 }
 
 void TestCtlTables::modelAsTable()
@@ -141,7 +216,7 @@ void TestCtlTables::modelAsJson()
     setRoles(model, {{Size, "sizeRole"}, {Name, "nameRole"}, {IsSystem, "isSystemRole"}});
     model.appendRow(item({{Name, "System"}, {Size, 1000000LL}, {IsSystem, true}}));
     QCOMPARE(modelJson(model),
-             (QJsonArray{QJsonObject{{"nameRole", "System"}, {"sizeRole", 1000000}, {"isSystemRole", true}}}));
+             (QJsonArray{QJsonObject{{"name", "System"}, {"sizeBytes", 1024000000}, {"isSystem", true}}}));
 }
 
 void TestCtlTables::treeIsIndented()
@@ -155,10 +230,10 @@ void TestCtlTables::treeIsIndented()
              "idRole  nameRole\n"
              "1       North\n"
              "  2     Yard\n");
-    QCOMPARE(modelJson(model),
-             (QJsonArray{QJsonObject{{"idRole", "1"},
-                                     {"nameRole", "North"},
-                                     {"children", QJsonArray{QJsonObject{{"idRole", "2"}, {"nameRole", "Yard"}}}}}}));
+    QCOMPARE(
+        modelJson(model),
+        (QJsonArray{QJsonObject{
+            {"id", "1"}, {"name", "North"}, {"children", QJsonArray{QJsonObject{{"id", "2"}, {"name", "Yard"}}}}}}));
 }
 
 void TestCtlTables::passwordsAreHidden()
@@ -171,7 +246,7 @@ void TestCtlTables::passwordsAreHidden()
              "nameRole  passwordRole\n"
              "nas       ********\n"
              "open\n");
-    QCOMPARE(modelJson(model).at(0).toObject().value("passwordRole"), QJsonValue("********"));
+    QCOMPARE(modelJson(model).at(0).toObject().value("password"), QJsonValue("********"));
 }
 
 void TestCtlTables::volumesForAnOperator()
@@ -317,16 +392,15 @@ void TestCtlTables::groupsForAnOperator()
              "Gate         1  yes         no\n");
     QCOMPARE(
         groupsJson(groups).at(0).toObject(),
-        (QJsonObject{
-            {"id", "{1}"},
-            {"name", "North"},
-            {"paths", QJsonArray{"/a", "/b"}},
-            {"reservedSpace", QJsonArray{2048, 0}},
-            {"recoveryPaths", QJsonArray{"/b"}},
-            {"reservedTime", 4320},
-            {"members",
-             QJsonArray{QJsonObject{
-                 {"camName", "Gate"}, {"streamIndex", 1}, {"enableTimeShift", true}, {"enableSeamless", false}}}}}));
+        (QJsonObject{{"id", "{1}"},
+                     {"name", "North"},
+                     {"paths",
+                      QJsonArray{QJsonObject{{"path", "/a"}, {"reservedSpaceMegabytes", 2048}, {"isRecovery", false}},
+                                 QJsonObject{{"path", "/b"}, {"reservedSpaceMegabytes", 0}, {"isRecovery", true}}}},
+                     {"reservedTimeMinutes", 4320},
+                     {"members",
+                      QJsonArray{QJsonObject{
+                          {"camera", "Gate"}, {"stream", 1}, {"isTimeShift", true}, {"isSeamless", false}}}}}));
 }
 
 void TestCtlTables::groupsGoByIdOrName()
@@ -421,7 +495,17 @@ void TestCtlTables::refusedElementsAreNamed()
     QCOMPARE(refusalLines(outcome), lines);
     outcome.parts = {{"RecordingGroupNameInUse", QVariantMap{{"errorAction", errors}}}};
     QCOMPARE(refusalLines(outcome), lines);
-    QCOMPARE(outcomeJson("x", outcome).value("refused").toArray().size(), 2);
+    QCOMPARE(refusedElementsJson(outcome),
+             (QJsonArray{QJsonObject{{"element", "recordingGroupName"},
+                                     {"index", QJsonValue()},
+                                     {"value", "Yard"},
+                                     {"code", "RecordingGroupNameInUse"},
+                                     {"reason", QJsonValue()}},
+                         QJsonObject{{"element", "pathInfoList"},
+                                     {"index", 0},
+                                     {"value", "/srv"},
+                                     {"code", "PathNotWritable"},
+                                     {"reason", "PermissionDenied"}}}));
     outcome.parts = {{"0", QVariantMap{{"recordingGroupID", "{1}"}}, false},
                      {"RecordingGroupNotFound", QVariantMap{{"recordingGroupID", "{2}"}}, false},
                      {"PathNotInGroup", QVariantMap{{"recordingGroupID", "{3}"}, {"path", "/a"}}}};
@@ -429,7 +513,7 @@ void TestCtlTables::refusedElementsAreNamed()
              (QStringList{"recordingGroupID \"{2}\": RecordingGroupNotFound", "path \"/a\": PathNotInGroup"}));
     outcome.parts = {{"0", errors}};
     QCOMPARE(refusalLines(outcome), QStringList{});
-    QVERIFY(!outcomeJson("x", outcome).contains("refused"));
+    QCOMPARE(refusedElementsJson(outcome), QJsonArray());
     outcome.parts = {{"UnknownCommand", {}}};
     QCOMPARE(refusalLines(outcome), QStringList{});
 }
