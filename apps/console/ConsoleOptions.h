@@ -4,6 +4,9 @@
 #include <QString>
 #include <QStringList>
 
+#include <chrono>
+#include <optional>
+
 /// What the console was started with.
 struct ConsoleOptions
 {
@@ -12,13 +15,19 @@ struct ConsoleOptions
 
     Action action = Action::Run;
     QString error; ///< of Refuse: one line that says what was expected
-    QString page = QStringLiteral("volumes");
-    Scheme scheme = Scheme::System;
-    QSize size{1280, 800};
+    // What is not stated is as it was left, see ConsoleSettings.
+    QString page; ///< empty: not stated
+    std::optional<Scheme> scheme;
+    int textSize = 0; ///< percent; 0: not stated
+    QSize size; ///< invalid: not stated
     QString platform; ///< of Qt; empty: Qt's choice
-    QString screenshot; ///< file to write; empty: show the window
-    QString dataFolder; ///< of the station inside the console; empty: the station's own choice
+    QString screenshot; ///< file to write; empty, like the next: show the window
+    QString screenshots; ///< folder for pictures of all pages
+    std::optional<std::chrono::milliseconds> latest; ///< see Screenshot
+    QString url; ///< of the station; see StationLink::open()
     QString folder; ///< of the folders page; empty: the list of the volumes
+
+    bool isForPictures() const { return !screenshot.isEmpty() || !screenshots.isEmpty(); }
 
     /// @param arguments with the program's name first. Needs no application object.
     static ConsoleOptions parse(const QStringList &arguments);

@@ -4,4 +4,4 @@ class ClientSession;
 class ConsoleSession;
 
 /// From now on @p session tells the pages what @p client comes to know. Either may end first. @p client is started.
-void followClient(const ClientSession &client, ConsoleSession &session);
+void followClient(ClientSession &client, ConsoleSession &session);

@@ -1,20 +1,21 @@
 #include "GroupUsageModel.h"
 
+#include "MissingDays.h"
 #include "ModelColumn.h"
+#include "NaturalOrder.h"
 #include "RowOrder.h"
+#include "ServerVocabulary.h"
+#include "StationVocabulary.h"
+#include "VolumeParts.h"
 
-#include <QCollator>
 #include <QMetaObject>
 
 #include <algorithm>
-#include <array>
 #include <iterator>
 #include <tuple>
 #include <utility>
 
 namespace {
-constexpr int minutesPerDay = 24 * 60;
-
 const QString &backupId()
 {
     static const QString id = QStringLiteral("backupID");
@@ -31,39 +32,63 @@ QAbstractItemModel *askedModel(QObject &recording, const char *getter, const Key
     return qobject_cast<QAbstractItemModel *>(model);
 }
 
-QVariantList volumeList(const QAbstractItemModel *model)
+constexpr double bytesOfAKilobyte = 1024;
+
+/// One row of the plug-in's volumes of a group.
+struct GroupVolume
+{
+    QString path;
+    bool isNas = false;
+    QVariantMap figures; ///< with the keys of "station.listStorage", as far as the plug-in has them
+    double fillable = -1; ///< bytes
+
+    bool isLost() const { return figures.value(StationKey::state) == StationVolumeState::gone; }
+};
+
+/// A volume that is gone has neither size nor space for the group.
+QList<GroupVolume> volumesIn(const QAbstractItemModel *model)
 {
     if (!model)
         return {};
-    const std::array<std::pair<QString, ModelColumn>, 6> columns{{
-        {QStringLiteral("name"), {*model, "nameRole"}},
-        {QStringLiteral("path"), {*model, "rootPathRole"}},
-        {QStringLiteral("size"), {*model, "sizeRole"}},
-        {QStringLiteral("availableSize"), {*model, "availableSizeRole"}},
-        {QStringLiteral("isSystem"), {*model, "isSystemRole"}},
-        {QStringLiteral("isNas"), {*model, "isNASRole"}},
-    }};
-    QVariantList volumes;
+    const ModelColumn name(*model, "nameRole");
+    const ModelColumn path(*model, "rootPathRole");
+    const ModelColumn size(*model, "sizeRole");
+    const ModelColumn available(*model, "availableSizeRole");
+    const ModelColumn isSystem(*model, "isSystemRole");
+    const ModelColumn isNas(*model, "isNASRole");
+    QList<GroupVolume> volumes;
     for (int row = 0; row < model->rowCount(); ++row) {
-        QVariantMap volume;
-        for (const auto &[key, column] : columns)
-            volume.insert(key, column[row]);
-        volumes.append(volume);
+        const double bytes = size[row].toDouble() * bytesOfAKilobyte;
+        const double fillable = available[row].toDouble() * bytesOfAKilobyte;
+        const QString &state = bytes > 0  ? StationVolumeState::there
+            : bytes == 0 && fillable == 0 ? StationVolumeState::gone
+                                          : StationVolumeState::unknown;
+        volumes.append({path[row].toString(),
+                        isNas[row].toBool(),
+                        {{FieldKey::volumePath, path[row]},
+                         {FieldKey::volumeName, name[row]},
+                         {FieldKey::volumeIsSystem, isSystem[row]},
+                         {StationKey::kind, isNas[row].toBool() ? StationVolumeKind::NAS : StationVolumeKind::local},
+                         {StationKey::state, state},
+                         {StationKey::size, bytes > 0 ? bytes : -1},
+                         {StationKey::free, -1}},
+                        fillable});
     }
     return volumes;
+}
+
+bool areAllLost(const QList<GroupVolume> &volumes)
+{
+    return !volumes.isEmpty()
+        && std::all_of(volumes.cbegin(), volumes.cend(), [](const GroupVolume &volume) { return volume.isLost(); });
 }
 } // namespace
 
 void GroupUsageModel::judge(Group &group)
 {
-    if (group.recordedDays < 0 || group.remainingDays < 0 || group.reservedTime < 0) {
-        group.state = Unknown;
-        return;
-    }
-    const qlonglong needed = group.reservedTime / minutesPerDay;
-    const qlonglong covered = qlonglong(group.recordedDays) + group.remainingDays;
-    group.missingDays = std::max(needed - covered, qlonglong(0));
-    group.state = group.missingDays > 0 ? Short : Sufficient;
+    const qint64 missing = missingDays(group.reservedTime, group.recordedDays, group.remainingDays);
+    group.missingDays = std::max<qint64>(missing, 0);
+    group.state = missing < 0 ? Unknown : missing > 0 ? Short : Sufficient;
 }
 
 void GroupUsageModel::sortWorstFirst(QList<Group> &groups)
@@ -73,11 +98,11 @@ void GroupUsageModel::sortWorstFirst(QList<Group> &groups)
         Group group;
         QCollatorSortKey name; // made once: comparing by a locale costs more than all else here
     };
-    const QCollator collator;
+    const QCollator collator = naturalOrder();
     QList<Entry> entries;
     entries.reserve(groups.size());
     for (const Group &group : std::as_const(groups))
-        entries.push_back({group, collator.sortKey(group.name.toCaseFolded())});
+        entries.push_back({group, collator.sortKey(group.name)});
     std::sort(entries.begin(), entries.end(), [](const Entry &left, const Entry &right) {
         const Group &a = left.group;
         const Group &b = right.group;
@@ -108,6 +133,9 @@ QList<GroupUsageModel::Group> GroupUsageModel::groupsOf(QObject &recording, cons
             group.oneDayUsage = oneDayUsage[row].toLongLong();
             group.reservedTime = reservedTime[row].toInt();
             judge(group);
+            if (group.remainingDays <= 0
+                && areAllLost(volumesIn(askedModel(recording, "getGroupVolumeModel", relayPath, group.id))))
+                group.state = Lost;
             groups.append(group);
         }
     }
@@ -201,8 +229,36 @@ void GroupUsageModel::arrange(const QList<Group> &groups, const QHash<QString, i
 
 QVariantList GroupUsageModel::volumesOf(const QString &groupId) const
 {
-    return m_recording ? volumeList(askedModel(*m_recording, "getGroupVolumeModel", m_relayPath, groupId))
-                       : QVariantList();
+    QVariantList list;
+    if (!m_recording)
+        return list;
+    const QList<GroupVolume> volumes = volumesIn(askedModel(*m_recording, "getGroupVolumeModel", m_relayPath, groupId));
+    for (const GroupVolume &volume : volumes) {
+        const QVariantMap told = m_storage ? m_storage->holding(volume.path, volume.isNas) : QVariantMap();
+        const QVariantMap &figures = told.isEmpty() ? volume.figures : told;
+        list.append(QVariantMap{{QStringLiteral("path"), volume.path},
+                                {QStringLiteral("fillable"), volume.fillable},
+                                {QStringLiteral("volume"), figures},
+                                {QStringLiteral("parts"), volumeParts(figures, groupId)}});
+    }
+    return list;
+}
+
+void GroupUsageModel::setStorage(StationStorage *storage)
+{
+    if (m_storage == storage)
+        return;
+    if (m_storage)
+        m_storage->disconnect(this);
+    m_storage = storage;
+    const auto showVolumes = [this] {
+        if (!m_groups.isEmpty())
+            emit dataChanged(index(0), index(int(m_groups.size()) - 1), {Volumes});
+    };
+    if (m_storage)
+        connect(m_storage, &StationStorage::changed, this, showVolumes);
+    showVolumes();
+    emit storageChanged();
 }
 
 int GroupUsageModel::rowOf(const QString &groupId) const
@@ -210,6 +266,20 @@ int GroupUsageModel::rowOf(const QString &groupId) const
     const auto found =
         std::find_if(m_groups.begin(), m_groups.end(), [&groupId](const Group &group) { return group.id == groupId; });
     return found == m_groups.end() ? -1 : int(std::distance(m_groups.begin(), found));
+}
+
+QVariantMap GroupUsageModel::figuresOf(const QString &groupId) const
+{
+    QVariantMap figures;
+    const int row = rowOf(groupId);
+    if (row < 0)
+        return figures;
+    const QHash<int, QByteArray> roles = roleNames();
+    for (auto role = roles.cbegin(); role != roles.cend(); ++role) {
+        if (role.key() != Volumes)
+            figures.insert(QString::fromLatin1(role.value()), data(index(row), role.key()));
+    }
+    return figures;
 }
 
 int GroupUsageModel::countOf(State state) const
@@ -226,6 +296,11 @@ int GroupUsageModel::count() const
 int GroupUsageModel::shortCount() const
 {
     return countOf(Short);
+}
+
+int GroupUsageModel::lostCount() const
+{
+    return countOf(Lost);
 }
 
 int GroupUsageModel::unknownCount() const

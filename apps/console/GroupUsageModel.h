@@ -1,5 +1,7 @@
 #pragma once
 
+#include "StationStorage.h"
+
 #include <QAbstractListModel>
 #include <QHash>
 #include <QList>
@@ -17,11 +19,15 @@ class GroupUsageModel : public QAbstractListModel
     Q_PROPERTY(int count READ count NOTIFY changed)
     Q_PROPERTY(int shortCount READ shortCount NOTIFY changed)
     Q_PROPERTY(int unknownCount READ unknownCount NOTIFY changed)
+    Q_PROPERTY(int lostCount READ lostCount NOTIFY changed)
+    /// What the volumes hold, not owned; null: nobody knows.
+    Q_PROPERTY(StationStorage *storage READ storage WRITE setStorage NOTIFY storageChanged)
 
 public:
     /// How a group stands to its reserved time, judged as the plug-in does: in whole days, and not at all while one of
     /// the figures is unknown. In the order of the rows.
     enum State {
+        Lost, ///< none of its volumes is there
         Short, ///< recorded and remaining days together fall short
         Unknown,
         Sufficient,
@@ -40,8 +46,9 @@ public:
         MissingDays, ///< qlonglong, 0 unless Short
         OneDayUsage, ///< qlonglong, bytes; negative: unknown
         ReservedTime, ///< int, minutes; 0: none
-        Volumes, ///< list of maps: "name", "path" (string), "size", "availableSize" (qlonglong, KB), "isSystem",
-                 ///< "isNas" (bool)
+        Volumes, ///< list of maps: "path" (string), "fillable" (double, bytes that the group may still fill there;
+                 ///< negative: unknown), "volume" (map, with the keys of "station.listStorage") and "parts" (list, as
+                 ///< volumeParts())
     };
 
     using QAbstractListModel::QAbstractListModel;
@@ -52,9 +59,16 @@ public:
     /// The row of a group, -1 without one.
     Q_INVOKABLE int rowOf(const QString &groupId) const;
 
+    /// What is known of a group, in a map by the names of the roles but for its volumes; empty without a row for it.
+    Q_INVOKABLE QVariantMap figuresOf(const QString &groupId) const;
+
     int count() const; ///< of recording groups
     int shortCount() const;
     int unknownCount() const;
+    int lostCount() const;
+
+    StationStorage *storage() const { return m_storage; }
+    void setStorage(StationStorage *storage);
 
     int rowCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
@@ -62,6 +76,7 @@ public:
 
 signals:
     void changed();
+    void storageChanged();
 
 private:
     struct Group
@@ -86,6 +101,7 @@ private:
     int countOf(State state) const;
 
     QPointer<QObject> m_recording;
+    QPointer<StationStorage> m_storage;
     QString m_relayPath;
     QList<Group> m_groups;
 };

@@ -51,14 +51,3 @@ QVariantList ModelReader::read(const QVariantMap &roles) const
     }
     return rows;
 }
-
-double ModelReader::sum(const QString &role) const
-{
-    if (!m_model)
-        return 0;
-    const ModelColumn column(*m_model, role.toUtf8());
-    double total = 0;
-    for (int row = 0; row < m_model->rowCount(); ++row)
-        total += column[row].toDouble();
-    return total;
-}

@@ -7,7 +7,7 @@
 #include <QVariantList>
 #include <QtQml/qqmlregistration.h>
 
-/// Reads a list model, for pages that look through its rows, sum them up or sort them. Lives on the UI thread.
+/// Reads a list model, for pages that look through its rows or sort them. Lives on the UI thread.
 class ModelReader : public QObject
 {
     Q_OBJECT
@@ -23,8 +23,6 @@ public:
 
     /// The rows as they are now, a map for each. @p roles says what a map holds: the names of roles by the map's keys.
     Q_INVOKABLE QVariantList read(const QVariantMap &roles) const;
-    /// The values of the role called @p role, added up.
-    Q_INVOKABLE double sum(const QString &role) const;
 
 signals:
     void modelChanged();

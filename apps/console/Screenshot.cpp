@@ -4,16 +4,21 @@
 #include <QImageWriter>
 #include <QMetaProperty>
 #include <QQuickWindow>
+#include <QTimer>
 
 namespace {
 constexpr int framesUntilComplete = 4; // rows of a list are made a frame late, and the drawings in them one more
 } // namespace
 
-Screenshot::Screenshot(QQuickWindow &window, const QString &file, QObject *parent)
+Screenshot::Screenshot(QQuickWindow &window, const QString &file, std::optional<std::chrono::milliseconds> latest,
+                       QObject *parent)
     : QObject(parent)
     , m_window(window)
     , m_file(file)
+    , m_isAnyStateTaken(latest.has_value())
 {
+    if (latest)
+        QTimer::singleShot(*latest, this, &Screenshot::render);
     const QMetaObject *type = window.metaObject();
     const QMetaProperty settled = type->property(type->indexOfProperty("settled"));
     connect(&window, settled.notifySignal(), this, metaObject()->method(metaObject()->indexOfSlot("waitForFrame()")));
@@ -22,7 +27,13 @@ Screenshot::Screenshot(QQuickWindow &window, const QString &file, QObject *paren
 
 void Screenshot::waitForFrame()
 {
-    if (m_framesToCome > 0 || !m_window.property("settled").toBool())
+    if (m_window.property("settled").toBool())
+        render();
+}
+
+void Screenshot::render()
+{
+    if (m_framesToCome != 0)
         return;
     m_framesToCome = framesUntilComplete;
     connect(
@@ -41,8 +52,9 @@ void Screenshot::waitForFrame()
 
 void Screenshot::take()
 {
+    m_framesToCome = -1; // and no more
     const QString failure = m_window.property("failure").toString();
-    if (!failure.isEmpty()) {
+    if (!failure.isEmpty() && !m_isAnyStateTaken) {
         emit finished(failure);
         return;
     }

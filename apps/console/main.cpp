@@ -1,13 +1,18 @@
 #include "ClientSession.h"
 #include "ConsoleOptions.h"
 #include "ConsoleSession.h"
+#include "ConsoleSettings.h"
 #include "ConsoleTypes.h"
 #include "CoreDumps.h"
 #include "Display.h"
 #include "FollowClient.h"
+#include "PluginHost.h"
 #include "Screenshot.h"
+#include "ScreenshotSeries.h"
 #include "StationLog.h"
-#include "StationSettings.h"
+#include "embedded/EmbeddedLink.h"
+#include "link/LocalLink.h"
+#include "link/MqttLink.h"
 
 #include <QDir>
 #include <QGuiApplication>
@@ -47,32 +52,68 @@ void renderWithoutGraphicsCard()
         QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
 }
 
+int takePictures(QQuickWindow &window, const ConsoleOptions &options)
+{
+    QTimer patience; // with each picture
+    patience.setSingleShot(true);
+    const auto leave = [](const QString &error) {
+        if (!error.isEmpty())
+            print(stderr, QStringLiteral("No screenshot: %1").arg(error));
+        QGuiApplication::exit(error.isEmpty() ? Done : Failed);
+    };
+    QObject::connect(&patience, &QTimer::timeout, &patience,
+                     [leave] { leave(QStringLiteral("the page did not get its data in time.")); });
+    patience.start(longestStart);
+    if (options.screenshots.isEmpty()) {
+        const Screenshot screenshot(window, options.screenshot, options.latest);
+        QObject::connect(&screenshot, &Screenshot::finished, &patience, leave);
+        return QGuiApplication::exec();
+    }
+    const ScreenshotSeries series(window, options.screenshots, options.latest);
+    QObject::connect(&series, &ScreenshotSeries::finished, &patience, leave);
+    QObject::connect(&series, &ScreenshotSeries::taken, &patience, [&patience](const QString &file) {
+        print(stdout, file);
+        std::fflush(stdout);
+        patience.start(longestStart);
+    });
+    return QGuiApplication::exec();
+}
+
 int run(const ConsoleOptions &options)
 {
     renderWithoutGraphicsCard();
     QQuickStyle::setStyle(QStringLiteral("Basic"));
 
+    PluginHost::loadTraceLibrary(PluginHost::traceLibraryOfPrograms());
     ClientSession client;
     ClientSession::Options clientOptions;
-    clientOptions.dataFolder = options.dataFolder;
+    clientOptions.url = options.url;
+    clientOptions.figuresPause = ClientSession::figuresPauseOfWindows;
+    clientOptions.linkKinds = QList<StationLink::Kind>{LocalLink::kind(), EmbeddedLink::kind()} + MqttLink::kinds();
     if (!client.start(clientOptions)) {
         print(stderr, client.error());
-        return Failed;
+        return client.plugin() ? WrongUse : Failed;
     }
     ConsoleSession session;
     followClient(client, session);
 
+    ConsoleSettings settings(options.isForPictures() ? QString() : ConsoleSettings::userFile());
     QQmlApplicationEngine engine;
     prepareConsoleEngine(engine);
-    engine.setInitialProperties({
+    QVariantMap properties{
         {QStringLiteral("recording"), QVariant::fromValue(client.plugin())},
         {QStringLiteral("session"), QVariant::fromValue(&session)},
+        {QStringLiteral("settings"), QVariant::fromValue(&settings)},
         {QStringLiteral("startPage"), options.page},
         {QStringLiteral("startPlace"), options.folder},
-        {QStringLiteral("scheme"), static_cast<int>(options.scheme)},
-        {QStringLiteral("width"), options.size.width()},
-        {QStringLiteral("height"), options.size.height()},
-    });
+    };
+    if (options.scheme)
+        properties.insert(QStringLiteral("startScheme"), static_cast<int>(*options.scheme));
+    if (options.textSize > 0)
+        properties.insert(QStringLiteral("startTextSize"), options.textSize);
+    if (options.size.isValid())
+        properties.insert(QStringLiteral("startSize"), QSizeF(options.size));
+    engine.setInitialProperties(properties);
     engine.load(QUrl(QStringLiteral("qrc:/qt/qml/RecordingConsole/Main.qml")));
     auto *window =
         engine.rootObjects().isEmpty() ? nullptr : qobject_cast<QQuickWindow *>(engine.rootObjects().constFirst());
@@ -80,19 +121,7 @@ int run(const ConsoleOptions &options)
         print(stderr, QStringLiteral("The console's window could not be loaded; the lines above say why."));
         return Failed;
     }
-    if (options.screenshot.isEmpty())
-        return QGuiApplication::exec();
-
-    Screenshot screenshot(*window, options.screenshot);
-    const auto leave = [](const QString &error) {
-        if (!error.isEmpty())
-            print(stderr, QStringLiteral("No screenshot: %1").arg(error));
-        QGuiApplication::exit(error.isEmpty() ? Done : Failed);
-    };
-    QObject::connect(&screenshot, &Screenshot::finished, &screenshot, leave);
-    QTimer::singleShot(longestStart, &screenshot,
-                       [leave] { leave(QStringLiteral("the page did not get its data in time.")); });
-    return QGuiApplication::exec();
+    return options.isForPictures() ? takePictures(*window, options) : QGuiApplication::exec();
 }
 } // namespace
 
@@ -117,11 +146,6 @@ int main(int argc, char **argv)
     case ConsoleOptions::Action::Run:
         break;
     }
-    if (options.dataFolder.isEmpty() && defaultStationFolder().isEmpty()) {
-        print(stderr,
-              QStringLiteral("There is no folder for the station's data: HOME is not set. Name one with --data."));
-        return WrongUse;
-    }
     keepStationLogPrintable();
     if (!options.platform.isEmpty())
         qputenv("QT_QPA_PLATFORM", options.platform.toLocal8Bit());
@@ -132,9 +156,10 @@ int main(int argc, char **argv)
         return WrongUse;
     }
     const QGuiApplication application(argc, argv);
+    QGuiApplication::setDesktopFileName(QStringLiteral("com.meridon.RecordingConsole"));
     const int exitCode = run(options);
     std::fflush(nullptr);
-    if (EmbeddedLink::isAnythingLeftBehind())
+    if (StationThread::isAnythingLeftBehind())
         std::_Exit(exitCode);
     return exitCode;
 }

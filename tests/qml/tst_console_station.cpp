@@ -6,9 +6,13 @@
 #include "SambaServer.h"
 #include "VolumeFolder.h"
 #include "companions/StatusMonitorPlugin.h"
+#include "embedded/EmbeddedLink.h"
+#include "link/LateOutcome.h"
 #include "link/StationCalls.h"
 
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QJSValue>
 #include <QQmlContext>
 #include <QQmlEngine>
@@ -21,7 +25,7 @@
 using namespace std::chrono_literals;
 
 /// A station of its own for each test, in this process, with the client and the plug-in before it as in the console.
-class StationServer : public QObject
+class StationOfThePage : public QObject
 {
     Q_OBJECT
     Q_PROPERTY(QObject *recording READ recording NOTIFY renewed)
@@ -32,8 +36,8 @@ class StationServer : public QObject
     Q_PROPERTY(QString silentHost READ silentHost CONSTANT)
 
 public:
-    StationServer() { renew(); }
-    ~StationServer() override
+    StationOfThePage() { renew(); }
+    ~StationOfThePage() override
     {
         m_session.reset();
         m_client.reset();
@@ -51,7 +55,8 @@ public:
         m_client = std::make_unique<ClientSession>();
         ClientSession::Options options;
         options.pluginFolders = QStringList{QStringLiteral(PLUGIN_FOLDER)};
-        options.dataFolder = m_folder->filePath(QStringLiteral("station"));
+        options.url = QStringLiteral("embedded:") + m_folder->filePath(QStringLiteral("station"));
+        options.linkKinds = {EmbeddedLink::kind()};
         if (!m_client->start(options))
             qFatal("%s", qPrintable(m_client->error()));
         m_session = std::make_unique<ConsoleSession>();
@@ -72,12 +77,39 @@ public:
         return answer->returnCode == QStringLiteral("0") ? answer->data : QVariant(answer->returnCode);
     }
 
+    /// Has the client say that the edit of the group @p name, which had timed out, was done.
+    Q_INVOKABLE void tellLateOutcome(const QString &name)
+    {
+        emit m_client->lateOutcomeCame({QStringLiteral("updateRecordingGroup"),
+                                        name,
+                                        {},
+                                        QDateTime::currentDateTimeUtc(),
+                                        QStringLiteral("0"),
+                                        false});
+    }
+
     /// Makes a folder that the station can record into, and gives its path.
     Q_INVOKABLE QString makeFolder(const QString &name)
     {
         QDir(m_folder->path()).mkpath(name);
         return m_folder->filePath(name);
     }
+    /// A recorded file, sparse, of that many bytes.
+    Q_INVOKABLE void record(const QString &file, int bytes)
+    {
+        const QString path = m_folder->filePath(file);
+        QDir().mkpath(QFileInfo(path).path());
+        QFile recording(path);
+        if (!recording.open(QIODevice::WriteOnly) || !recording.resize(bytes))
+            qFatal("%s cannot be made", qPrintable(path));
+    }
+    /// Removes a file and the folder that it was in.
+    Q_INVOKABLE void removeFile(const QString &file)
+    {
+        QFile::remove(m_folder->filePath(file));
+        QDir().rmdir(QFileInfo(m_folder->filePath(file)).path());
+    }
+    Q_INVOKABLE bool exists(const QString &file) const { return QFileInfo::exists(m_folder->filePath(file)); }
     Q_INVOKABLE QString pathOf(const QString &name) const { return m_folder->filePath(name); }
 
     /// Starts an SMB server with a share "video" and a folder "north" in it; empty, or why that failed.
@@ -111,7 +143,7 @@ public slots:
     void qmlEngineAvailable(QQmlEngine *engine)
     {
         m_server.reset(); // of the file of tests before: the plug-in is there once
-        m_server = std::make_unique<StationServer>();
+        m_server = std::make_unique<StationOfThePage>();
         prepareConsoleEngine(*engine);
         engine->addImportPath(QStringLiteral(QML_TYPES_FOLDER));
         engine->rootContext()->setContextProperty(QStringLiteral("server"), m_server.get());
@@ -119,7 +151,7 @@ public slots:
     void cleanupTestCase() { m_server.reset(); } // while there is an application
 
 private:
-    std::unique_ptr<StationServer> m_server;
+    std::unique_ptr<StationOfThePage> m_server;
 };
 
 QUICK_TEST_MAIN_WITH_SETUP(console_station, Setup)
