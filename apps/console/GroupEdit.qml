@@ -1,6 +1,7 @@
 pragma Singleton
 
 import QtQuick
+import com.meridon.pluginrecordingmanagement
 
 /// What an edited recording group comes to as a request, and which field a refusal is about.
 ///
@@ -10,10 +11,7 @@ import QtQuick
 ///
 /// A request comes with "sources": for each of its lists the row that every entry comes from, -1 for a row that is gone.
 QtObject {
-    readonly property int local: 0
-    readonly property int netHost: 1
-    readonly property int netDomain: 2
-    readonly property int keptNas: -1
+    readonly property int keptNas: -1 ///< beside the plug-in's kinds
     readonly property int megabytesPerGigabyte: 1024
 
     readonly property var pathLists: ["pathInfoList", "updateAddPathList", "updateSetPathList", "updateRmPathList"]
@@ -34,7 +32,18 @@ QtObject {
     function kindFor(path: string, kind: int, keptNasPaths: var): int {
         if (keptNasPaths.includes(path))
             return keptNas;
-        return !/^(\/\/|\\\\|smb:)/i.test(path) ? local : kind === netDomain ? netDomain : netHost;
+        if (!/^(\/\/|\\\\|smb:)/i.test(path))
+            return PluginRecordingManagement.Local;
+        return kind === PluginRecordingManagement.NetDomain ? kind : PluginRecordingManagement.NetHost;
+    }
+
+    /// Of a path as RecordingGroups.read() gives it.
+    function kindOf(path: var): int {
+        return path.nas ? keptNas : PluginRecordingManagement.Local;
+    }
+
+    function isNas(kind: int): bool {
+        return kind !== PluginRecordingManagement.Local;
     }
 
     /// Whether a refusal of a path is about its reserved space.
@@ -42,20 +51,23 @@ QtObject {
         return error.returnCode.startsWith("ReservedSpace");
     }
 
-    /// 2 GB are what the plug-in reserves where nothing else is said.
-    function emptyPathRow(path: string): var {
-        return { path: path, kind: local, reserve: "2", recovery: false, message: "", reserveWrong: false };
+    /// 2 GB are what the plug-in reserves where nothing else is said. @p left is what may be reserved there, in bytes;
+    /// negative: nobody knows.
+    function newPathRow(path: string, left: real): var {
+        const fits = left < 0 || left >= 2 * megabytesPerGigabyte * 1024 * 1024;
+        return { path: path, kind: PluginRecordingManagement.Local, reserve: fits ? "2" : "0", recovery: false, message: "",
+                 reserveWrong: false };
     }
 
     function pathRows(group: var): var {
         return group.paths.map(path => ({
-            path: path.path, kind: path.nas ? keptNas : local, reserve: reserveText(path.reserve),
+            path: path.path, kind: kindOf(path), reserve: reserveText(path.reserve),
             recovery: path.recovery, message: "", reserveWrong: false
         }));
     }
 
     function memberRows(group: var): var {
-        return group.members.map(member => Object.assign(memberFrom(member), { message: "" }));
+        return group.members;
     }
 
     /// For addRecordingGroupWithCompleteInfo().
@@ -90,8 +102,81 @@ QtObject {
         return result;
     }
 
+    /// Whether the station could judge it: nothing is missing, and every number is one.
+    function isComplete(original: var, edited: var): bool {
+        return edited.name.trim() !== "" && !isNaN(edited.reservedTime) && edited.paths.length > 0
+            && edited.members.every(member => (member.camName ?? "") !== "")
+            && edited.paths.every(row => row.path !== ""
+                && !isNaN(reserveFrom(row.reserve, original?.paths.find(path => path.path === row.path)?.reserve)));
+    }
+
+    /// What the plug-in's method takes for it, in the order of its parameters; @p group is null for a new one.
+    function parameters(group: var, request: var): var {
+        return group ? [group.id, request.addMembers, request.removeMembers, request.addPaths, request.removePaths,
+                        request.setPaths, request.info]
+                     : [request.info, request.paths, request.members];
+    }
+
+    /// The request that takes @p changes back, which made another group of @p original; null where nobody could: the plug-in
+    /// does not tell of which kind a path on NAS storage was.
+    function reverse(original: var, changes: var): var {
+        const before = path => original.paths.find(other => other.path === path);
+        if (changes.removePaths.some(path => before(path).nas) || changes.setPaths.some(change => change.pathType !== undefined))
+            return null;
+        const info = {};
+        if (changes.info.recordingGroupName !== undefined)
+            info.recordingGroupName = original.name;
+        if (changes.info.recordingGroupReservedTimeEnabled !== undefined) {
+            info.recordingGroupReservedTimeEnabled = original.reservedTime > 0;
+            if (original.reservedTime > 0)
+                info.recordingGroupReservedTime = original.reservedTime;
+        }
+        const removed = changes.removeMembers.map(memberKey);
+        return {
+            info: info,
+            addPaths: changes.removePaths.map(path => ({ path: path, pathType: PluginRecordingManagement.Local,
+                                                         reserveSpace: before(path).reserve,
+                                                         isRecoveryMode: before(path).recovery })),
+            removePaths: changes.addPaths.map(path => path.path),
+            setPaths: changes.setPaths.map(change => {
+                const back = { path: change.path };
+                if (change.reserveSpace !== undefined)
+                    back.reserveSpace = before(change.path).reserve;
+                if (change.isRecoveryMode !== undefined)
+                    back.isRecoveryMode = before(change.path).recovery;
+                return back;
+            }),
+            addMembers: original.members.map(memberFrom).filter(member => removed.includes(memberKey(member))),
+            removeMembers: changes.addMembers.map(member => ({ camName: member.camName, streamIndex: member.streamIndex }))
+        };
+    }
+
     function isEmpty(changes: var): bool {
         return Object.keys(changes.info).length === 0 && Object.values(changes.sources).every(list => list.length === 0);
+    }
+
+    function kindText(kind: int): string {
+        switch (kind) {
+        case PluginRecordingManagement.Local:
+            return qsTr("Local");
+        case PluginRecordingManagement.NetHost:
+            return qsTr("NAS host");
+        case PluginRecordingManagement.NetDomain:
+            return qsTr("NAS domain");
+        default:
+            return qsTr("NAS");
+        }
+    }
+
+    function memberKey(member: var): string {
+        return JSON.stringify([member.camName, member.streamIndex]);
+    }
+
+    /// The entries of a refusal as sentences, each once; @p session has the words.
+    function errorWords(errors: var, session: var): string {
+        const sentences = Array.from(errors).map(error => [error.returnCode, error.reason ?? ""].filter(Boolean)
+                                                              .map(code => session.refusalText(code)).join(" "));
+        return sentences.filter((sentence, index) => sentences.indexOf(sentence) === index).join(" ");
     }
 
     /// Sorts the entries of a refusal to the fields they are about: "name", "time" and "other" are lists of entries,
@@ -126,7 +211,7 @@ QtObject {
             }
             const change = { path: row.path };
             const reserve = reserveFrom(row.reserve, before.reserve);
-            if (row.kind !== (before.nas ? keptNas : local))
+            if (row.kind !== kindOf(before))
                 change.pathType = row.kind;
             if (reserve !== before.reserve)
                 change.reserveSpace = reserve;
@@ -144,15 +229,14 @@ QtObject {
     }
 
     function compareMembers(original: var, edited: var, result: var): void {
-        const key = member => JSON.stringify([member.camName, member.streamIndex]);
-        const left = new Map(original.members.map(memberFrom).map(member => [key(member), member]));
+        const left = new Map(original.members.map(memberFrom).map(member => [memberKey(member), member]));
         const remove = (member, row) => {
             result.removeMembers.push({ camName: member.camName, streamIndex: member.streamIndex });
             result.sources.updateRmCameraList.push(row);
         };
         edited.members.map(memberFrom).forEach((member, index) => {
-            const before = left.get(key(member));
-            left.delete(key(member));
+            const before = left.get(memberKey(member));
+            left.delete(memberKey(member));
             if (before && before.enableTimeShift === member.enableTimeShift
                 && before.enableSeamless === member.enableSeamless)
                 return;

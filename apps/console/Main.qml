@@ -3,55 +3,126 @@ import QtQuick.Controls.Basic
 import RecordingConsole
 import com.meridon.pluginrecordingmanagement
 
-/// The console's window: the pages at the left, the chosen one beside them, the connection below.
+/// The console's window: the pages at the left, the alarms above the chosen one, the connection below. What the operator
+/// chooses about the window is remembered in its settings, what the command line states is not.
 ApplicationWindow {
     id: window
 
     required property PluginRecordingManagement recording
     required property ConsoleSession session
-    property string startPage: "volumes"
+    property ConsoleSettings settings: ConsoleSettings {} ///< what is remembered; at first for this window alone
+    property string startPage ///< key of the page to begin with; empty: the one that was shown last
     property string startPlace ///< of the start page
-    property int scheme: Theme.followDesktop ///< to begin with
+    property int startScheme: -1 ///< of Theme; negative: the one that was chosen last
+    property int startTextSize: 0 ///< percent; 0: as large as it was chosen last
+    property size startSize: Qt.size(0, 0) ///< empty: as large as it was last
+    readonly property var schemeNames: ["system", "light", "dark"] ///< remembered for the schemes of Theme
+    property var presented: null // in a picture
+    property bool restored: false // from now on there are pages, and what changes is the operator's choice
 
-    /// The pages, in their order. A page is a file in pages/ and a line here.
-    readonly property var pages: [
-        { key: "volumes", title: qsTr("Volumes"), iconName: "volume", source: "pages/VolumesPage.qml" },
-        { key: "groups", title: qsTr("Recording groups"), iconName: "group", source: "pages/RecordingGroupsPage.qml" },
-        { key: "usage", title: qsTr("Usage"), iconName: "gauge", source: "pages/UsagePage.qml" },
-        { key: "folders", title: qsTr("Folders"), iconName: "folder", source: "pages/FoldersPage.qml" },
-        { key: "nas", title: qsTr("NAS servers"), iconName: "network", source: "pages/NasPage.qml" }
-    ]
-    property int currentIndex: Math.max(0, pages.findIndex(page => page.key === startPage))
+    readonly property var allPages: ConsolePages.list
+    /// Those that there is something to see on: the first ones of all pages.
+    readonly property var pages: session.stations.site ? allPages : allPages.filter(page => !page.ofSite)
+    property int currentIndex: Math.max(0, allPages.findIndex(page => page.key === firstPage))
+    readonly property string firstPage: startPage !== "" ? startPage : settings.value("window/page", "")
     readonly property ConsolePage currentPage: (stack.count, stack.itemAt(currentIndex) as Loader)?.item as ConsolePage
     readonly property bool broken: (stack.count, stack.itemAt(currentIndex) as Loader)?.status === Loader.Error
     readonly property bool settled: broken || (currentPage?.settled ?? false)
     readonly property string failure: broken ? qsTr("The page could not be loaded.") : currentPage?.failure ?? ""
 
+    width: 1280
+    height: 800
     minimumWidth: 400
     minimumHeight: 360
-    title: qsTr("%1 – Recording console").arg(pages[currentIndex].title)
+    title: session.stations.site
+        ? qsTr("%1 – %2 – Recording console").arg(allPages[currentIndex].title).arg(session.stations.directName)
+        : qsTr("%1 – Recording console").arg(allPages[currentIndex].title)
     color: Theme.window
-    visible: true
     font.pixelSize: Theme.bodySize
-    Component.onCompleted: Theme.scheme = scheme
+    Component.onCompleted: {
+        const remembered = schemeNames.indexOf(settings.value("window/theme", schemeNames[0]));
+        Theme.scheme = startScheme >= 0 ? startScheme : Math.max(0, remembered);
+        const textSize = startTextSize || settings.value("window/textSize", 100);
+        Theme.textSize = Theme.textSizes.includes(textSize) ? textSize : 100;
+        memory.restore(startSize);
+        restored = true;
+        memory.show();
+    }
+    onClosing: memory.keep()
+    onCurrentIndexChanged: {
+        if (restored)
+            settings.setValue("window/page", allPages[currentIndex].key);
+    }
 
     /// Opens the page called @p key, at @p place unless that is empty.
     function goTo(key: string, place: string): void {
-        currentIndex = pages.findIndex(page => page.key === key);
+        showPage(allPages.findIndex(page => page.key === key));
         if (place !== "")
             currentPage?.goTo(place);
     }
 
-    Instantiator {
-        model: window.pages.length
-        delegate: Shortcut {
-            required property int index
-
-            sequence: "Ctrl+" + (index + 1)
-            onActivated: window.currentIndex = index
-        }
+    /// For pictures of it: the page at @p index in the colours of @p scheme, at @p place and with @p dialog unless these are
+    /// empty. "help" is that of F1, others as in ConsolePage.showDialog().
+    function present(index: int, scheme: int, place: string, dialog: string): void {
+        presented?.close();
+        presented = dialog === "help" ? help : null;
+        Theme.scheme = scheme;
+        showPage(index);
+        if (place !== "")
+            currentPage?.goTo(place);
+        if (dialog === "help")
+            showHelp();
+        else if (dialog !== "")
+            presented = currentPage?.showDialog(dialog) ?? null;
     }
 
+    function showPage(index: int): void {
+        currentIndex = index;
+        focusPage();
+    }
+
+    /// The focus is in the list of the page that is shown.
+    function focusPage(): void {
+        currentPage?.takeFocus();
+    }
+
+    function showHelp(): void {
+        if (currentPage)
+            help.show(currentPage.title, currentPage.help, currentPage.allKeys(), windowKeys.list().concat(alarms.keys()));
+    }
+
+    Connections {
+        target: Theme
+        enabled: window.restored
+
+        function onSchemeChanged(): void {
+            window.settings.setValue("window/theme", window.schemeNames[Theme.scheme]);
+        }
+        function onTextSizeChanged(): void {
+            window.settings.setValue("window/textSize", Theme.textSize);
+        }
+    }
+    WindowMemory {
+        id: memory
+
+        objectName: "memory"
+        window: window
+        settings: window.settings
+    }
+    WindowKeys {
+        id: windowKeys
+
+        objectName: "windowKeys"
+        pages: window.pages
+        onPageWanted: index => window.showPage(index)
+        onAlarmsWanted: alarms.show()
+        onHelpWanted: window.showHelp()
+    }
+    HelpDialog {
+        id: help
+
+        onClosed: window.focusPage()
+    }
     NasVolumes {
         id: nasVolumes
 
@@ -66,8 +137,18 @@ ApplicationWindow {
         anchors.bottom: status.top
         pages: window.pages
         currentIndex: window.currentIndex
-        narrow: window.width < 900
-        onChosen: index => window.currentIndex = index
+        narrow: window.width < Theme.sized(900)
+        onChosen: index => window.showPage(index)
+    }
+    StationHeader {
+        id: header
+
+        objectName: "stationHeader"
+        anchors.left: rail.right
+        anchors.right: parent.right
+        anchors.top: parent.top
+        session: window.session
+        onListWanted: window.goTo("stations", window.session.stations.direct)
     }
     AlarmStrip {
         id: alarms
@@ -75,9 +156,35 @@ ApplicationWindow {
         objectName: "alarms"
         anchors.left: rail.right
         anchors.right: parent.right
-        anchors.top: parent.top
+        anchors.top: header.bottom
         model: window.session.alarms
-        onChosen: groupId => window.goTo("usage", groupId)
+        stations: window.session.stations
+        connected: window.session.connected
+        known: window.session.alarmsKnown
+        onChosen: (key, place) => window.goTo(key, place)
+        onAcknowledgementAsked: alarm => {
+            if (alarms.isAcknowledged(alarm))
+                window.session.withdrawAcknowledgement(alarm.word, alarm.subject, alarm.source ?? "");
+            else
+                acknowledgement.ask(alarm);
+        }
+    }
+    LateOutcomes {
+        id: lateOutcomes
+
+        objectName: "lateOutcomes"
+        anchors.left: rail.right
+        anchors.right: parent.right
+        anchors.bottom: status.top
+        anchors.margins: Theme.small
+        z: 1 // over the page: nothing moves when it comes
+        session: window.session
+    }
+    AcknowledgeDialog {
+        id: acknowledgement
+
+        session: window.session
+        onClosed: window.focusPage()
     }
     FocusScope {
         anchors.left: rail.right
@@ -90,7 +197,7 @@ ApplicationWindow {
         Repeater {
             id: stack
 
-            model: window.pages
+            model: window.restored ? window.allPages : []
 
             Loader {
                 id: loader
@@ -102,8 +209,23 @@ ApplicationWindow {
                 anchors.fill: parent
                 visible: current
                 focus: current
+                readonly property bool ofSite: modelData.ofSite
                 onCurrentChanged: show()
+                onLoaded: (item as ConsolePage).placeWanted.connect(window.goTo)
                 Component.onCompleted: show()
+
+                /// What a page showed of one station says nothing of another.
+                Connections {
+                    target: window.session
+                    enabled: !loader.ofSite
+
+                    function onStationLeft(): void {
+                        loader.source = "";
+                    }
+                    function onStationEntered(): void {
+                        loader.show();
+                    }
+                }
 
                 function show(): void {
                     if (!current)
@@ -113,10 +235,11 @@ ApplicationWindow {
                             recording: window.recording,
                             session: window.session,
                             nasVolumes: nasVolumes,
-                            startPlace: modelData.key === window.startPage ? window.startPlace : ""
+                            settings: window.settings,
+                            startPlace: modelData.key === window.firstPage ? window.startPlace : ""
                         });
                     }
-                    forceActiveFocus();
+                    window.focusPage();
                 }
             }
         }

@@ -33,7 +33,7 @@ QtObject {
         if (logon === null)
             finish(qsTr("This NAS server is not registered any more."), 0, 0);
         else if (!send(current, logon))
-            finish(qsTr("The request could not be sent."), 0, 0);
+            finish(session.unsentText(), 0, 0);
     }
 
     function send(request: var, logon: var): bool {

@@ -63,7 +63,7 @@ QtObject {
             return;
         underWay = underWay.slice(0, -1);
         stay(logon === null ? qsTr("This NAS server is not registered any more.")
-                            : qsTr("The request could not be sent."));
+                            : session.unsentText());
     }
 
     function answered(words: string, path: string): void {

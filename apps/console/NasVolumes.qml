@@ -87,6 +87,14 @@ QtObject {
             recording.getVolume(); // forgotten while it was asked for, and listed all the same
     }
 
+    readonly property Connections stationChoice: Connections {
+        target: volumes.session
+
+        function onStationLeft(): void {
+            volumes.entries = []; // they were paths of that station
+        }
+    }
+
     readonly property Connections volumeReplies: Connections {
         target: volumes.recording
 

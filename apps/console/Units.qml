@@ -22,6 +22,23 @@ QtObject {
         return units[unit].arg(value.toFixed(2));
     }
 
+    /// Likewise of bytes.
+    function bytes(count: real): string {
+        return count < 1024 ? counted(count, qsTr("1 byte"), qsTr("%1 bytes")) : capacity(count / 1024);
+    }
+
+    /// Likewise, as estimates are told: 1536000 bytes read "1.46 MB", 440234147840 read "410 GB".
+    function estimate(count: real): string {
+        const units = [qsTr("%1 KB"), qsTr("%1 MB"), qsTr("%1 GB"), qsTr("%1 TB")];
+        let value = count / 1024;
+        let unit = 0;
+        while (value >= 999.5 && unit < units.length - 1) {
+            value /= 1024;
+            ++unit;
+        }
+        return units[unit].arg(value.toFixed(value < 9.995 ? 2 : value < 99.95 ? 1 : 0));
+    }
+
     /// A share of 1 in percent; only what is nothing reads 0, only what is all reads 100.
     function percent(share: real): string {
         const rounded = Math.round(share * 100);

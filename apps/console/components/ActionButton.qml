@@ -62,7 +62,7 @@ Button {
 
     background: Rectangle {
         radius: Theme.radius
-        color: button.primary ? (!button.enabled ? Theme.track
+        color: button.primary ? (!button.enabled ? Theme.pressed
                                  : button.down || button.hovered ? Theme.accentHover : Theme.accent)
              : button.down ? Theme.pressed
              : button.hovered && button.enabled ? Theme.hover
@@ -70,7 +70,10 @@ Button {
         border.width: button.quiet || button.primary ? 0 : 1
         border.color: button.enabled ? Theme.controlOutline : Theme.outline
 
-        FocusRing { shown: button.visualFocus }
+        FocusRing {
+            shown: button.activeFocus && button.focusReason !== Qt.MouseFocusReason
+            filled: button.primary
+        }
     }
 
     ConsoleToolTip {

@@ -7,21 +7,52 @@ Popup {
     id: popup
 
     required property Alarms alarms
-    readonly property int alarmCount: alarms.sorted.length
+    readonly property ConsoleKey acknowledgeKey: ConsoleKey {
+        sequence: "A"
+        list: list
+        armed: popup.visible
+        text: qsTr("In the list of alarms: acknowledge the alarm, or take that back")
+        onActivated: popup.acknowledge(list.currentIndex)
+    }
+    readonly property int alarmCount: alarms.count
+    property int revision: 0 // counts the changes of the alarms
+    readonly property Connections changes: Connections {
+        target: popup.alarms
 
-    signal chosen(groupId: string)
+        function onChanged(): void {
+            ++popup.revision;
+        }
+    }
 
+    /// The operator wants to see what an alarm is about.
+    signal chosen(alarm: var)
+    /// The operator wants to acknowledge an alarm of the station's, or to take that back.
+    signal acknowledgementAsked(alarm: var)
+
+    /// Null without one.
+    function alarmAt(index: int): var {
+        return index >= 0 && index < alarms.rowCount() ? alarms.at(index) : null;
+    }
+
+    /// An alarm that no page shows stays in the list: its words and its remedy are all there is.
     function choose(index: int): void {
-        const alarm = alarms.sorted[index];
+        const alarm = alarmAt(index);
+        if (alarm === null || alarms.place(alarm) === null)
+            return;
         close();
-        if (alarm)
-            chosen(alarm.groupId);
+        chosen(alarm);
+    }
+
+    function acknowledge(index: int): void {
+        const alarm = alarmAt(index);
+        if (alarm !== null && alarms.isAcknowledgeable(alarm))
+            acknowledgementAsked(alarm);
     }
 
     objectName: "alarmList"
     padding: Theme.tiny
     focus: true
-    height: Math.min(360, list.contentHeight + 2 * padding)
+    height: Math.min(Theme.sized(360), list.contentHeight + 2 * padding)
     enter: null
     exit: null
     onOpened: {
@@ -43,7 +74,8 @@ Popup {
 
         clip: true
         focus: true
-        model: popup.alarms.sorted
+        model: popup.alarms
+        reuseItems: true
         boundsBehavior: Flickable.StopAtBounds
         highlightMoveDuration: 0
         Accessible.role: Accessible.List
@@ -53,10 +85,15 @@ Popup {
         Keys.onSpacePressed: popup.choose(currentIndex)
         delegate: AlarmRow {
             width: ListView.view?.width ?? 0
-            words: popup.alarms.words(modelData)
-            severe: popup.alarms.isSevere(modelData)
-            since: popup.alarms.since(modelData)
+            alarm: (popup.revision, popup.alarms.at(index))
+            words: popup.alarms.words(alarm)
+            severe: popup.alarms.isSevere(alarm)
+            since: popup.alarms.since(alarm)
+            acknowledgement: popup.alarms.acknowledgement(alarm)
+            acknowledgeable: popup.alarms.isAcknowledgeable(alarm)
+            leadsOn: popup.alarms.place(alarm) !== null
             onChosen: popup.choose(index)
+            onAcknowledgementAsked: popup.acknowledge(index)
         }
 
         ScrollBar.vertical: ScrollBar {}

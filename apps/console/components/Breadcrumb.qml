@@ -52,13 +52,13 @@ Control {
                         anchors.verticalCenter: parent.verticalCenter
                         name: "chevron"
                         color: Theme.disabledText
-                        size: 16
+                        size: Theme.sized(16)
                     }
                     AbstractButton {
                         id: crumb
 
                         objectName: "crumb:" + step.modelData.path
-                        width: Math.min(implicitWidth, 260)
+                        width: Math.min(implicitWidth, Theme.sized(260))
                         height: parent.height
                         leftPadding: 6
                         rightPadding: 6
@@ -81,8 +81,8 @@ Control {
                         background: Rectangle {
                             radius: Theme.radius
                             color: crumb.hovered ? Theme.hover : "transparent"
-                            border.width: crumb.visualFocus ? 2 : 0
-                            border.color: Theme.accent
+
+                            FocusRing { shown: crumb.activeFocus && crumb.focusReason !== Qt.MouseFocusReason }
                         }
                     }
                 }

@@ -8,15 +8,16 @@ CheckBox {
 
     implicitHeight: Theme.controlHeight
     leftPadding: 0
-    rightPadding: 0
+    rightPadding: Theme.small
     spacing: Theme.small
     font.pixelSize: Theme.bodySize
     Accessible.name: text
 
     indicator: Rectangle {
+        x: Theme.tiny // room for the ring
         y: (option.height - height) / 2
-        implicitWidth: 20
-        implicitHeight: 20
+        implicitWidth: Theme.iconSize
+        implicitHeight: Theme.iconSize
         radius: 4
         color: !option.checked ? Theme.window : option.enabled ? Theme.accent : Theme.disabledText
         border.width: option.checked ? 0 : 1
@@ -27,12 +28,14 @@ CheckBox {
             visible: option.checked
             name: "check"
             color: Theme.accentText
-            size: 18
+            size: Theme.iconSize - 2
         }
-        FocusRing { shown: option.visualFocus }
+    }
+    background: Item {
+        FocusRing { shown: option.activeFocus && option.focusReason !== Qt.MouseFocusReason }
     }
     contentItem: Text {
-        leftPadding: option.indicator.width + option.spacing
+        leftPadding: Theme.tiny + option.indicator.width + option.spacing
         text: option.text
         font: option.font
         color: option.enabled ? Theme.text : Theme.disabledText

@@ -29,15 +29,15 @@ ComboBox {
         y: (box.height - height) / 2
         name: "down"
         color: box.enabled ? Theme.secondaryText : Theme.disabledText
-        size: 16
+        size: Theme.sized(16)
     }
     background: Rectangle {
-        implicitWidth: 120
+        implicitWidth: Theme.sized(120)
         radius: Theme.radius
         color: box.down ? Theme.pressed : box.hovered && box.enabled ? Theme.hover : Theme.window
         border.width: box.activeFocus ? 2 : 1
-        border.color: box.mistaken ? Theme.danger
-                    : box.activeFocus ? Theme.accent : box.enabled ? Theme.controlOutline : Theme.outline
+        border.color: box.activeFocus ? Theme.accent
+                    : box.mistaken ? Theme.danger : box.enabled ? Theme.controlOutline : Theme.outline
     }
     delegate: ItemDelegate {
         id: entry
@@ -46,7 +46,7 @@ ComboBox {
         required property var modelData
 
         width: ListView.view?.width ?? 0
-        implicitHeight: 34
+        implicitHeight: Theme.sized(34)
         leftPadding: Theme.medium
         rightPadding: Theme.medium
         text: box.textRole !== "" ? modelData[box.textRole] : modelData

@@ -8,12 +8,13 @@ ToolTip {
 
     delay: 500
     padding: Theme.small
+    width: Math.min(implicitWidth, 420)
     font.pixelSize: Theme.captionSize
     contentItem: Text {
         text: tip.text
         font: tip.font
         color: Theme.text
-        wrapMode: Text.WrapAnywhere
+        wrapMode: Text.Wrap
         textFormat: Text.PlainText
     }
     background: Rectangle {

@@ -35,7 +35,6 @@ Item {
         height: gauge.barHeight
         radius: 3
         color: gauge.known ? Theme.track : "transparent"
-        border.width: gauge.known ? 0 : 1
         border.color: Theme.controlOutline
     }
     Hatching {
@@ -65,16 +64,14 @@ Item {
         radius: 3
         color: Theme.accent
     }
-    Rectangle {
+    BarMark {
         id: mark
 
         objectName: "mark"
         x: gauge.markPosition
         width: 3
         height: parent.height
-        radius: 1
         visible: gauge.reservedDays > 0
         color: Theme.text
-        border.width: 0
     }
 }

@@ -16,8 +16,8 @@ Row {
     Rectangle {
         anchors.verticalCenter: parent.verticalCenter
         visible: !entry.asMark || entry.fill.a > 0
-        width: entry.asMark ? 3 : 10
-        height: entry.asMark ? 14 : 10
+        width: entry.asMark ? 3 : Theme.sized(10)
+        height: entry.asMark ? Theme.sized(14) : Theme.sized(10)
         radius: entry.asMark ? 1 : 2
         color: entry.fill
         border.width: entry.asMark ? 0 : 1

@@ -14,7 +14,7 @@ Popup {
     padding: Theme.tiny
     enter: null
     exit: null
-    implicitHeight: Math.min(260, list.contentHeight + topPadding + bottomPadding)
+    implicitHeight: Math.min(Theme.sized(260), list.contentHeight + topPadding + bottomPadding)
 
     contentItem: ListView {
         id: list

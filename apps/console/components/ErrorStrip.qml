@@ -11,13 +11,15 @@ Rectangle {
     property string actionText
     property bool closable: true
     property bool notice: false ///< nothing went wrong: something should be known
+    property real padding: Theme.small ///< above and below
+    property real buttonHeight: Theme.controlHeight
     property bool closed: false ///< somebody has read this text
-    readonly property bool narrow: width < 420
+    readonly property bool narrow: width < Theme.sized(420)
 
     signal actionTriggered
     signal dismissed
 
-    implicitHeight: visible ? content.implicitHeight + 2 * Theme.small : 0
+    implicitHeight: visible ? Math.max(content.implicitHeight, buttonHeight) + 2 * padding : 0
     visible: text !== "" && !closed
     onTextChanged: closed = false
     radius: Theme.radius
@@ -58,6 +60,7 @@ Rectangle {
             visible: strip.actionText !== ""
             quiet: true
             text: strip.actionText
+            implicitHeight: strip.buttonHeight
             Layout.row: strip.narrow ? 1 : 0
             Layout.column: strip.narrow ? 1 : 2
             Layout.leftMargin: strip.narrow ? -leftPadding : 0
@@ -68,6 +71,7 @@ Rectangle {
             visible: strip.closable
             quiet: true
             iconName: "close"
+            implicitHeight: strip.buttonHeight
             hint: qsTr("Close this message")
             Layout.row: 0
             Layout.column: 3

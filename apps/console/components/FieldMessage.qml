@@ -18,7 +18,7 @@ RowLayout {
     Icon {
         name: "alert"
         color: message.foreground
-        size: 16
+        size: Theme.sized(16)
         Layout.alignment: Qt.AlignTop
     }
     Text {

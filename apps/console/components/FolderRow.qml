@@ -15,7 +15,7 @@ ItemDelegate {
     signal opened
 
     objectName: "folder:" + nameRole
-    implicitHeight: 42
+    implicitHeight: Theme.sized(42)
     leftPadding: Theme.large
     rightPadding: Theme.large
     highlighted: ListView.isCurrentItem && ListView.view.activeFocus
@@ -33,7 +33,7 @@ ItemDelegate {
         Icon {
             name: row.iconName
             color: Theme.accent
-            size: 22
+            size: Theme.sized(22)
         }
         Text {
             id: nameText
@@ -49,7 +49,7 @@ ItemDelegate {
         Icon {
             name: "chevron"
             color: Theme.disabledText
-            size: 16
+            size: Theme.sized(16)
         }
     }
 
@@ -64,6 +64,7 @@ ItemDelegate {
             height: 1
             color: Theme.outline
         }
+        FocusRing { shown: row.activeFocus }
     }
 
     ConsoleToolTip {

@@ -1,9 +1,8 @@
 import QtQuick
-import QtQuick.Layouts
 import RecordingConsole
 
 /// A camera that a recording group records.
-RowLayout {
+Item {
     id: row
 
     required property int index
@@ -17,40 +16,54 @@ RowLayout {
     ].filter(mark => mark.shown)
 
     objectName: "member:" + modelData.camName + ":" + (modelData.streamIndex ?? 0)
-    spacing: Theme.medium
+    implicitHeight: Math.max(drawing.height, words.implicitHeight)
     Accessible.role: Accessible.ListItem
     Accessible.name: camera.text + ", " + streamText + marks.map(mark => ", " + mark.text).join("")
 
     Icon {
+        id: drawing
+
+        anchors.verticalCenter: parent.verticalCenter
         name: "camera"
         color: Theme.accent
-        size: 22
+        size: Theme.sized(22)
     }
-    ColumnLayout {
+    Column {
+        id: words
+
+        anchors.left: drawing.right
+        anchors.leftMargin: Theme.medium
+        anchors.right: markRow.visible ? markRow.left : parent.right
+        anchors.rightMargin: markRow.visible ? Theme.medium : 0
+        anchors.verticalCenter: parent.verticalCenter
         spacing: 2
-        Layout.fillWidth: true
 
         Text {
             id: camera
 
             objectName: "camera"
+            width: parent.width
             text: row.modelData.camName ?? ""
             color: Theme.text
             font.pixelSize: Theme.bodySize
             textFormat: Text.PlainText
             elide: Text.ElideMiddle
-            Layout.fillWidth: true
         }
         Text {
             objectName: "stream"
+            width: parent.width
             text: row.wide ? row.streamText : row.streamText + row.marks.map(mark => " · " + mark.text).join("")
             color: Theme.secondaryText
             font.pixelSize: Theme.captionSize
             textFormat: Text.PlainText
-            Layout.fillWidth: true
+            elide: Text.ElideRight
         }
     }
     MarkRow {
+        id: markRow
+
+        anchors.right: parent.right
+        anchors.verticalCenter: parent.verticalCenter
         visible: row.wide
         marks: row.marks
     }

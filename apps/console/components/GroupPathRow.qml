@@ -8,12 +8,10 @@ ColumnLayout {
 
     required property int index
     required property var modelData ///< a path of RecordingGroups.read()
-    readonly property bool known: modelData.size > 0
-    readonly property real usedShare: known ? Math.max(0, Math.min(1, 1 - modelData.available / modelData.size)) : 0
-    readonly property string volumeText: !known ? qsTr("Volume unknown")
-        : modelData.volumeName !== "" ? qsTr("%1: %2 free of %3").arg(modelData.volumeName)
-                                            .arg(Units.capacity(modelData.available)).arg(Units.capacity(modelData.size))
-        : qsTr("%1 free of %2").arg(Units.capacity(modelData.available)).arg(Units.capacity(modelData.size))
+    required property RecordingGroups groups
+    required property string groupId
+    readonly property var volume: (groups.storage.volumes, groups.volumes,
+                                   groups.volumeOf(modelData.path, modelData.nas))
     required property bool wide
     readonly property string reserveText: modelData.reserve > 0
         ? qsTr("%1 reserved").arg(Units.capacity(modelData.reserve * 1024)) : qsTr("Nothing reserved")
@@ -23,7 +21,7 @@ ColumnLayout {
     objectName: "path:" + modelData.path
     spacing: Theme.tiny
     Accessible.role: Accessible.ListItem
-    Accessible.name: [modelData.path].concat(marks.map(mark => mark.text), [reserveText, volumeText]).join(", ")
+    Accessible.name: [modelData.path].concat(marks.map(mark => mark.text), [reserveText, figures.summary()]).join(", ")
 
     Rectangle {
         visible: row.index > 0
@@ -32,24 +30,32 @@ ColumnLayout {
         Layout.fillWidth: true
         Layout.bottomMargin: Theme.small
     }
-    RowLayout {
-        spacing: Theme.medium
+    Item {
+        implicitHeight: Math.max(drawing.height, pathText.implicitHeight, markRow.visible ? markRow.implicitHeight : 0)
+        Layout.fillWidth: true
 
         Icon {
+            id: drawing
+
+            anchors.verticalCenter: parent.verticalCenter
             name: row.modelData.nas ? "network" : "folder"
             color: Theme.accent
-            size: 22
+            size: Theme.sized(22)
         }
         Text {
             id: pathText
 
             objectName: "path"
+            anchors.left: drawing.right
+            anchors.leftMargin: Theme.medium
+            anchors.right: markRow.visible ? markRow.left : parent.right
+            anchors.rightMargin: markRow.visible ? Theme.medium : 0
+            anchors.verticalCenter: parent.verticalCenter
             text: row.modelData.path
             color: Theme.text
             font.pixelSize: Theme.bodySize
             textFormat: Text.PlainText
             elide: Text.ElideMiddle
-            Layout.fillWidth: true
 
             HoverHandler { id: pathHover }
             ConsoleToolTip {
@@ -58,43 +64,34 @@ ColumnLayout {
             }
         }
         MarkRow {
+            id: markRow
+
+            anchors.right: parent.right
+            anchors.verticalCenter: parent.verticalCenter
             visible: row.wide
             marks: row.marks
         }
     }
-    GridLayout {
-        columns: row.wide ? 2 : 1
-        columnSpacing: Theme.large
-        rowSpacing: Theme.tiny
-        Layout.leftMargin: 22 + Theme.medium
+    Text {
+        objectName: "reserve"
+        text: row.wide ? row.reserveText : row.reserveText + row.marks.map(mark => " · " + mark.text).join("")
+        color: Theme.text
+        font.pixelSize: Theme.captionSize
+        textFormat: Text.PlainText
+        Layout.leftMargin: Theme.sized(22) + Theme.medium
         Layout.fillWidth: true
-
-        Text {
-            objectName: "reserve"
-            text: row.wide ? row.reserveText
-                           : row.reserveText + row.marks.map(mark => " · " + mark.text).join("")
-            color: Theme.text
-            font.pixelSize: Theme.captionSize
-            textFormat: Text.PlainText
-            Layout.fillWidth: true
-        }
-        Text {
-            objectName: "volume"
-            text: row.volumeText
-            color: Theme.secondaryText
-            font.pixelSize: Theme.captionSize
-            textFormat: Text.PlainText
-            elide: Text.ElideMiddle
-            horizontalAlignment: row.wide ? Text.AlignRight : Text.AlignLeft
-            Layout.fillWidth: true
-        }
     }
-    CapacityBar {
-        visible: row.known
-        implicitHeight: 6
-        share: row.usedShare
-        low: row.known && row.modelData.available < row.modelData.size / 10
-        Layout.leftMargin: 22 + Theme.medium
+    VolumeFigures {
+        id: figures
+
+        objectName: "volume"
+        volume: row.volume
+        parts: row.groups.storage.parts(row.volume, row.groupId)
+        groupId: row.groupId
+        forGroup: true
+        room: row.width - Theme.sized(22) - Theme.medium
+        wide: room >= Theme.sized(640)
+        Layout.leftMargin: Theme.sized(22) + Theme.medium
         Layout.fillWidth: true
         Layout.bottomMargin: Theme.small
     }

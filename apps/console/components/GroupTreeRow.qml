@@ -20,22 +20,76 @@ ItemDelegate {
     required property var recordingGroupIDRole
 
     required property string selectedId
+    required property var figures ///< of GroupStandings; empty for a station
+    readonly property bool lost: figures.lost ?? false
+    readonly property real missingDays: figures.missingDays ?? 0
+    readonly property string trouble: lost ? qsTr("No storage")
+        : missingDays > 0 ? qsTr("%1 short").arg(Units.days(missingDays)) : ""
     readonly property bool isGroup: typeRole === "RecordingGroup"
     readonly property string groupId: recordingGroupIDRole ?? ""
     readonly property bool current: groupId === selectedId
+    property bool choosable: false ///< a group can be chosen beside the selected one
+    property bool chosenToo: false ///< it is
 
     signal chosen
     signal toggleRequested
+    signal choiceToggled ///< by its mark, or with Ctrl
+    signal choiceExtended ///< up to here, with Shift
 
     objectName: isGroup ? "group:" + nameRole : "station"
     implicitWidth: Math.max(1, treeView.width)
-    implicitHeight: 42
+    implicitHeight: Theme.sized(42)
     leftPadding: Theme.medium + depth * (Theme.huge + Theme.large)
     rightPadding: Theme.large
     Accessible.role: Accessible.TreeItem
-    Accessible.name: isGroup ? nameRole : qsTr("Station %1").arg(stationIPRole ? nameRole + ", " + stationIPRole : nameRole)
+    Accessible.name: isGroup ? (trouble === "" ? nameRole : nameRole + ", " + trouble) : qsTr("Station %1").arg(stationIPRole ? nameRole + ", " + stationIPRole : nameRole)
     Accessible.selected: current
+    Accessible.checkable: choosable && isGroup
+    Accessible.checked: chosenToo
     onClicked: chosen()
+
+    Rectangle {
+        objectName: "choice"
+        x: row.leftPadding - width - Theme.small
+        anchors.verticalCenter: parent.verticalCenter
+        visible: row.choosable && row.isGroup
+        width: Theme.sized(18)
+        height: width
+        radius: 4
+        color: row.chosenToo ? Theme.accent : Theme.window
+        border.width: row.chosenToo ? 0 : 1
+        border.color: Theme.controlOutline
+
+        Icon {
+            anchors.centerIn: parent
+            visible: row.chosenToo
+            name: "check"
+            color: Theme.accentText
+            size: Theme.sized(16)
+        }
+        TapHandler {
+            margin: 10
+            gesturePolicy: TapHandler.ReleaseWithinBounds
+            acceptedModifiers: Qt.NoModifier
+            onTapped: row.choiceToggled()
+        }
+    }
+    Item {
+        anchors.fill: parent
+        z: 1 // before the row itself
+        visible: row.choosable && row.isGroup
+
+        TapHandler {
+            gesturePolicy: TapHandler.ReleaseWithinBounds
+            acceptedModifiers: Qt.ControlModifier
+            onTapped: row.choiceToggled()
+        }
+        TapHandler {
+            gesturePolicy: TapHandler.ReleaseWithinBounds
+            acceptedModifiers: Qt.ShiftModifier
+            onTapped: row.choiceExtended()
+        }
+    }
 
     contentItem: RowLayout {
         spacing: Theme.small
@@ -45,14 +99,15 @@ ItemDelegate {
             opacity: row.hasChildren ? 1 : 0
             name: row.expanded ? "down" : "chevron"
             color: Theme.secondaryText
-            size: 16
+            size: Theme.sized(16)
             visible: !row.isGroup
 
             TapHandler { onTapped: row.toggleRequested() }
         }
         Icon {
             name: row.isGroup ? "group" : "station"
-            color: row.isGroup ? Theme.accent : Theme.secondaryText
+            color: row.lost ? Theme.danger : row.missingDays > 0 ? Theme.warning
+                 : row.isGroup ? Theme.accent : Theme.secondaryText
             size: Theme.iconSize
         }
         Text {
@@ -67,9 +122,23 @@ ItemDelegate {
             elide: Text.ElideRight
             Layout.fillWidth: true
         }
+        Mark {
+            objectName: "trouble"
+            visible: row.trouble !== "" && row.width >= Theme.sized(240)
+            iconName: "alert"
+            text: row.trouble
+            danger: row.lost
+            warning: !row.lost
+        }
+        Icon {
+            visible: row.trouble !== "" && row.width < Theme.sized(240)
+            name: "alert"
+            color: row.lost ? Theme.danger : Theme.warning
+            size: 16
+        }
         Text {
             objectName: "address"
-            visible: !row.isGroup && text !== "" && row.width >= 280
+            visible: !row.isGroup && text !== "" && row.width >= Theme.sized(280)
             text: row.stationIPRole ?? ""
             color: Theme.secondaryText
             font.pixelSize: Theme.captionSize
@@ -82,14 +151,14 @@ ItemDelegate {
             anchors.fill: parent
             anchors.margins: 3
             radius: Theme.radius
-            color: row.current ? Theme.selected : row.down ? Theme.pressed : row.hovered ? Theme.hover : "transparent"
+            color: row.current || row.chosenToo ? Theme.selected : row.down ? Theme.pressed : row.hovered ? Theme.hover : "transparent"
             border.width: row.current && row.treeView.activeFocus ? 2 : 0
             border.color: Theme.accent
         }
     }
 
     ConsoleToolTip {
-        visible: row.hovered && nameText.truncated
-        text: row.nameRole
+        visible: row.hovered && (nameText.truncated || row.trouble !== "")
+        text: row.trouble === "" ? row.nameRole : row.nameRole + "\n" + row.trouble
     }
 }

@@ -22,6 +22,7 @@ ItemDelegate {
 
     readonly property bool unassigned: standing === GroupUsageModel.Unassigned
     readonly property bool insufficient: standing === GroupUsageModel.Short
+    readonly property bool lost: standing === GroupUsageModel.Lost
     readonly property string title: unassigned ? qsTr("Storage of no group") : name !== "" ? name : groupId
     readonly property string volumeText: volumes.length === 1 ? qsTr("1 volume")
                                                               : qsTr("%1 volumes").arg(volumes.length)
@@ -33,9 +34,9 @@ ItemDelegate {
                                                                : qsTr("Remaining: unknown")
     readonly property string reservedText: reservedTime > 0 ? qsTr("%1 reserved").arg(Units.duration(reservedTime))
         : reservedTime === 0 ? qsTr("No reserved time") : qsTr("Reserved: unknown")
-    readonly property bool wide: width >= 760
-    readonly property bool markBeside: width >= 480
-    readonly property int indent: 16 + Theme.small ///< of the volumes: their icons stand below the group's
+    readonly property bool wide: width >= Theme.sized(760)
+    readonly property bool markBeside: width >= Theme.sized(480)
+    readonly property int indent: Theme.sized(16) + Theme.small ///< of the volumes: their icons stand below the group's
 
     signal expansionAsked
 
@@ -61,7 +62,6 @@ ItemDelegate {
         ListView.view.forceActiveFocus(Qt.MouseFocusReason);
     }
     onDoubleClicked: expansionAsked()
-    Keys.onSpacePressed: expansionAsked() // before it becomes a click
 
     contentItem: ColumnLayout {
         spacing: Theme.large
@@ -80,8 +80,8 @@ ItemDelegate {
                     id: expander
 
                     objectName: "expander"
-                    implicitWidth: 16
-                    implicitHeight: 28
+                    implicitWidth: Theme.sized(16)
+                    implicitHeight: Theme.sized(28)
                     focusPolicy: Qt.NoFocus
                     text: row.expanded ? qsTr("Hide the volumes of %1").arg(row.title)
                                        : qsTr("Show the volumes of %1").arg(row.title)
@@ -93,7 +93,7 @@ ItemDelegate {
                             anchors.centerIn: parent
                             name: "chevron"
                             color: expander.hovered ? Theme.text : Theme.secondaryText
-                            size: 16
+                            size: Theme.sized(16)
                             rotation: row.expanded ? 90 : 0
                         }
                     }
@@ -105,7 +105,7 @@ ItemDelegate {
                 Icon {
                     name: row.isBackup ? "backup" : row.unassigned ? "volume" : "group"
                     color: Theme.accent
-                    size: 28
+                    size: Theme.sized(28)
                 }
             }
             ColumnLayout {
@@ -137,9 +137,10 @@ ItemDelegate {
                         objectName: "standing"
                         visible: text !== ""
                         warning: row.insufficient
-                        iconName: row.insufficient ? "alert"
+                        danger: row.lost
+                        iconName: row.insufficient || row.lost ? "alert"
                             : row.standing === GroupUsageModel.Unknown ? "unknown" : "check"
-                        text: row.insufficient ? qsTr("%1 short").arg(Units.days(row.missingDays))
+                        text: row.lost ? qsTr("No storage left") : row.insufficient ? qsTr("%1 short").arg(Units.days(row.missingDays))
                             : row.standing === GroupUsageModel.Unknown ? qsTr("Unknown")
                             : row.standing === GroupUsageModel.Sufficient && row.reservedTime > 0 ? qsTr("Sufficient")
                             : ""
@@ -176,7 +177,7 @@ ItemDelegate {
                 }
                 Text {
                     visible: row.unassigned
-                    text: qsTr("No recording group uses it")
+                    text: qsTr("It holds recordings of no group")
                     color: Theme.secondaryText
                     font.pixelSize: Theme.bodySize
                     textFormat: Text.PlainText
@@ -219,13 +220,11 @@ ItemDelegate {
                 readonly property var values: row.volumes[index] ?? {}
 
                 objectName: "volume:" + path
-                name: values.name ?? ""
+                volume: values.volume ?? {}
+                parts: values.parts ?? []
                 path: values.path ?? ""
-                size: values.size ?? 0
-                availableSize: values.availableSize ?? 0
-                isSystem: values.isSystem ?? false
-                isNas: values.isNas ?? false
-                gone: size === 0 && availableSize === 0
+                fillable: values.fillable ?? -1
+                groupId: row.groupId
                 room: row.availableWidth - row.indent
                 wide: row.wide
                 forGroup: true
@@ -248,6 +247,7 @@ ItemDelegate {
             height: 1
             color: Theme.outline
         }
+        FocusRing { shown: row.activeFocus }
     }
 
     ConsoleToolTip {

@@ -27,7 +27,7 @@ TextField {
         radius: Theme.radius
         color: Theme.window
         border.width: field.activeFocus ? 2 : 1
-        border.color: field.mistaken ? Theme.danger
-                    : field.activeFocus ? Theme.accent : field.enabled ? Theme.controlOutline : Theme.outline
+        border.color: field.activeFocus ? Theme.accent
+                    : field.mistaken ? Theme.danger : field.enabled ? Theme.controlOutline : Theme.outline
     }
 }

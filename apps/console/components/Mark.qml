@@ -9,13 +9,14 @@ Rectangle {
     required property string iconName
     required property string text
     property bool warning: false
-    readonly property color foreground: warning ? Theme.warning : Theme.secondaryText
+    property bool danger: false
+    readonly property color foreground: danger ? Theme.danger : warning ? Theme.warning : Theme.secondaryText
 
     implicitWidth: content.implicitWidth + 2 * Theme.small
-    implicitHeight: 22
+    implicitHeight: Theme.sized(22)
     radius: height / 2
-    color: warning ? Theme.warningGround : "transparent"
-    border.color: warning ? Theme.warning : Theme.outline
+    color: danger ? Theme.dangerGround : warning ? Theme.warningGround : "transparent"
+    border.color: danger || warning ? foreground : Theme.outline
     Accessible.role: Accessible.StaticText
     Accessible.name: text
 
@@ -28,7 +29,7 @@ Rectangle {
         Icon {
             name: mark.iconName
             color: mark.foreground
-            size: 14
+            size: Theme.sized(14)
         }
         Text {
             text: mark.text

@@ -2,38 +2,32 @@ import QtQuick
 import QtQuick.Layouts
 import RecordingConsole
 
-/// A camera of the recording group that is edited.
+/// A stream of a camera in the recording group that is edited.
 Rectangle {
     id: row
 
     required property int index
     required property string camName
     required property int streamIndex
+    required property int streamCount
     required property bool enableTimeShift
     required property bool enableSeamless
     required property string message
 
-    required property var cameras ///< of the station, as ConsoleSession has them
     required property int streamElsewhere ///< with time shift or seamless in another group; -1: none
-    readonly property var names: {
-        const known = cameras.map(camera => camera.camName);
-        return camName === "" || known.includes(camName) ? known : known.concat([camName]);
-    }
-    readonly property int streamCount: Math.max(streamIndex + 1,
-                                                cameras.find(camera => camera.camName === camName)?.streams ?? 1)
-
     required property bool wide
 
     /// The operator changed one of the row's values.
-    signal edited(key: string, value: var)
+    signal edited(role: string, value: var)
     signal removed
 
     function takeFocus(): void {
-        cameraBox.forceActiveFocus();
+        streamBox.forceActiveFocus();
     }
 
     objectName: "memberRow:" + index
     implicitHeight: content.implicitHeight + 2 * Theme.medium
+    height: implicitHeight
     radius: Theme.radius
     color: "transparent"
     border.color: message !== "" ? Theme.dangerOutline : Theme.outline
@@ -41,8 +35,9 @@ Rectangle {
     ColumnLayout {
         id: content
 
-        anchors.fill: parent
-        anchors.margins: Theme.medium
+        x: Theme.medium
+        y: Theme.medium
+        width: parent.width - 2 * Theme.medium
         spacing: Theme.small
 
         GridLayout {
@@ -50,35 +45,50 @@ Rectangle {
             columnSpacing: Theme.small
             rowSpacing: Theme.small
 
-            ChoiceBox {
-                id: cameraBox
-
-                objectName: "camera"
-                model: row.names
-                currentIndex: row.names.indexOf(row.camName)
-                emptyText: qsTr("Choose a camera")
-                mistaken: row.message !== ""
-                Accessible.name: qsTr("Camera %1").arg(row.index + 1)
-                Accessible.description: row.message
+            RowLayout {
+                spacing: Theme.small
                 Layout.fillWidth: true
-                onActivated: index => {
-                    row.edited("streamIndex", 0);
-                    row.edited("camName", row.names[index]);
+
+                Icon {
+                    name: "camera"
+                    color: Theme.secondaryText
+                    size: Theme.iconSize
+                }
+                Text {
+                    id: nameText
+
+                    objectName: "camera"
+                    text: row.camName
+                    color: Theme.text
+                    font.pixelSize: Theme.bodySize
+                    textFormat: Text.PlainText
+                    elide: Text.ElideRight
+                    Layout.fillWidth: true
+
+                    HoverHandler { id: nameHover }
+                    ConsoleToolTip {
+                        visible: nameHover.hovered && nameText.truncated
+                        text: row.camName
+                    }
                 }
             }
             ChoiceBox {
+                id: streamBox
+
                 objectName: "stream"
                 model: Array.from({ length: row.streamCount }, (value, index) => qsTr("Stream %1").arg(index))
                 currentIndex: row.streamIndex
-                Accessible.name: qsTr("Stream of camera %1").arg(row.index + 1)
-                Layout.preferredWidth: 116
+                mistaken: row.message !== ""
+                Accessible.name: qsTr("Stream of %1").arg(row.camName)
+                Accessible.description: row.message
+                Layout.preferredWidth: Theme.sized(116)
                 onActivated: index => row.edited("streamIndex", index)
             }
             CheckOption {
                 objectName: "timeShift"
                 text: qsTr("Time shift")
                 checked: row.enableTimeShift
-                Accessible.name: qsTr("Time shift for camera %1").arg(row.index + 1)
+                Accessible.name: qsTr("Time shift for %1").arg(row.camName)
                 Layout.row: row.wide ? 0 : 1
                 Layout.column: row.wide ? 2 : 0
                 Layout.leftMargin: row.wide ? Theme.small : 0
@@ -88,7 +98,7 @@ Rectangle {
                 objectName: "seamless"
                 text: qsTr("Seamless")
                 checked: row.enableSeamless
-                Accessible.name: qsTr("Seamless for camera %1").arg(row.index + 1)
+                Accessible.name: qsTr("Seamless for %1").arg(row.camName)
                 Layout.row: row.wide ? 0 : 1
                 Layout.column: row.wide ? 3 : 1
                 Layout.columnSpan: row.wide ? 1 : 2
@@ -99,7 +109,7 @@ Rectangle {
                 objectName: "removeRow"
                 quiet: true
                 iconName: "close"
-                hint: qsTr("Take this camera out of the group")
+                hint: qsTr("Take %1 out of the group").arg(row.camName)
                 Layout.row: 0
                 Layout.column: row.wide ? 4 : 2
                 onClicked: row.removed()

@@ -1,86 +1,141 @@
 import QtQuick
+import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import RecordingConsole
+import com.meridon.pluginrecordingmanagement
 
-/// The members of the recording group that is edited.
+/// The members of the recording group that is edited, in a list of their own: there may be hundreds. Cameras come from
+/// the picker.
 ColumnLayout {
     id: section
 
-    required property var cameras
+    required property PluginRecordingManagement recording
+    required property ConsoleSession session
     required property bool wide ///< there is room for a member in one line
     required property var streamElsewhere ///< function of a camera's name, see MemberEditRow
+    readonly property alias count: members.count
+    property string title: qsTr("Cameras")
+
+    signal edited ///< the operator changed, added or removed a member
 
     function show(rows: var): void {
-        rowModel.clear();
-        rows.forEach(row => rowModel.append(row));
+        members.setRows(rows);
     }
 
     function values(): var {
-        return Array.from({ length: rowModel.count }, (value, index) => rowModel.get(index));
+        return members.rows();
     }
 
+    /// True: what the picker offers cannot be wrong. A camera that the station does not list any more is its matter.
     function check(): bool {
-        let right = true;
-        values().forEach((row, index) => {
-            const words = row.camName === "" ? qsTr("Choose a camera.") : "";
-            rowModel.setProperty(index, "message", words);
-            right = right && words === "";
-        });
-        return right;
+        return true;
     }
 
     /// @param errors the refusals by row; @p words makes them a text
     function showMessages(errors: var, words: var): void {
         for (const row in errors)
-            rowModel.setProperty(Number(row), "message", words(errors[row]));
+            members.setMessage(Number(row), words(errors[row]));
     }
 
     function clearMessages(): void {
-        for (let row = 0; row < rowModel.count; ++row)
-            rowModel.setProperty(row, "message", "");
+        members.clearMessages();
     }
 
     function focusMessage(): bool {
-        const row = values().findIndex(row => row.message !== "");
+        const row = members.firstMessage();
         if (row >= 0)
-            (rows.itemAt(row) as MemberEditRow).takeFocus();
+            focusRow(row);
         return row >= 0;
     }
 
-    /// The next camera that the group does not record, else none.
-    function nextCamera(): string {
-        const taken = values().map(row => row.camName);
-        return cameras.find(camera => !taken.includes(camera.camName))?.camName ?? "";
+    function removeRow(index: int): void {
+        addButton.forceActiveFocus(Qt.TabFocusReason);
+        members.remove(index);
+        edited();
+    }
+
+    function focusRow(row: int): void {
+        list.currentIndex = row;
+        list.positionViewAtIndex(row, ListView.Contain);
+        list.forceLayout();
+        (list.itemAtIndex(row) as MemberEditRow)?.takeFocus();
+    }
+
+    function pick(): void {
+        picker.active = true; // the operator may never want it
+        (picker.item as CameraPicker).ask(camera => members.freeStreams(camera));
+    }
+
+    function add(names: var): void {
+        const row = members.add(names);
+        if (row < 0)
+            return;
+        edited();
+        focusRow(row);
     }
 
     spacing: Theme.small
 
+    GroupMembers {
+        id: members
+
+        cameras: section.session.cameras
+    }
+    CameraOverview {
+        id: cameraRows
+
+        session: section.session
+        recording: section.recording
+    }
+    Loader {
+        id: picker
+
+        active: false
+        visible: false
+        sourceComponent: CameraPicker {
+            overview: cameraRows
+            onPicked: names => section.add(names)
+        }
+    }
     SectionTitle {
-        text: qsTr("Cameras")
+        objectName: "membersTitle"
+        text: members.count === 0 ? section.title : qsTr("%1 · %2").arg(section.title).arg(members.count)
         Layout.fillWidth: true
     }
-    Repeater {
-        id: rows
+    ListView {
+        id: list
 
-        model: ListModel { id: rowModel }
+        readonly property int rowsInView: section.wide ? 6 : 4
+
+        objectName: "members"
+        visible: members.count > 0
+        clip: true
+        spacing: Theme.small
+        reuseItems: true
+        cacheBuffer: 0
+        boundsBehavior: Flickable.StopAtBounds
+        highlightFollowsCurrentItem: false
+        model: members
+        Accessible.role: Accessible.List
+        Accessible.name: qsTr("Cameras of the group")
+        Layout.fillWidth: true
+        Layout.preferredHeight: Math.min(contentHeight, rowsInView * (Theme.sized(60) + spacing))
         delegate: MemberEditRow {
-            cameras: section.cameras
+            width: list.width - (list.contentHeight > list.height + 0.5 ? Theme.medium : 0)
             wide: section.wide
             streamElsewhere: section.streamElsewhere(camName)
-            Layout.fillWidth: true
-            onEdited: (key, value) => {
-                rowModel.setProperty(index, key, value);
-                rowModel.setProperty(index, "message", "");
+            onEdited: (role, value) => {
+                members.change(index, role, value);
+                section.edited();
             }
-            onRemoved: {
-                addButton.forceActiveFocus();
-                rowModel.remove(index);
-            }
+            onRemoved: section.removeRow(index)
         }
+
+        ScrollBar.vertical: ScrollMark { flickable: list }
     }
     Text {
         objectName: "noCameras"
-        visible: section.cameras.length === 0
+        visible: members.cameras.length === 0
         text: qsTr("The station names no cameras that could be added.")
         color: Theme.secondaryText
         font.pixelSize: Theme.captionSize
@@ -93,12 +148,8 @@ ColumnLayout {
 
         objectName: "addCamera"
         iconName: "add"
-        text: qsTr("Add camera")
-        enabled: section.cameras.length > 0
-        onClicked: {
-            rowModel.append({ camName: section.nextCamera(), streamIndex: 0, enableTimeShift: false,
-                              enableSeamless: false, message: "" });
-            (rows.itemAt(rowModel.count - 1) as MemberEditRow)?.takeFocus();
-        }
+        text: qsTr("Add cameras…")
+        enabled: members.cameras.length > 0
+        onClicked: section.pick()
     }
 }

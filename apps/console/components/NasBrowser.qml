@@ -15,10 +15,15 @@ FocusScope {
     property string entryToSelect
     property real keptPosition: -1
     readonly property alias listing: listing
+    readonly property alias list: card.list
+    readonly property alias search: card.search
     readonly property bool open: listing.serverId !== ""
     readonly property string path: listing.folder || listing.asked || (open ? NasPath.root(host) : "")
     readonly property bool atRoot: NasPath.above(path) === ""
-    readonly property int nameRoleNumber: 258 // of nameRole, for match()
+
+    /// Why a folder could not be listed, and which one; empty where nothing was refused.
+    readonly property string problem: listing.refusal === "" ? ""
+        : qsTr("%1: %2").arg(listing.refusedPath).arg(listing.refusal)
 
     /// The operator wants to see the servers.
     signal backWanted
@@ -37,6 +42,7 @@ FocusScope {
     }
 
     function enter(newPath: string): void {
+        card.rows.clear(); // what was looked for was looked for in another folder
         entryToSelect = "";
         keptPosition = -1;
         listing.ask(newPath);
@@ -55,6 +61,14 @@ FocusScope {
         listing.ask(path);
     }
 
+    function retry(): void {
+        enter(listing.refusedPath);
+    }
+
+    function forgetProblem(): void {
+        listing.refusal = "";
+    }
+
     function goUp(): void {
         if (!open)
             return;
@@ -68,22 +82,11 @@ FocusScope {
     }
 
     function placeCursor(): void {
-        const model = card.model;
-        const found = model.match(model.index(0, 0), nameRoleNumber, entryToSelect, 1, Qt.MatchExactly
-                                  | Qt.MatchCaseSensitive);
-        card.currentIndex = card.count === 0 ? -1 : found.length > 0 ? found[0].row : 0;
-        if (card.count > 0)
-            card.list.positionViewAtIndex(card.currentIndex, ListView.Contain);
+        if (!card.reveal(ModelLookup.rowOf(card.model, "nameRole", entryToSelect)) && card.count > 0)
+            card.revealFirst();
         if (keptPosition >= 0)
             card.list.contentY = Math.max(0, Math.min(keptPosition, card.list.contentHeight - card.list.height));
         keptPosition = -1;
-    }
-
-    Keys.onPressed: event => {
-        if (event.key === Qt.Key_Backspace) {
-            goUp();
-            event.accepted = true;
-        }
     }
 
     NasListing {
@@ -122,14 +125,6 @@ FocusScope {
                 onOpened: path => path === "" ? browser.backWanted() : browser.enter(path)
             }
         }
-        ErrorStrip {
-            objectName: "browserStrip"
-            text: listing.refusal === "" ? "" : qsTr("%1: %2").arg(listing.refusedPath).arg(listing.refusal)
-            actionText: browser.session.connected ? qsTr("Try again") : ""
-            Layout.fillWidth: true
-            onActionTriggered: browser.enter(listing.refusedPath)
-            onDismissed: listing.refusal = ""
-        }
         NasCapacityCard {
             id: capacity
 
@@ -144,10 +139,13 @@ FocusScope {
             objectName: "nasFolders"
             focus: true
             model: browser.recording.getNASServerDirModel()
-            list.opacity: !listing.inView ? 0 : listing.loading ? 0.55 : 1
+            nameRole: "nameRole"
+            orders: [{ text: qsTr("Name"), role: "nameRole" }]
+            search.hint: browser.atRoot ? qsTr("Search shares") : qsTr("Search folders")
+            search.keyed: browser.alone || browser.activeFocus
+            search.visible: listing.inView
+            list.opacity: !listing.inView ? 0 : listing.loading ? 0.7 : 1
             list.Accessible.name: browser.atRoot ? qsTr("Shares of %1").arg(browser.host) : qsTr("Folders")
-            list.Keys.onReturnPressed: browser.enterCurrent()
-            list.Keys.onEnterPressed: browser.enterCurrent()
             delegate: FolderRow {
                 width: ListView.view?.width ?? 0
                 visible: browser.listing.inView
@@ -160,8 +158,8 @@ FocusScope {
             Placeholder {
                 objectName: "browserPlaceholder"
                 anchors.centerIn: parent
-                width: Math.min(380, parent.width - 2 * Theme.huge)
-                visible: card.count === 0 || !listing.inView
+                width: Math.min(Theme.sized(380), parent.width - 2 * Theme.huge)
+                visible: card.total === 0 || !listing.inView
                 busy: listing.loading
                 iconName: browser.open ? "folder" : "network"
                 title: !browser.open ? qsTr("Choose a NAS server")
@@ -182,7 +180,7 @@ FocusScope {
         anchors.bottom: parent.bottom
         anchors.margins: Theme.medium
         width: loadingText.implicitWidth + 2 * Theme.medium
-        height: 30
+        height: Theme.sized(30)
         radius: height / 2
         color: Theme.selected
         border.color: Theme.accent

@@ -14,11 +14,17 @@ Rectangle {
     property string refusal
     property bool asking: false
 
-    readonly property real share: total > 0 ? Math.min(1, Math.max(0, used / total)) : 0
-    readonly property bool low: total > 0 && total - used < total / 10
+    /// Of the share: as the station tells it where a recording group records there, else as it answered just now.
+    readonly property var figures: {
+        const told = (volumes.session.storage.volumes, volumes.session.storage.holding(path, true));
+        if (told.size > 0)
+            return told;
+        return total > 0 ? { size: total * 1024, free: Math.max(0, total - used) * 1024, unknownBytes: used * 1024 }
+                         : { size: -1, free: -1 };
+    }
     readonly property var volume: volumes.entries.find(entry => entry.path === path) ?? null
     readonly property int state: volume?.state ?? volumes.notUsed
-    readonly property bool wide: width >= 400
+    readonly property bool wide: width >= Theme.sized(400)
 
     /// Shows @p newPath; the figures of another folder stay in view until the new ones come.
     function show(newPath: string, id: string): void {
@@ -78,30 +84,17 @@ Rectangle {
             spacing: 6
             Layout.fillWidth: true
 
-            RowLayout {
-                spacing: Theme.medium
-
-                CapacityBar {
-                    objectName: "bar"
-                    share: card.share
-                    low: card.low
-                    Layout.fillWidth: true
-                }
-                Text {
-                    objectName: "percent"
-                    text: card.total > 0 ? Units.percent(card.share) : "–"
-                    color: Theme.text
-                    font.pixelSize: Theme.bodySize
-                    textFormat: Text.PlainText
-                    horizontalAlignment: Text.AlignRight
-                    Layout.minimumWidth: 44
-                }
+            VolumeBar {
+                objectName: "bar"
+                parts: card.volumes.session.storage.parts(card.figures)
+                size: card.figures.size
+                Layout.fillWidth: true
             }
             Text {
                 objectName: "figures"
                 text: card.refusal !== "" ? card.refusal
-                    : card.total > 0 ? qsTr("%1 free of %2").arg(Units.capacity(card.total - card.used))
-                                           .arg(Units.capacity(card.total))
+                    : card.figures.size > 0 ? qsTr("%1 free of %2 · %3").arg(Units.bytes(card.figures.free))
+                        .arg(Units.bytes(card.figures.size)).arg(Units.percent(card.figures.free / card.figures.size))
                     : card.asking ? qsTr("Asking for the capacity…") : qsTr("Size unknown")
                 color: card.refusal !== "" ? Theme.danger : Theme.secondaryText
                 font.pixelSize: Theme.captionSize

@@ -10,14 +10,17 @@ RemoveDialog {
     property int volumes: 0 ///< paths of the server that are used as volumes
 
     function ask(id: string, name: string, usedPaths: int): void {
-        serverId = id;
-        host = name;
-        volumes = usedPaths;
+        if (!busy) {
+            serverId = id;
+            host = name;
+            volumes = usedPaths;
+        }
         begin();
     }
 
     objectName: "nasRemoveDialog"
     title: qsTr("Remove NAS server")
+    subject: qsTr("Remove “%1”").arg(host)
     question: qsTr("Remove “%1”? The station forgets this NAS server and its password.").arg(host)
         + (volumes === 0 ? "" : " " + (volumes === 1
             ? qsTr("One of its folders is used as a volume and is listed as one no longer.")

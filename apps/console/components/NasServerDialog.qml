@@ -51,6 +51,24 @@ ConsoleDialog {
         hostField.field.forceActiveFocus();
     }
 
+    /// What would have to be typed again, but for the password, which is not kept.
+    function entry(): var {
+        return { id: serverId, shownHost: shownHost, host: hostField.text, logonDomain: domainField.text, userName: userField.text };
+    }
+
+    function keep(entered: var, words: string): void {
+        drafts = drafts.concat([{ subject: qsTr("Change %1").arg(entered.shownHost), refusal: words, entry: entered }]);
+    }
+
+    function resume(draft: var): void {
+        ask(draft.entry.id, { host: draft.entry.shownHost, logonDomain: NasServers.ownDomain, userName: NasServers.guest });
+        hostField.text = draft.entry.host;
+        domainField.text = draft.entry.logonDomain;
+        userField.text = draft.entry.userName;
+        faultyField = "general";
+        refusal = draft.refusal;
+    }
+
     function submit(): void {
         hostEdited = true;
         if (busy || mistake !== "")
@@ -89,8 +107,7 @@ ConsoleDialog {
 
     objectName: "nasServerDialog"
     title: changes ? qsTr("Change %1").arg(shownHost) : qsTr("Add a NAS server")
-    width: Math.min(460, parent.width - 2 * Theme.large)
-    height: Math.min(implicitHeight, parent.height - 2 * Theme.small)
+    width: Math.min(Theme.sized(460), parent.width - 2 * Theme.large)
     closePolicy: Popup.CloseOnEscape
     onClosed: {
         const wasBusy = busy;
@@ -201,8 +218,7 @@ ConsoleDialog {
     footer: DialogButtons {
         busy: dialog.busy
         acceptable: dialog.mistake === ""
-        cancellable: true
-        cancelText: dialog.busy && dialog.changes ? qsTr("Close") : qsTr("Cancel")
+        leaveText: dialog.changes ? qsTr("Close") : qsTr("Cancel")
         text: dialog.changes ? qsTr("Test and keep") : qsTr("Test and add")
         busyText: qsTr("Testing…")
         onAccepted: dialog.submit()

@@ -9,14 +9,14 @@ Item {
     required property PluginRecordingManagement recording
     required property ConsoleSession session
     required property NasVolumes volumes
+    property var abandoned: null // what was entered in that dialog
+    property alias dialog: dialog
     property string changing ///< id of the server whose change goes on after its dialog was closed
     readonly property bool asking: dialog.visible || removal.visible
     readonly property var servers: recording.getNASServerModel()
 
     /// The operator has to know something; @p words are empty when it is settled.
     signal noticed(words: string)
-    /// A change was refused after its dialog was closed.
-    signal refused(words: string)
     signal added(id: string, host: string)
     signal changed(id: string)
     signal removed(id: string)
@@ -42,12 +42,13 @@ Item {
                                         kept ? NasServers.logon(servers, dialog.serverId)?.password ?? "" : password)
             : recording.addNASServer(dialog.host, dialog.logonDomain, dialog.userName, password);
         if (!sent)
-            dialog.refuse(PluginRecordingManagement.Unknown, "", qsTr("The request could not be sent."));
+            dialog.refuse(PluginRecordingManagement.Unknown, "", session.unsentText());
     }
 
     function abandon(): void {
         if (dialog.changes) {
             changing = dialog.serverId;
+            abandoned = dialog.entry();
             noticed(qsTr("The station still tests the new log-on of %1 and keeps it if the test succeeds.").arg(dialog.host));
             return;
         }
@@ -85,7 +86,7 @@ Item {
             changing = "";
             noticed("");
             if (words !== "")
-                refused(qsTr("The change was refused: %1").arg(words));
+                dialog.keep(abandoned, words);
         }
         if (words !== "")
             return;
@@ -128,9 +129,10 @@ Item {
     NasRemoveDialog {
         id: removal
 
+        session: edits.session
         onSubmitted: {
             if (!edits.recording.removeNASServer(serverId))
-                refuse(qsTr("The request could not be sent."));
+                refuse(edits.session.unsentText());
         }
     }
 }

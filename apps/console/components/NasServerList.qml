@@ -5,11 +5,9 @@ import RecordingConsole
 ListCard {
     id: card
 
+    required property ConsolePage owner
     property string chosen ///< id of the server that is marked
-    property bool connected: false
     property bool editable: false
-    property bool loading: false
-    property bool failed: false ///< the servers could not be listed
 
     signal opened(id: string, host: string)
     signal editWanted(id: string)
@@ -25,16 +23,11 @@ ListCard {
             removeWanted(row.idRole, row.nameRole);
     }
 
+    nameRole: "nameRole"
+    searchRoles: ["userNameRole"]
+    orders: [{ text: qsTr("Name"), role: "nameRole" }]
+    search.hint: qsTr("Search servers")
     list.Accessible.name: qsTr("NAS servers")
-    list.Keys.onReturnPressed: (list.currentItem as NasServerRow)?.opened()
-    list.Keys.onEnterPressed: (list.currentItem as NasServerRow)?.opened()
-    list.Keys.onDeletePressed: card.remove(list.currentItem as NasServerRow)
-    Keys.onPressed: event => {
-        if (event.key !== Qt.Key_F2)
-            return;
-        card.edit(card.list.currentItem as NasServerRow);
-        event.accepted = true;
-    }
     delegate: NasServerRow {
         id: row
 
@@ -46,17 +39,14 @@ ListCard {
         onRemoveWanted: card.remove(row)
     }
 
-    Placeholder {
+    PagePlaceholder {
         objectName: "placeholder"
-        anchors.centerIn: parent
-        width: Math.min(320, parent.width - 2 * Theme.large)
-        visible: card.count === 0
-        busy: card.connected && card.loading
-        iconName: "network"
-        title: !card.connected ? qsTr("No connection to the station")
-            : busy ? qsTr("Asking the station for its NAS servers…")
-            : card.failed ? qsTr("The NAS servers could not be listed") : qsTr("No NAS servers yet")
-        text: busy ? "" : !card.connected ? qsTr("The NAS servers appear as soon as it is there.")
-            : card.failed ? "" : qsTr("“Add server” tests the log-on and adds the first one.")
+        owner: card.owner
+        visible: card.total === 0
+        askingTitle: qsTr("Asking the station for its NAS servers…")
+        failedTitle: qsTr("The NAS servers could not be listed")
+        emptyTitle: qsTr("No NAS servers yet")
+        emptyText: qsTr("“Add server” tests the log-on and adds the first one.")
+        awaitedText: qsTr("The NAS servers appear as soon as it is there.")
     }
 }

@@ -24,7 +24,7 @@ ItemDelegate {
     signal removeWanted
 
     objectName: "nas:" + idRole
-    implicitHeight: 60
+    implicitHeight: Theme.sized(60)
     leftPadding: Theme.large
     rightPadding: Theme.small
     highlighted: current && ListView.view.activeFocus
@@ -43,7 +43,7 @@ ItemDelegate {
         Icon {
             name: "network"
             color: row.shown ? Theme.accent : Theme.secondaryText
-            size: 24
+            size: Theme.sized(24)
         }
         ColumnLayout {
             spacing: 2
@@ -79,7 +79,7 @@ ItemDelegate {
             ActionButton {
                 objectName: "edit"
                 quiet: true
-                implicitHeight: 32
+                implicitHeight: Theme.sized(32)
                 iconName: "edit"
                 hint: qsTr("Change %1 (F2)").arg(row.nameRole)
                 enabled: row.editable
@@ -89,7 +89,7 @@ ItemDelegate {
             ActionButton {
                 objectName: "remove"
                 quiet: true
-                implicitHeight: 32
+                implicitHeight: Theme.sized(32)
                 iconName: "remove"
                 hint: qsTr("Remove %1 (Del)").arg(row.nameRole)
                 enabled: row.editable
@@ -119,6 +119,7 @@ ItemDelegate {
             radius: 2
             color: Theme.accent
         }
+        FocusRing { shown: row.activeFocus }
     }
 
     ConsoleToolTip {

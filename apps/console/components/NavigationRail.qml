@@ -14,7 +14,7 @@ Rectangle {
 
     signal chosen(index: int)
 
-    implicitWidth: narrow ? 60 : 228
+    implicitWidth: narrow ? Theme.iconSize + 40 : Theme.sized(228)
     color: Theme.rail
     Accessible.role: Accessible.PageTabList
     Accessible.name: qsTr("Pages")
@@ -61,7 +61,7 @@ Rectangle {
 
                 objectName: "tab:" + modelData.key
                 text: modelData.title
-                implicitHeight: 42
+                implicitHeight: Theme.sized(42)
                 leftPadding: Theme.medium
                 rightPadding: Theme.medium
                 font.pixelSize: Theme.bodySize
@@ -106,11 +106,7 @@ Rectangle {
                         radius: 2
                         color: Theme.accent
                     }
-                    FocusRing {
-                        anchors.margins: 0
-                        radius: Theme.radius
-                        shown: tab.visualFocus
-                    }
+                    FocusRing { shown: tab.activeFocus && tab.focusReason !== Qt.MouseFocusReason }
                 }
 
                 ConsoleToolTip {

@@ -20,13 +20,27 @@ ConsoleDialog {
     signal submitted(name: string)
 
     function ask(where: string): void {
+        if (busy) {
+            open();
+            return;
+        }
         folder = where;
         refusal = "";
-        busy = false;
         field.clear();
         field.edited = false;
         open();
         field.forceActiveFocus();
+    }
+
+    function entry(): var {
+        return { folder: folder, name: name };
+    }
+
+    function resume(draft: var): void {
+        ask(draft.entry.folder);
+        refusal = draft.refusal;
+        field.text = draft.entry.name;
+        field.selectAll();
     }
 
     function submit(): void {
@@ -38,7 +52,17 @@ ConsoleDialog {
         submitted(name);
     }
 
+    /// The folder is there.
+    function done(): void {
+        if (endLeft(""))
+            return;
+        busy = false;
+        close();
+    }
+
     function refuse(words: string): void {
+        if (endLeft(words))
+            return;
         busy = false;
         refusal = words;
         field.selectAll();
@@ -47,7 +71,8 @@ ConsoleDialog {
 
     objectName: "newFolderDialog"
     title: qsTr("New folder")
-    width: Math.min(440, parent.width - 2 * Theme.large)
+    subject: qsTr("New folder “%1”").arg(name)
+    width: Math.min(Theme.sized(440), parent.width - 2 * Theme.large)
 
     contentItem: ColumnLayout {
         spacing: Theme.small
@@ -82,7 +107,7 @@ ConsoleDialog {
         }
         Item {
             Layout.fillWidth: true
-            Layout.minimumHeight: 36
+            Layout.minimumHeight: Theme.sized(36)
 
             FieldMessage {
                 objectName: "fieldMessage"

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import RecordingConsole
+import com.meridon.pluginrecordingmanagement
 
 /// A path of the recording group that is edited; see GroupEdit for the keys of its row.
 Rectangle {
@@ -14,17 +15,19 @@ Rectangle {
     required property string message
     required property bool reserveWrong ///< the message is about the reserved space, not about the path
 
-    required property var volumes
+    required property var folders ///< that the path could be, see PathField
+    required property var room ///< what there is on the path's volume, see PathRoom
+    readonly property bool typing: pathField.typing || reserveField.typing ///< the operator has not left the field yet
     required property bool keptNas ///< the group has this path already, on NAS storage
-    readonly property var kinds: (keptNas ? [{ kind: GroupEdit.keptNas, text: qsTr("NAS") }] : []).concat([
-        { kind: GroupEdit.local, text: qsTr("Local") }, { kind: GroupEdit.netHost, text: qsTr("NAS host") },
-        { kind: GroupEdit.netDomain, text: qsTr("NAS domain") }
-    ])
+    readonly property var kinds: (keptNas ? [GroupEdit.keptNas] : []).concat([
+        PluginRecordingManagement.Local, PluginRecordingManagement.NetHost, PluginRecordingManagement.NetDomain
+    ]).map(kind => ({ kind: kind, text: GroupEdit.kindText(kind) }))
 
     /// The operator changed one of the row's values.
     signal edited(key: string, value: var)
     signal removed
     signal accepted
+    signal browseWanted
 
     /// To the field that the message is about.
     function takeFocus(): void {
@@ -52,13 +55,20 @@ Rectangle {
 
                 objectName: "path"
                 text: row.path
-                volumes: row.volumes
+                folders: row.folders
                 mistaken: row.message !== "" && !row.reserveWrong
                 Accessible.name: qsTr("Path %1").arg(row.index + 1)
                 Accessible.description: row.message
                 Layout.fillWidth: true
                 onChosen: path => row.edited("path", path)
                 onAccepted: row.accepted()
+            }
+            ActionButton {
+                objectName: "browse"
+                quiet: true
+                iconName: "folder"
+                hint: qsTr("Browse for a folder")
+                onClicked: row.browseWanted()
             }
             ActionButton {
                 objectName: "removeRow"
@@ -79,16 +89,27 @@ Rectangle {
                 InputField {
                     id: reserveField
 
+                    property bool typing: false
+
                     objectName: "reserve"
                     mistaken: row.message !== "" && row.reserveWrong
-                    Accessible.description: mistaken ? row.message : ""
-                    width: 84
+                    Accessible.description: mistaken ? row.message : SettingWords.reservedSpace
+                    width: Theme.sized(84)
                     horizontalAlignment: TextInput.AlignRight
                     inputMethodHints: Qt.ImhDigitsOnly
                     text: row.reserve
                     Accessible.name: qsTr("Reserved space of path %1 in gigabytes").arg(row.index + 1)
-                    onTextEdited: row.edited("reserve", text)
+                    onTextEdited: {
+                        typing = true;
+                        row.edited("reserve", text);
+                    }
+                    onEditingFinished: typing = false
                     onAccepted: row.accepted()
+
+                    ConsoleToolTip {
+                        visible: reserveField.hovered
+                        text: SettingWords.reservedSpace
+                    }
                 }
                 FieldLabel { text: qsTr("GB") }
             }
@@ -97,22 +118,43 @@ Rectangle {
 
                 FieldLabel { text: qsTr("Kind") }
                 ChoiceBox {
+                    id: kindBox
+
                     objectName: "kind"
-                    width: 132
+                    width: Theme.sized(132)
                     model: row.kinds
                     textRole: "text"
                     currentIndex: row.kinds.findIndex(entry => entry.kind === row.kind)
                     Accessible.name: qsTr("Kind of path %1").arg(row.index + 1)
+                    Accessible.description: SettingWords.pathKind(row.kind)
                     onActivated: index => row.edited("kind", row.kinds[index].kind)
+
+                    ConsoleToolTip {
+                        visible: (kindBox.hovered || kindBox.visualFocus) && !kindBox.popup.visible
+                        text: SettingWords.pathKind(row.kind)
+                    }
                 }
             }
             CheckOption {
+                id: recoveryOption
+
                 objectName: "recovery"
                 text: qsTr("Recovery")
                 checked: row.recovery
                 Accessible.name: qsTr("Path %1 is a recovery path").arg(row.index + 1)
+                Accessible.description: SettingWords.recovery
                 onToggled: row.edited("recovery", checked)
+
+                ConsoleToolTip {
+                    visible: recoveryOption.hovered || recoveryOption.visualFocus
+                    text: SettingWords.recovery
+                }
             }
+        }
+        PathRoom {
+            objectName: "room"
+            room: row.room
+            Layout.fillWidth: true
         }
         FieldMessage {
             objectName: "rowMessage"

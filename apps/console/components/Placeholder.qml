@@ -30,7 +30,7 @@ ColumnLayout {
         visible: !placeholder.busy
         name: placeholder.iconName
         color: Theme.disabledText
-        size: 44
+        size: Theme.sized(44)
         Layout.alignment: Qt.AlignHCenter
     }
     Text {

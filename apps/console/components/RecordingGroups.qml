@@ -9,12 +9,8 @@ QtObject {
 
     required property PluginRecordingManagement recording
     readonly property var tree: recording.getRecordingGroupTreeModel()
+    required property StationStorage storage
     property var volumes: [] ///< as VolumeList gives them
-
-    // Numbers of the tree's roles, for match() and data().
-    readonly property int nameNumber: 259
-    readonly property int relayPathNumber: 260
-    readonly property int groupIdNumber: 263
 
     function station(): var {
         return tree.index(0, 0);
@@ -26,25 +22,39 @@ QtObject {
 
     /// Where a group stands in the tree; an invalid index where there is none of this id.
     function indexOf(groupId: string): var {
-        const found = groupId === "" || count() === 0 ? [] : tree.match(tree.index(0, 0, station()), groupIdNumber, groupId,
-                                                                      1, Qt.MatchExactly | Qt.MatchCaseSensitive);
-        return found.length > 0 ? found[0] : tree.index(-1, -1);
+        const row = groupId === "" ? -1 : ModelLookup.rowOf(tree, "recordingGroupIDRole", groupId, station());
+        return row < 0 ? tree.index(-1, -1) : tree.index(row, 0, station());
     }
 
     /// The id of the group in a row below the station; empty where there is none.
     function idAt(row: int): string {
-        return row < 0 || row >= count() ? "" : tree.data(tree.index(row, 0, station()), groupIdNumber) ?? "";
+        return row < 0 || row >= count() ? "" : ModelLookup.value(tree.index(row, 0, station()), "recordingGroupIDRole") ?? "";
     }
 
     /// All that is known of a group; null when there is none of this id.
     function read(groupId: string): var {
         const index = indexOf(groupId);
-        if (!index.valid)
-            return null;
-        const relayPath = tree.data(index, relayPathNumber) ?? "";
+        return index.valid ? readAt(index, groupId) : null;
+    }
+
+    /// Those of @p groupIds that there are, in that order.
+    function readAll(groupIds: var): var {
+        const rows = new Map(ids().map((id, row) => [id, row]));
+        return groupIds.filter(id => rows.has(id)).map(id => readAt(tree.index(rows.get(id), 0, station()), id));
+    }
+
+    /// The ids of all groups.
+    function ids(): var {
+        const parent = station();
+        return Array.from({ length: count() },
+                          (value, row) => ModelLookup.value(tree.index(row, 0, parent), "recordingGroupIDRole") ?? "");
+    }
+
+    function readAt(index: var, groupId: string): var {
+        const relayPath = ModelLookup.value(index, "relayPathRole") ?? "";
         return {
             id: groupId,
-            name: tree.data(index, nameNumber) ?? "",
+            name: ModelLookup.value(index, "nameRole") ?? "",
             relayPath: relayPath,
             reservedTime: recording.getRecordingGroupReservedTime(groupId, relayPath),
             paths: paths(groupId, relayPath),
@@ -57,22 +67,35 @@ QtObject {
         const nas = recording.getRecordingGroupNasPathList(groupId, relayPath);
         const recovery = recording.getRecordingGroupRecoveryPathList(groupId, relayPath);
         return recording.getRecordingGroupPathList(groupId, relayPath).map((path, row) => {
-            const onNas = nas.includes(path);
-            const volume = volumeOf(path, onNas);
             return {
                 path: path,
                 reserve: Number(reserves[row] ?? 0),
-                nas: onNas,
-                recovery: recovery.includes(path),
-                volumeName: volume?.name ?? "",
-                size: volume?.size ?? 0,
-                available: volume?.available ?? 0
+                nas: nas.includes(path),
+                recovery: recovery.includes(path)
             };
         });
     }
 
-    /// The volume that holds a path; null where none does. The root holds no share, although each begins with it.
+    /// The volume that a path lies on, with the keys of "station.listStorage": as the station tells it, else as far as
+    /// the plug-in knows it. Empty where nobody knows.
     function volumeOf(path: string, onNas: bool): var {
+        const told = storage.holding(path, onNas);
+        if (Object.keys(told).length > 0)
+            return told;
+        const listed = listedVolumeOf(path, onNas);
+        if (listed === null)
+            return { kind: onNas ? "NAS" : "local", state: "unknown", size: -1, free: -1 };
+        const known = listed.size > 0 && listed.available >= 0;
+        return {
+            volumePath: listed.path, volumeName: listed.name, kind: onNas ? "NAS" : "local",
+            state: known ? "there" : "unknown", size: known ? listed.size * 1024 : -1, free: known ? listed.available * 1024 : -1,
+            unknownBytes: known ? Math.max(0, listed.size - listed.available) * 1024 : 0
+        };
+    }
+
+    /// The volume of the plug-in that holds a path; null where none does. The root holds no share, although each begins
+    /// with it.
+    function listedVolumeOf(path: string, onNas: bool): var {
         const key = onNas ? NasPath.key(path) : path;
         let holder = null;
         let longest = -1;

@@ -15,7 +15,6 @@ ConsoleDialog {
 
     function begin(): void {
         refusal = "";
-        busy = false;
         open();
         buttons.cancelButton.forceActiveFocus(Qt.TabFocusReason);
     }
@@ -29,17 +28,21 @@ ConsoleDialog {
     }
 
     function done(): void {
+        if (endLeft(""))
+            return;
         busy = false;
         close();
     }
 
     function refuse(words: string): void {
+        if (endLeft(words))
+            return;
         busy = false;
         refusal = words;
         buttons.cancelButton.forceActiveFocus(Qt.TabFocusReason);
     }
 
-    width: Math.min(460, parent.width - 2 * Theme.large)
+    width: Math.min(Theme.sized(460), parent.width - 2 * Theme.large)
 
     contentItem: ColumnLayout {
         spacing: Theme.medium

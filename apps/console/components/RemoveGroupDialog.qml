@@ -13,8 +13,10 @@ RemoveDialog {
     signal removed
 
     function ask(group: var): void {
-        groupId = group.id;
-        groupName = group.name;
+        if (!busy) {
+            groupId = group.id;
+            groupName = group.name;
+        }
         begin();
     }
 
@@ -33,6 +35,7 @@ RemoveDialog {
 
     objectName: "removeGroupDialog"
     title: qsTr("Remove recording group")
+    subject: qsTr("Remove “%1”").arg(groupName)
     question: qsTr("Remove “%1”? Its cameras are recorded by this group no longer.").arg(groupName)
     promise: qsTr("Recorded files stay on the disk.")
     onBusyChanged: {

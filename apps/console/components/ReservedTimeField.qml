@@ -11,10 +11,6 @@ ColumnLayout {
     readonly property var units: [
         { minutes: 1, text: qsTr("minutes") }, { minutes: 60, text: qsTr("hours") }, { minutes: 1440, text: qsTr("days") }
     ]
-    /// Minutes; 0 where it does not apply, NaN where no such time stands there.
-    readonly property real minutes: !applies.checked ? 0 : amountMinutes >= 1 && amountMinutes <= longest ? amountMinutes : NaN
-    readonly property real amountMinutes: /^[0-9]{1,10}$/.test(amount.text)
-        ? Number(amount.text) * units[unit.currentIndex].minutes : NaN
 
     signal edited
     signal accepted
@@ -24,6 +20,15 @@ ColumnLayout {
         applies.checked = reservedTime > 0;
         unit.currentIndex = index;
         amount.text = reservedTime > 0 ? String(reservedTime / units[index].minutes) : "30";
+    }
+
+    /// Minutes; 0 where it does not apply, NaN where no such time stands there. A property would still have the value of
+    /// before when edited() is emitted.
+    function minutes(): real {
+        if (!applies.checked)
+            return 0;
+        const entered = /^[0-9]{1,10}$/.test(amount.text) ? Number(amount.text) * units[unit.currentIndex].minutes : NaN;
+        return entered >= 1 && entered <= longest ? entered : NaN;
     }
 
     function takeFocus(): void {
@@ -43,6 +48,7 @@ ColumnLayout {
             objectName: "timeApplies"
             text: qsTr("Keep recordings for")
             Accessible.name: qsTr("Reserved time applies")
+            Accessible.description: SettingWords.reservedTime
             onToggled: field.edited()
         }
         Row {
@@ -52,7 +58,7 @@ ColumnLayout {
                 id: amount
 
                 objectName: "timeAmount"
-                width: 84
+                width: Theme.sized(84)
                 enabled: applies.checked
                 horizontalAlignment: TextInput.AlignRight
                 inputMethodHints: Qt.ImhDigitsOnly
@@ -66,7 +72,7 @@ ColumnLayout {
                 id: unit
 
                 objectName: "timeUnit"
-                width: 120
+                width: Theme.sized(120)
                 enabled: applies.checked
                 model: field.units
                 textRole: "text"
@@ -74,6 +80,16 @@ ColumnLayout {
                 onActivated: field.edited()
             }
         }
+    }
+    Text {
+        objectName: "timeCaption"
+        text: SettingWords.reservedTime
+        color: Theme.secondaryText
+        font.pixelSize: Theme.captionSize
+        textFormat: Text.PlainText
+        wrapMode: Text.Wrap
+        Accessible.ignored: true
+        Layout.fillWidth: true
     }
     FieldMessage {
         objectName: "timeMessage"

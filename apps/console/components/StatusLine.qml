@@ -11,7 +11,15 @@ Rectangle {
     readonly property real countedShare: session.filesToCount > 0
                                          ? Math.min(1, session.countedFiles / session.filesToCount) : 0
 
-    implicitHeight: 40
+    readonly property string siteText: {
+        const stations = session.stations;
+        const connection = session.connected ? qsTr("Connected to %1").arg(stations.directName)
+                                             : qsTr("No connection to %1").arg(stations.directName);
+        return stations.notUp === 0 || stations.count < 2 ? connection
+            : qsTr("%1; %2 of %3 stations are not connected").arg(connection).arg(stations.notUp).arg(stations.count);
+    }
+
+    implicitHeight: Theme.sized(40)
     color: Theme.rail
 
     Rectangle {
@@ -31,11 +39,12 @@ Rectangle {
             objectName: "connectionIcon"
             name: !line.session.connected ? "disconnected" : line.troubled ? "alert" : "connected"
             color: line.session.connected && !line.troubled ? Theme.good : Theme.danger
-            size: 18
+            size: Theme.sized(18)
         }
         Text {
             objectName: "connection"
-            text: !line.session.connected ? qsTr("No connection to the station on this machine")
+            text: line.session.stations.site ? line.siteText
+                : !line.session.connected ? qsTr("No connection to the station on this machine")
                 : line.troubled ? qsTr("Connected to the station on this machine, which is in trouble")
                 : qsTr("Connected to the station on this machine")
             color: Theme.text
@@ -51,8 +60,8 @@ Rectangle {
             visible: line.session.counting
             spacing: Theme.small
 
-            CapacityBar {
-                visible: line.session.filesToCount > 0 && line.width >= 640
+            ShareBar {
+                visible: line.session.filesToCount > 0 && line.width >= Theme.sized(640)
                 share: line.countedShare
                 implicitWidth: 96
                 implicitHeight: 6
@@ -60,9 +69,9 @@ Rectangle {
             }
             Text {
                 objectName: "countingText"
-                text: line.width < 640 && line.session.filesToCount > 0
+                text: line.width < Theme.sized(640) && line.session.filesToCount > 0
                     ? qsTr("Counting: %1").arg(Units.percent(line.countedShare))
-                    : line.width < 640 ? qsTr("Counting…")
+                    : line.width < Theme.sized(640) ? qsTr("Counting…")
                     : line.session.filesToCount > 0
                     ? qsTr("Counting recorded files: %1 of %2").arg(line.session.countedFiles)
                           .arg(Math.max(line.session.countedFiles, line.session.filesToCount))
@@ -75,6 +84,16 @@ Rectangle {
             }
         }
         ActionButton {
+            objectName: "textSize"
+            visible: Theme.textSize !== 100
+            quiet: true
+            implicitHeight: Theme.sized(30)
+            font.pixelSize: Theme.captionSize
+            text: qsTr("Text %1 %").arg(Theme.textSize)
+            hint: qsTr("Make text as large as usual (Ctrl+0)")
+            onClicked: Theme.textSize = 100
+        }
+        ActionButton {
             id: schemeButton
 
             readonly property var schemes: [
@@ -85,11 +104,11 @@ Rectangle {
 
             objectName: "scheme"
             quiet: true
-            implicitHeight: 30
+            implicitHeight: Theme.sized(30)
             font.pixelSize: Theme.captionSize
             iconName: schemes[Theme.scheme].iconName
-            text: schemes[Theme.scheme].text
-            hint: qsTr("Change the colours")
+            text: line.width >= Theme.sized(480) ? schemes[Theme.scheme].text : ""
+            hint: qsTr("Change the colours; now: %1").arg(schemes[Theme.scheme].text)
             onClicked: Theme.scheme = Theme.nextScheme()
         }
     }

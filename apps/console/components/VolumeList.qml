@@ -7,12 +7,4 @@ ModelReader {
         return read({ path: "rootPathRole", name: "nameRole", size: "sizeRole", available: "availableSizeRole",
                       isNas: "isNASRole" });
     }
-
-    /// Of all volumes together, KB.
-    function size(): real {
-        return sum("sizeRole");
-    }
-    function available(): real {
-        return sum("availableSizeRole");
-    }
 }

@@ -7,14 +7,17 @@ ItemDelegate {
     id: row
 
     required property int index
-    required property string nameRole
-    required property string rootPathRole
-    required property real sizeRole
-    required property real availableSizeRole
-    required property bool isSystemRole
-    required property bool isNASRole
+    required property string path
+    required property var volume
+    required property var parts
+    readonly property string name: figures.name
+    readonly property alias lost: figures.lost
+    readonly property bool holdsUnassigned: parts.some(part => part.kind === "withoutGroup")
 
-    objectName: "volume:" + rootPathRole
+    /// The operator wants to see the recordings of no group.
+    signal unassignedChosen
+
+    objectName: "volume:" + path
     leftPadding: Theme.large
     rightPadding: Theme.huge
     topPadding: Theme.large
@@ -22,6 +25,7 @@ ItemDelegate {
     highlighted: ListView.isCurrentItem && ListView.view.activeFocus
     Accessible.role: Accessible.ListItem
     Accessible.name: figures.summary()
+    Accessible.description: holdsUnassigned ? qsTr("Return shows the recordings of no group") : ""
     onClicked: {
         ListView.view.currentIndex = index;
         ListView.view.forceActiveFocus(Qt.MouseFocusReason);
@@ -30,19 +34,17 @@ ItemDelegate {
     contentItem: VolumeFigures {
         id: figures
 
-        name: row.nameRole
-        path: row.rootPathRole
-        size: row.sizeRole
-        availableSize: row.availableSizeRole
-        isSystem: row.isSystemRole
-        isNas: row.isNASRole
+        volume: row.volume
+        parts: row.parts
         room: row.availableWidth
-        wide: row.width >= 760
+        wide: row.width >= Theme.sized(760)
+        onUnassignedChosen: row.unassignedChosen()
     }
 
     background: Rectangle {
         radius: Theme.radius
         color: row.highlighted ? Theme.selected : row.hovered ? Theme.hover : "transparent"
+        border.color: figures.lost ? Theme.danger : "transparent"
 
         Rectangle {
             visible: row.index > 0
@@ -51,6 +53,7 @@ ItemDelegate {
             height: 1
             color: Theme.outline
         }
+        FocusRing { shown: row.activeFocus }
     }
 
     ConsoleToolTip {

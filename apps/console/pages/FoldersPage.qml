@@ -12,13 +12,54 @@ ConsolePage {
     property string entryToSelect ///< becomes the current one when it is listed
     property string pendingFailure ///< shown when the folder that stays in view is listed again
     property bool everListed: false
-    property bool listed: false ///< the folder in view could be listed when it was asked for last
+    readonly property bool listed: answered && !failed ///< the folder in view could be listed when it was asked for last
     property real keptPosition: -1 ///< how far the list is scrolled, for the same folder listed again
-    readonly property bool loading: outstanding > 0
+    property bool replaced: false // the model has another folder than the one in view
     readonly property bool atVolumes: folder === ""
-    readonly property int nameRoleNumber: 258 // of nameRole, for match()
 
-    function ask(path: string, select: string): void {
+    key: "folders"
+    mainList: card.list
+    search: card.search
+    help: qsTr("The folders on the station's volumes. Look here for the path that a recording group is to record to, or make a "
+               + "new folder for it. “Record here” gives the folder in view to a recording group.")
+    keys: [
+        ConsoleKey {
+            sequence: "Return"
+            sequences: ["Enter"]
+            list: card.list
+            text: qsTr("Open the folder")
+            onActivated: (card.list.currentItem as FolderRow)?.opened()
+        },
+        ConsoleKey {
+            sequence: "Alt+Up"
+            text: qsTr("Go to the folder above")
+            onActivated: page.goUp()
+        },
+        ConsoleKey {
+            sequence: "Backspace"
+            list: card.list
+            text: qsTr("Go to the folder above")
+            onActivated: page.goUp()
+        },
+        ConsoleKey {
+            sequence: "Ctrl+G"
+            allowed: recordHere.enabled
+            text: qsTr("Record to this folder")
+            onActivated: page.record()
+        },
+        ConsoleKey {
+            sequence: StandardKey.New
+            allowed: newFolder.enabled
+            text: qsTr("Make a folder")
+            onActivated: newFolderDialog.ask(page.folder)
+        }
+    ]
+    loading: outstanding > 0
+    asking: newFolderDialog.visible
+    subtitle: atVolumes ? qsTr("Choose a volume to look into")
+        : Units.counted(card.total, qsTr("1 folder"), qsTr("%1 folders"))
+
+    function list(path: string, select: string): void {
         if (!session.connected)
             return;
         asked = path;
@@ -26,20 +67,31 @@ ConsolePage {
         ++outstanding;
         if (!recording.getServerDir(path)) {
             --outstanding;
-            fail(qsTr("The request could not be sent."));
+            fail(session.unsentText(), true);
         }
     }
 
     function open(path: string): void {
         pendingFailure = "";
-        ask(path, "");
+        list(path, "");
     }
 
     function refresh(): void {
         if (loading)
             return;
         keptPosition = card.list.contentY;
-        ask(folder, (card.list.currentItem as FolderRow)?.nameRole ?? "");
+        list(folder, (card.list.currentItem as FolderRow)?.nameRole ?? "");
+    }
+
+    /// Leads to the choice of a recording group for the folder in view or, where that is the list of the volumes, for the
+    /// current one.
+    function record(): void {
+        if (recordHere.enabled)
+            placeWanted("groups", recordingPlace(folderToRecord()));
+    }
+
+    function folderToRecord(): string {
+        return atVolumes ? (card.list.currentItem as FolderRow)?.nameRole ?? "" : folder;
     }
 
     function goUp(): void {
@@ -48,13 +100,16 @@ ConsolePage {
         pendingFailure = "";
         const path = FolderPath.trimmed(folder);
         const above = FolderPath.above(path);
-        ask(above, above === "" ? path : path.substring(path.lastIndexOf("/") + 1));
+        list(above, above === "" ? path : path.substring(path.lastIndexOf("/") + 1));
     }
 
-    function answered(path: string): void {
-        if (loading)
-            --outstanding;
-        if (loading)
+    function takeReply(path: string): void {
+        if (!loading) {
+            replaced = true; // somebody else asked
+            followOthers();
+            return;
+        }
+        if (--outstanding > 0)
             return; // an older request's reply; the newest decides
         const refusal = session.refusal("getServerDir");
         if (path === asked && refusal === "")
@@ -67,15 +122,12 @@ ConsolePage {
         const again = folder === asked;
         folder = asked;
         everListed = true;
-        listed = true;
-        fail(pendingFailure);
+        fail(pendingFailure, false);
         pendingFailure = "";
-        const model = card.model;
-        const found = model.match(model.index(0, 0), nameRoleNumber, entryToSelect, 1, Qt.MatchExactly
-                                  | Qt.MatchCaseSensitive);
-        card.currentIndex = card.count === 0 ? -1 : found.length > 0 ? found[0].row : 0;
-        if (card.count > 0)
-            card.list.positionViewAtIndex(card.currentIndex, ListView.Contain);
+        if (!again)
+            card.rows.clear(); // what was looked for was looked for in another folder
+        if (!card.reveal(ModelLookup.rowOf(card.model, "nameRole", entryToSelect)) && card.count > 0)
+            card.revealFirst();
         if (again && keptPosition >= 0)
             card.list.contentY = Math.max(0, Math.min(keptPosition, card.list.contentHeight - card.list.height));
         keptPosition = -1;
@@ -86,163 +138,131 @@ ConsolePage {
         const sentence = asked === "" ? words : qsTr("%1: %2").arg(asked).arg(words);
         if (asked !== folder && everListed && session.connected) {
             pendingFailure = sentence;
-            ask(folder, FolderPath.above(asked) === folder ? asked.substring(asked.lastIndexOf("/") + 1) : "");
+            list(folder, FolderPath.above(asked) === folder ? asked.substring(asked.lastIndexOf("/") + 1) : "");
         } else {
-            listed = false;
             keptPosition = -1;
-            fail(sentence);
+            fail(sentence, true);
         }
     }
 
-    function fail(words: string): void {
+    function followOthers(): void {
+        if (!replaced || !visible)
+            return;
+        replaced = false;
+        refresh();
+    }
+
+    /// @p inView: what is in view itself could not be listed.
+    function fail(words: string, inView: bool): void {
+        failed = inView;
         tellFailure(words);
-        settled = true;
+        answered = true;
     }
 
-    Component.onCompleted: ask(folder, "")
-    Keys.onPressed: event => {
-        if (event.key === Qt.Key_Backspace) {
-            goUp();
-            event.accepted = true;
-        }
-    }
+    onVisibleChanged: followOthers()
 
     Connections {
         target: page.recording
 
         function onGetServerDirResponded(path: string): void {
-            page.answered(path);
+            page.takeReply(path);
         }
         function onCreateDirectoryResponded(success: bool): void {
-            if (!dialog.busy)
+            if (!newFolderDialog.busy)
                 return;
             if (!success) {
-                dialog.refuse(page.session.refusal("createDirectory"));
+                newFolderDialog.refuse(page.session.refusal("createDirectory"));
                 return;
             }
-            dialog.close();
-            if (dialog.folder === page.folder)
-                page.ask(page.folder, dialog.name);
+            newFolderDialog.done();
+            if (newFolderDialog.folder === page.folder)
+                page.list(page.folder, newFolderDialog.name);
         }
     }
-    Connections {
-        target: page.session
 
-        function onConnectedChanged(): void {
-            page.refresh();
+    actions: [
+        ActionButton {
+            id: recordHere
+
+            readonly property string place: page.folderToRecord()
+
+            objectName: "recordHere"
+            iconName: "group"
+            text: page.roomy ? qsTr("Record here") : ""
+            hint: place === "" ? qsTr("Choose a volume first") : qsTr("Record to %1 (Ctrl+G)").arg(place)
+            enabled: page.session.connected && page.listed && place !== ""
+            onClicked: page.record()
+        },
+        ActionButton {
+            id: newFolder
+
+            objectName: "newFolder"
+            primary: true
+            iconName: "newFolder"
+            text: page.width >= Theme.sized(420) ? qsTr("New folder") : ""
+            hint: page.atVolumes ? qsTr("Open a volume first: a folder is made inside one")
+                                 : qsTr("Make a folder here (Ctrl+N)")
+            enabled: page.session.connected && !page.atVolumes && page.listed
+            onClicked: newFolderDialog.ask(page.folder)
+        }
+    ]
+    tools: RowLayout {
+        spacing: Theme.small
+        Layout.fillWidth: true
+
+        ActionButton {
+            objectName: "up"
+            iconName: "up"
+            hint: qsTr("The folder above (Alt+Up)")
+            enabled: page.session.connected && !page.atVolumes
+            onClicked: page.goUp()
+        }
+        Breadcrumb {
+            objectName: "breadcrumb"
+            folder: page.folder
+            Layout.fillWidth: true
+            onOpened: path => page.open(path)
         }
     }
-    Shortcut {
-        sequence: StandardKey.Refresh
-        enabled: page.visible && !dialog.visible
-        onActivated: page.refresh()
-    }
-    Shortcut {
-        sequence: "Alt+Up"
-        enabled: page.visible && !dialog.visible
-        onActivated: page.goUp()
-    }
-    Shortcut {
-        sequence: StandardKey.New
-        enabled: newFolder.enabled && page.visible && !dialog.visible
-        onActivated: dialog.ask(page.folder)
-    }
 
-    ColumnLayout {
+    ListCard {
+        id: card
+
+        objectName: "folders"
         anchors.fill: parent
-        spacing: Theme.large
-
-        PageHeader {
-            title: qsTr("Folders")
-            subtitle: page.atVolumes ? qsTr("Choose a volume to look into")
-                : card.count === 1 ? qsTr("1 folder") : qsTr("%1 folders").arg(card.count)
-            Layout.fillWidth: true
-
-            ActionButton {
-                objectName: "refresh"
-                iconName: "refresh"
-                text: page.width >= 640 ? qsTr("Refresh") : ""
-                hint: qsTr("Ask the station again (F5)")
-                enabled: page.session.connected && !page.loading
-                onClicked: page.refresh()
-            }
-            ActionButton {
-                id: newFolder
-
-                objectName: "newFolder"
-                primary: true
-                iconName: "newFolder"
-                text: page.width >= 420 ? qsTr("New folder") : ""
-                hint: page.atVolumes ? qsTr("Open a volume first: a folder is made inside one")
-                                     : qsTr("Make a folder here (Ctrl+N)")
-                enabled: page.session.connected && !page.atVolumes && page.listed
-                onClicked: dialog.ask(page.folder)
-            }
+        focus: true
+        model: page.recording.getServerDirModel()
+        nameRole: "nameRole"
+        orders: page.atVolumes ? [] : [{ text: qsTr("Name"), role: "nameRole" }]
+        search.hint: page.atVolumes ? qsTr("Search volumes") : qsTr("Search folders")
+        list.Accessible.name: qsTr("Folders")
+        delegate: FolderRow {
+            width: ListView.view?.width ?? 0
+            isVolume: page.atVolumes
+            onOpened: page.open(FolderPath.child(page.folder, nameRole))
         }
-        RowLayout {
-            spacing: Theme.small
-            Layout.fillWidth: true
 
-            ActionButton {
-                objectName: "up"
-                iconName: "up"
-                hint: qsTr("The folder above (Alt+Up)")
-                enabled: page.session.connected && !page.atVolumes
-                onClicked: page.goUp()
-            }
-            Breadcrumb {
-                objectName: "breadcrumb"
-                folder: page.folder
-                Layout.fillWidth: true
-                onOpened: path => page.open(path)
-            }
-        }
-        ErrorStrip {
-            objectName: "errorStrip"
-            text: page.failure
-            Layout.fillWidth: true
-        }
-        ListCard {
-            id: card
-
-            objectName: "folders"
-            focus: true
-            model: page.recording.getServerDirModel()
-            list.Accessible.name: qsTr("Folders")
-            list.Keys.onReturnPressed: (list.currentItem as FolderRow)?.opened()
-            list.Keys.onEnterPressed: (list.currentItem as FolderRow)?.opened()
-            delegate: FolderRow {
-                width: ListView.view?.width ?? 0
-                isVolume: page.atVolumes
-                onOpened: page.open(FolderPath.child(page.folder, nameRole))
-            }
-            Layout.fillWidth: true
-            Layout.fillHeight: true
-
-            Placeholder {
-                objectName: "placeholder"
-                anchors.centerIn: parent
-                width: Math.min(420, parent.width - 2 * Theme.huge)
-                visible: card.count === 0
-                busy: page.session.connected && (page.loading || !page.settled)
-                iconName: "folder"
-                title: !page.session.connected ? qsTr("No connection to the station")
-                    : busy ? qsTr("Asking the station for its folders…")
-                    : page.failure !== "" ? qsTr("The folders could not be listed")
-                    : page.atVolumes ? qsTr("No volumes to show") : qsTr("No folders in here")
-                text: busy || page.failure !== "" ? ""
-                    : !page.session.connected ? qsTr("The folders appear as soon as it is there.")
-                    : page.atVolumes ? "" : qsTr("“New folder” makes the first one.")
-            }
+        PagePlaceholder {
+            objectName: "placeholder"
+            owner: page
+            visible: card.total === 0
+            askingTitle: qsTr("Asking the station for its folders…")
+            failedTitle: qsTr("The folders could not be listed")
+            emptyTitle: page.atVolumes ? qsTr("No volumes to show") : qsTr("No folders in here")
+            emptyText: page.atVolumes ? "" : qsTr("“New folder” makes the first one.")
+            awaitedText: qsTr("The folders appear as soon as it is there.")
         }
     }
+
+    strips: DraftStrip { dialog: newFolderDialog }
 
     NewFolderDialog {
-        id: dialog
+        id: newFolderDialog
 
+        session: page.session
         onSubmitted: name => {
             if (!page.recording.createDirectory(FolderPath.child(folder, name)))
-                refuse(qsTr("The request could not be sent."));
+                refuse(page.session.unsentText());
         }
     }
 }

@@ -1,34 +1,86 @@
 import QtQuick
-import QtQuick.Layouts
 import RecordingConsole
 
 /// The NAS servers that the station knows, and a browser for their shares.
 ConsolePage {
     id: page
 
-    property bool loading: false
-    property bool askAgain: false // something changed while a reply was under way
-    property bool failed: false // the servers could not be listed when they were asked for last
     property string notice
     property string chosen ///< id of the server whose shares are in view
-    readonly property bool wide: width >= 640
-    readonly property bool split: wide && serverCard.count > 0 ///< servers and browser stand side by side
-    readonly property bool serversShown: wide || chosen === "" || !browsing
+    readonly property bool split: roomy && serverCard.total > 0 ///< servers and browser stand side by side
+    readonly property bool serversShown: roomy || chosen === "" || !browsing
     property bool browsing: false ///< narrow, the browser stands in place of the servers
 
     readonly property var servers: recording.getNASServerModel()
 
-    function refresh(): void {
-        if (loading) {
-            askAgain = true;
-            return;
+    key: "nas"
+    mainList: serversShown ? serverCard.list : browser.list
+    search: serversShown ? serverCard.search : browser.search
+    help: qsTr("The NAS servers that this station can log on to. The station tests a log-on before it keeps it, encrypted. Choose "
+               + "a server to look through its shares, and use a folder there as a volume to see how full it is.")
+    keys: [
+        ConsoleKey {
+            sequence: "Return"
+            sequences: ["Enter"]
+            list: serverCard.list
+            text: qsTr("Show the shares of the server")
+            onActivated: (serverCard.list.currentItem as NasServerRow)?.opened()
+        },
+        ConsoleKey {
+            sequence: "F2"
+            list: serverCard.list
+            text: qsTr("Change the server")
+            onActivated: serverCard.edit(serverCard.list.currentItem as NasServerRow)
+        },
+        ConsoleKey {
+            sequence: "Del"
+            list: serverCard.list
+            text: qsTr("Remove the server")
+            onActivated: serverCard.remove(serverCard.list.currentItem as NasServerRow)
+        },
+        ConsoleKey {
+            sequence: StandardKey.New
+            allowed: addServer.enabled
+            text: qsTr("Add a NAS server")
+            onActivated: edits.add()
+        },
+        ConsoleKey {
+            sequence: "Return"
+            sequences: ["Enter"]
+            list: browser.list
+            text: qsTr("Open the share or folder")
+            onActivated: browser.enterCurrent()
+        },
+        ConsoleKey {
+            sequence: "Alt+Up"
+            allowed: browser.visible
+            text: qsTr("Go to the folder above")
+            onActivated: browser.goUp()
+        },
+        ConsoleKey {
+            sequence: "Backspace"
+            list: browser.list
+            text: qsTr("Go to the folder above")
+            onActivated: browser.goUp()
         }
-        if (!session.connected)
-            return;
-        askAgain = false;
-        loading = true;
-        if (!recording.getNASServers())
-            finish(qsTr("The request could not be sent."));
+    ]
+    subtitle: serverCard.total === 0 ? qsTr("Network storage that this station can record to")
+        : Units.counted(serverCard.total, qsTr("1 server"), qsTr("%1 servers"))
+    asking: edits.asking
+    followsOutcomes: true
+
+    function ask(): bool {
+        return recording.getNASServers();
+    }
+
+    function showAnswer(): void {
+        const row = NasServers.row(servers, chosen);
+        if (row >= 0) {
+            serverCard.reveal(row);
+        } else {
+            leave();
+            serverCard.list.currentIndex = Math.min(Math.max(0, serverCard.list.currentIndex), serverCard.count - 1);
+        }
     }
 
     function refreshAll(): void {
@@ -37,20 +89,9 @@ ConsolePage {
         browser.refresh();
     }
 
-    function finish(words: string): void {
-        loading = false;
-        failed = words !== "";
-        tellFailure(words);
-        settled = true;
-        const row = NasServers.row(servers, chosen);
-        if (row >= 0) {
-            serverCard.list.currentIndex = row;
-        } else {
-            leave();
-            serverCard.list.currentIndex = Math.min(Math.max(0, serverCard.list.currentIndex), serverCard.count - 1);
-        }
-        if (askAgain)
-            refresh();
+    function connectionChanged(): void {
+        if (session.connected)
+            refreshAll();
     }
 
     function open(id: string, host: string): void {
@@ -59,13 +100,17 @@ ConsolePage {
         browser.show(id, host);
     }
 
+    function showDialog(name: string): var {
+        if (name === "add")
+            edits.add();
+        return edits.dialog;
+    }
+
     function leave(): void {
         chosen = "";
         browsing = false;
         browser.close();
     }
-
-    Component.onCompleted: refresh()
 
     Connections {
         target: page.recording
@@ -74,117 +119,73 @@ ConsolePage {
             page.finish(success ? "" : page.session.refusal("GetNasServers"));
         }
     }
-    Connections {
-        target: page.session
 
-        function onConnectedChanged(): void {
-            if (page.session.connected)
-                page.refreshAll();
-        }
+    actions: ActionButton {
+        id: addServer
+
+        objectName: "addServer"
+        primary: true
+        iconName: "add"
+        text: page.width >= Theme.sized(420) ? qsTr("Add server") : ""
+        hint: qsTr("Add a NAS server (Ctrl+N)")
+        enabled: page.session.connected
+        onClicked: edits.add()
     }
-    Shortcut {
-        sequence: StandardKey.Refresh
-        enabled: page.visible && !edits.asking
-        onActivated: page.refreshAll()
-    }
-    Shortcut {
-        sequence: StandardKey.New
-        enabled: page.visible && addServer.enabled && !edits.asking
-        onActivated: edits.add()
-    }
-    Shortcut {
-        sequence: "Alt+Up"
-        enabled: page.visible && browser.visible && !edits.asking
-        onActivated: browser.goUp()
-    }
-
-    ColumnLayout {
-        anchors.fill: parent
-        spacing: Theme.large
-
-        PageHeader {
-            title: qsTr("NAS servers")
-            subtitle: serverCard.count === 0 ? qsTr("Network storage that this station can record to")
-                : serverCard.count === 1 ? qsTr("1 server") : qsTr("%1 servers").arg(serverCard.count)
-            Layout.fillWidth: true
-
-            ActionButton {
-                objectName: "refresh"
-                iconName: "refresh"
-                text: page.wide ? qsTr("Refresh") : ""
-                hint: qsTr("Ask the station again (F5)")
-                enabled: page.session.connected && !page.loading
-                onClicked: page.refreshAll()
-            }
-            ActionButton {
-                id: addServer
-
-                objectName: "addServer"
-                primary: true
-                iconName: "add"
-                text: page.width >= 420 ? qsTr("Add server") : ""
-                hint: qsTr("Add a NAS server (Ctrl+N)")
-                enabled: page.session.connected
-                onClicked: edits.add()
-            }
-        }
-        ErrorStrip {
-            objectName: "errorStrip"
-            text: page.failure
-            actionText: page.session.connected && page.failed ? qsTr("Try again") : ""
-            Layout.fillWidth: true
-            onActionTriggered: page.refresh()
-        }
-        ErrorStrip {
+    strips: [
+        DraftStrip {
+            dialog: edits.dialog
+            keptText: qsTr("What you entered is kept, but for the password.")
+        },
+        PageStrip {
+            objectName: "browserStrip"
+            text: browser.visible ? browser.problem : ""
+            actionText: page.session.connected ? qsTr("Try again") : ""
+            onActionTriggered: browser.retry()
+            onDismissed: browser.forgetProblem()
+        },
+        PageStrip {
             objectName: "notice"
             notice: true
             text: page.notice
             actionText: page.session.connected && edits.changing === "" ? qsTr("Refresh") : ""
-            Layout.fillWidth: true
             onActionTriggered: page.refreshAll()
             onDismissed: page.notice = ""
         }
-        Item {
-            id: place
+    ]
 
-            Layout.fillWidth: true
-            Layout.fillHeight: true
+    NasServerList {
+        id: serverCard
 
-            NasServerList {
-                id: serverCard
+        objectName: "servers"
+        focus: true
+        visible: page.serversShown
+        model: page.servers
+        search.keyed: !browser.visible || !browser.activeFocus
+        chosen: page.roomy ? page.chosen : ""
+        editable: page.session.connected && edits.changing === ""
+        owner: page
+        width: page.split ? Math.max(Theme.sized(264), Math.min(Theme.sized(360), Math.round(page.room.width * 0.36))) : page.room.width
+        height: page.room.height
+        onOpened: (id, host) => page.open(id, host)
+        onEditWanted: id => edits.change(id)
+        onRemoveWanted: (id, host) => edits.remove(id, host)
+    }
+    NasBrowser {
+        id: browser
 
-                objectName: "servers"
-                visible: page.serversShown
-                model: page.servers
-                chosen: page.wide ? page.chosen : ""
-                connected: page.session.connected
-                editable: connected && edits.changing === ""
-                loading: page.loading || !page.settled
-                failed: page.failed
-                width: page.split ? Math.max(264, Math.min(360, Math.round(place.width * 0.36))) : place.width
-                height: place.height
-                onOpened: (id, host) => page.open(id, host)
-                onEditWanted: id => edits.change(id)
-                onRemoveWanted: (id, host) => edits.remove(id, host)
-            }
-            NasBrowser {
-                id: browser
-
-                objectName: "browser"
-                visible: page.split || !page.serversShown
-                recording: page.recording
-                session: page.session
-                volumes: page.nasVolumes
-                alone: !page.wide
-                onBackWanted: {
-                    page.browsing = false;
-                    serverCard.list.forceActiveFocus();
-                }
-                x: page.split ? serverCard.width + Theme.large : 0
-                width: place.width - x
-                height: place.height
-            }
+        objectName: "browser"
+        visible: page.split || !page.serversShown
+        recording: page.recording
+        session: page.session
+        volumes: page.nasVolumes
+        alone: !page.roomy
+        onBackWanted: {
+            page.browsing = false;
+            serverCard.list.forceActiveFocus();
         }
+        x: page.split ? serverCard.width + Theme.large : 0
+        width: page.room.width - x
+        height: page.room.height
     }
 
     NasServerEdits {
@@ -194,7 +195,6 @@ ConsolePage {
         session: page.session
         volumes: page.nasVolumes
         onNoticed: words => page.notice = words
-        onRefused: words => page.tellFailure(words)
         onAdded: (id, host) => page.open(id, host)
         onChanged: id => {
             if (page.chosen === id)

@@ -1,87 +1,179 @@
 import QtQuick
-import QtQuick.Layouts
 import RecordingConsole
 
-/// How long the connected station's recording groups record, against the time reserved for them; the worst first.
-/// startPlace is the id of the group to begin with.
+/// How long the connected station's recording groups record, against the time reserved for them; the worst first. Below
+/// them, and in their place where the operator goes there, the recordings of no group. startPlace is the id of the group
+/// to begin with, or unassignedPlace.
 ConsolePage {
     id: page
 
-    property bool loading: false ///< figures were asked for and are still to come
     property string wantedGroup: startPlace ///< becomes the current one when it is listed
     property int patience: 3000 ///< ms that figures may be unknown until the page counts as settled
-    property var collapsed: ({}) ///< ids of the groups whose volumes are hidden
+    property bool patient: true ///< figures that the station still counts may come
+    property bool showsUnassigned: startPlace === unassignedPlace
+    property bool expanded: groups.count <= mostExpanded ///< the volumes of all groups are shown but for those in exceptions
+    property var exceptions: ({}) ///< true for the ids of groups that stand the other way
+    readonly property string expansionKey: "expansion/usage" ///< in the settings
+    readonly property int mostExpanded: 50 ///< groups whose volumes are shown to begin with
 
-    function refresh(): void {
-        if (loading || !session.connected)
-            return;
-        loading = true;
-        if (!recording.reloadStorageUsageInfo())
-            fail(qsTr("The request could not be sent."));
+    key: "usage"
+    mainList: showsUnassigned ? unassigned.list : card.list
+    search: showsUnassigned ? unassigned.search : card.search
+    help: qsTr("How long each recording group records, the worst first. Recorded are the days that are on disk, remaining those "
+               + "that still fit at the present usage a day. Where both together are less than the reserved time, the group is "
+               + "short by the difference. Recordings of no group are what removed groups and paths have left: below the groups "
+               + "stands how much that is, and it leads to a list where they can be given to a group or deleted.")
+    keys: [
+        ConsoleKey {
+            sequence: "Right"
+            list: card.list
+            text: qsTr("Show the volumes of the group")
+            onActivated: card.expandCurrent(true)
+        },
+        ConsoleKey {
+            sequence: "Left"
+            list: card.list
+            text: qsTr("Hide the volumes of the group")
+            onActivated: card.expandCurrent(false)
+        },
+        ConsoleKey {
+            sequence: "Return"
+            sequences: ["Enter", "Space"]
+            list: card.list
+            text: qsTr("Show or hide the volumes of the group")
+            onActivated: card.currentRow?.expansionAsked()
+        },
+        ConsoleKey {
+            sequence: "Return"
+            sequences: ["Enter"]
+            list: unassigned.list
+            text: qsTr("Give recordings of no group to a group")
+            onActivated: unassigned.assign(unassigned.currentRow)
+        },
+        ConsoleKey {
+            sequence: "Del"
+            list: unassigned.list
+            text: qsTr("Delete recordings of no group")
+            onActivated: unassigned.remove(unassigned.currentRow)
+        }
+    ]
+    subtitle: showsUnassigned ? unassigned.subtitle : summary()
+    settled: answered && (failed || groups.unknownCount === 0 || !patient) && (!showsUnassigned || unassigned.settled)
+    asking: unassigned.asking
+
+    function ask(): bool {
+        return recording.reloadStorageUsageInfo();
     }
 
     function showFigures(): void {
         groups.update(recording, "");
         if (card.currentIndex < 0 && card.count > 0)
             card.currentIndex = 0;
-        const row = wantedGroup === "" ? -1 : groups.rowOf(wantedGroup);
-        if (row < 0)
-            return;
-        wantedGroup = "";
-        card.currentIndex = row;
-        card.list.positionViewAtIndex(row, ListView.Contain);
+        if (wantedGroup !== "" && card.reveal(groups.rowOf(wantedGroup)))
+            wantedGroup = "";
     }
 
     function summary(): string {
         if (groups.count === 0)
             return qsTr("How long the recording groups record");
         let words = groups.count === 1 ? qsTr("1 group") : qsTr("%1 groups").arg(groups.count);
+        if (groups.lostCount > 0)
+            words += " · " + qsTr("%1 without storage").arg(groups.lostCount);
         if (groups.shortCount > 0)
-            words += " · " + (width < 480 ? qsTr("%1 short")
+            words += " · " + (width < Theme.sized(480) ? qsTr("%1 short")
                                           : qsTr("%1 short of the reserved time")).arg(groups.shortCount);
         if (groups.unknownCount > 0)
             words += " · " + qsTr("%1 unknown").arg(groups.unknownCount);
         return words;
     }
 
-    function fail(words: string): void {
-        loading = false;
-        tellFailure(words);
-        settled = true;
-    }
-
     /// Makes the group called @p place the current one, now or when it is listed.
     function goTo(place: string): void {
+        showsUnassigned = place === unassignedPlace;
+        if (showsUnassigned) {
+            takeFocus();
+            return;
+        }
         wantedGroup = place;
         showFigures();
     }
 
     function expand(groupId: string, expanded: bool): void {
-        collapsed = Object.assign({}, collapsed, { [groupId]: !expanded });
+        exceptions = Object.assign({}, exceptions, { [groupId]: expanded !== page.expanded });
+        rememberExpansion();
     }
 
-    Component.onCompleted: {
-        showFigures();
+    function expandAll(all: bool): void {
+        expanded = all;
+        exceptions = {};
+        rememberExpansion();
+    }
+
+    /// Groups that are gone are forgotten.
+    function rememberExpansion(): void {
+        const others = Object.keys(exceptions).filter(id => exceptions[id] && groups.rowOf(id) >= 0);
+        settings?.setValue(expansionKey, { expanded: expanded, others: others });
+    }
+
+    function restoreExpansion(): void {
+        const remembered = settings?.value(expansionKey, {}) ?? {};
+        if (typeof remembered.expanded !== "boolean")
+            return;
+        const others = remembered.others ?? [];
+        const found = {};
+        for (let i = 0; i < others.length; ++i)
+            found[others[i]] = true;
+        expanded = remembered.expanded;
+        exceptions = found;
+    }
+
+    function leaveUnassigned(): void {
+        showsUnassigned = false;
+        unassignedSummary.forceActiveFocus(Qt.TabFocusReason);
+    }
+
+    function refreshAll(): void {
+        refresh();
+        session.unassigned.refresh();
+    }
+
+    function connectionChanged(): void {
+        loading = false;
         refresh();
     }
 
-    GroupUsageModel { id: groups }
+    Component.onCompleted: {
+        restoreExpansion();
+        showFigures();
+        if (showsUnassigned)
+            takeFocus();
+    }
+
+    Binding {
+        target: page.session.unassigned
+        property: "watched"
+        value: page.visible
+    }
+    GroupUsageModel {
+        id: groups
+
+        storage: page.session.storage
+    }
     Timer {
         id: moreToCome // the station tells what it knows at once, and the rest when it has counted
 
         interval: page.patience
-        onTriggered: page.settled = true
+        onTriggered: page.patient = false
     }
     Connections {
         target: page.recording
 
         function onVolumeInfoChanged(): void {
+            if (page.session.storage.isElsewhere())
+                return;
             page.showFigures();
-            page.loading = false;
-            page.failure = "";
-            if (groups.unknownCount === 0)
-                page.settled = true;
-            else
+            page.finish("");
+            if (groups.unknownCount > 0)
                 moreToCome.restart();
         }
     }
@@ -90,88 +182,104 @@ ConsolePage {
 
         function onRefused(command: string): void {
             if (command === "reloadStorageUsageInfo")
-                page.fail(page.session.refusal(command));
-        }
-        function onConnectedChanged(): void {
-            page.loading = false;
-            page.refresh();
+                page.finish(page.session.refusal(command));
         }
     }
-    Shortcut {
-        sequence: StandardKey.Refresh
-        enabled: page.visible
-        onActivated: page.refresh()
+
+    actions: ActionButton {
+        objectName: "expandAll"
+        visible: groups.count > 1 && !page.showsUnassigned
+        iconName: page.expanded ? "collapseAll" : "expandAll"
+        hint: page.expanded ? qsTr("Hide the volumes of all groups") : qsTr("Show the volumes of all groups")
+        onClicked: page.expandAll(!page.expanded)
     }
 
-    ColumnLayout {
-        anchors.fill: parent
-        spacing: Theme.large
-
-        PageHeader {
-            title: qsTr("Usage")
-            subtitle: page.summary()
-            Layout.fillWidth: true
-
-            ActionButton {
-                objectName: "refresh"
-                iconName: "refresh"
-                text: page.width >= 420 ? qsTr("Refresh") : ""
-                hint: qsTr("Ask the station again (F5)")
-                enabled: page.session.connected && !page.loading
-                onClicked: page.refresh()
-            }
-        }
-        ErrorStrip {
-            objectName: "errorStrip"
-            text: page.failure
+    strips: [
+        PageStrip {
+            objectName: "unassignedStrip"
+            text: page.showsUnassigned ? unassigned.problem : ""
             actionText: page.session.connected ? qsTr("Try again") : ""
-            Layout.fillWidth: true
-            onActionTriggered: page.refresh()
+            onActionTriggered: unassigned.recordings.refresh()
+        },
+        PageStrip {
+            objectName: "outcomeStrip"
+            text: page.showsUnassigned ? unassigned.outcome : ""
+            actionText: unassigned.recordings.deletion.left.length > 0 ? qsTr("Show") : ""
+            notice: unassigned.recordings.deletion.outcome === RecordingsDeletion.Done
+                    || unassigned.recordings.deletion.outcome === RecordingsDeletion.Cancelled
+            onActionTriggered: unassigned.showDeletion()
+            onDismissed: unassigned.recordings.deletion.forget()
+        },
+        PageStrip {
+            objectName: "givenStrip"
+            text: page.showsUnassigned ? unassigned.givenText : ""
+            notice: true
+            onDismissed: unassigned.givenText = ""
         }
-        Item {
-            Layout.fillWidth: true
-            Layout.fillHeight: true
+    ]
 
-            ListCard {
-                id: card
+    ListCard {
+        id: card
 
-                readonly property GroupUsageRow currentRow: list.currentItem as GroupUsageRow
+        readonly property real space: page.room.height - unassignedSummary.height - Theme.large
+        readonly property GroupUsageRow currentRow: list.currentItem as GroupUsageRow
 
-                function expandCurrent(expanded: bool): void {
-                    if (currentRow)
-                        page.expand(currentRow.groupId, expanded);
-                }
-
-                objectName: "groups"
-                width: parent.width
-                height: count > 0 ? Math.min(parent.height, list.contentHeight + 2) : parent.height
-                focus: true
-                model: groups
-                list.Accessible.name: qsTr("Recording groups, the worst first")
-                list.Keys.onLeftPressed: expandCurrent(false)
-                list.Keys.onRightPressed: expandCurrent(true)
-                list.Keys.onReturnPressed: currentRow?.expansionAsked()
-                list.Keys.onEnterPressed: currentRow?.expansionAsked()
-                delegate: GroupUsageRow {
-                    width: ListView.view?.width ?? 0
-                    expanded: !page.collapsed[groupId]
-                    onExpansionAsked: page.expand(groupId, !expanded)
-                }
-
-                Placeholder {
-                    objectName: "placeholder"
-                    anchors.centerIn: parent
-                    width: Math.min(420, parent.width - 2 * Theme.huge)
-                    visible: card.count === 0
-                    busy: page.session.connected && (page.loading || !page.settled)
-                    iconName: "gauge"
-                    title: !page.session.connected ? qsTr("No connection to the station")
-                        : busy ? qsTr("Asking the station for its figures…")
-                        : page.failure !== "" ? qsTr("The usage could not be shown") : qsTr("No recording groups")
-                    text: busy ? "" : !page.session.connected ? qsTr("The figures appear as soon as it is there.")
-                        : page.failure !== "" ? "" : qsTr("Usage is told for each recording group of the station.")
-                }
-            }
+        function expandCurrent(expanded: bool): void {
+            if (currentRow)
+                page.expand(currentRow.groupId, expanded);
         }
+
+        objectName: "groups"
+        settings: page.settings
+        settingsKey: "usage"
+        visible: !page.showsUnassigned
+        width: page.room.width
+        height: count > 0 ? Math.min(space, fullHeight) : space
+        focus: true
+        model: groups
+        nameRole: "name"
+        orders: [
+            { text: qsTr("Worst first"), role: "" },
+            { text: qsTr("Name"), role: "name" },
+            { text: qsTr("Fewest days"), role: "recordedDays" },
+            { text: qsTr("Most a day"), role: "oneDayUsage", descending: true }
+        ]
+        search.hint: qsTr("Search groups")
+        list.Accessible.name: qsTr("Recording groups, the worst first")
+        delegate: GroupUsageRow {
+            width: ListView.view?.width ?? 0
+            expanded: page.expanded !== (page.exceptions[groupId] ?? false)
+            onExpansionAsked: page.expand(groupId, !expanded)
+        }
+
+        PagePlaceholder {
+            objectName: "placeholder"
+            owner: page
+            visible: card.total === 0
+            askingTitle: qsTr("Asking the station for its figures…")
+            failedTitle: qsTr("The usage could not be shown")
+            emptyTitle: qsTr("No recording groups")
+            emptyText: qsTr("Usage is told for each recording group of the station.")
+            awaitedText: qsTr("The figures appear as soon as it is there.")
+        }
+    }
+    UnassignedSummary {
+        id: unassignedSummary
+
+        objectName: "unassignedSummary"
+        visible: !page.showsUnassigned
+        y: card.height + Theme.large
+        width: page.room.width
+        session: page.session
+        onClicked: page.goTo(page.unassignedPlace)
+    }
+    UnassignedList {
+        id: unassigned
+
+        objectName: "unassignedList"
+        visible: page.showsUnassigned
+        anchors.fill: parent
+        session: page.session
+        onBackWanted: page.leaveUnassigned()
     }
 }

@@ -45,7 +45,32 @@ PageTest {
         answer([north, cars, ramp]);
         tryVerify(() => findChild(page, "group:Ramp") !== null);
         server.takeRequests();
+        page.select("{north}");
         part("groups").tree.forceActiveFocus();
+    }
+
+    /// Adds cameras through the editor's picker; their rows are there then.
+    function pick(editor, names): void {
+        press(field(editor, "addCamera"));
+        const picker = field(editor, "cameraPicker");
+        tryVerify(() => picker.opened);
+        const list = field(picker, "cameraChoices");
+        for (const name of names) {
+            enter(field(picker, "searchField"), name);
+            keyClick(Qt.Key_Down);
+            verify(list.activeFocus);
+            list.currentIndex = Array.from({ length: list.count }, (value, row) => row)
+                .find(row => list.model.nameOf(row) === name);
+            keyClick(Qt.Key_Space);
+        }
+        keyClick(Qt.Key_Return);
+        tryVerify(() => !picker.visible);
+    }
+
+    function memberRow(editor, row) {
+        const list = field(editor, "members");
+        tryVerify(() => list.itemAtIndex(row) !== null);
+        return list.itemAtIndex(row);
     }
 
     function opened(name) {

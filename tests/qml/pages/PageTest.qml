@@ -1,5 +1,6 @@
 import QtQuick
 import QtTest
+import RecordingConsole
 
 /// What the tests of all pages share.
 TestCase {
@@ -38,6 +39,12 @@ TestCase {
         const found = findChild(page, name);
         verify(found, name);
         return found;
+    }
+
+    /// With the mouse, once the page's layouts have settled.
+    function click(name): void {
+        tryVerify(() => !isUnsettled(page));
+        mouseClick(part(name));
     }
 
     function text(owner, name): string {
@@ -116,6 +123,27 @@ TestCase {
             waitForRendering(page);
             checkGeometry(page);
         }
+    }
+
+    /// The page in a window that takes other sizes at once, and back, as by a double click on its title.
+    function jumpBetweenWidths(): void {
+        for (const width of [716, 1000, 1836, 716, 1000, 1836, 1000]) {
+            Theme.scheme = Theme.scheme === Theme.alwaysLight ? Theme.alwaysDark : Theme.alwaysLight;
+            page.width = width;
+            page.height = width * 0.6;
+            waitForRendering(page);
+            checkGeometry(page);
+            checkMarks(page);
+        }
+        Theme.scheme = Theme.followDesktop;
+    }
+
+    /// Rows of marks end where their rows do.
+    function checkMarks(item): void {
+        if (item.visible && item.marks !== undefined && item instanceof Row)
+            fuzzyCompare(item.x + item.width, item.parent.width, 0.5, item.parent + " at " + page.width);
+        for (let i = 0; i < item.children.length; ++i)
+            checkMarks(item.children[i]);
     }
 
     function collectTexts(item, texts) {

@@ -19,6 +19,21 @@ PageTest {
         waitForRendering(page);
     }
 
+    function test_listsAgainWhatSomebodyElseReplaced(): void {
+        open("FoldersPage", { startPlace: "/srv" });
+        answer("/srv", ["a"]);
+        server.takeSent();
+        page.visible = false;
+        server.recording.getServerDir("/var");
+        answer("/var", ["log"]);
+        compare(server.takeSent(), ["getServerDir /var"]);
+        page.visible = true;
+        compare(server.takeSent(), ["getServerDir /srv"]);
+        answer("/srv", ["a"]);
+        compare(page.folder, "/srv");
+        compare(page.failure, "");
+    }
+
     function test_beginsWithTheVolumes(): void {
         open("FoldersPage", {});
         compare(server.takeSent(), ["getServerDir"]);
@@ -152,6 +167,36 @@ PageTest {
         compare(server.takeSent(), ["getServerDir /srv"]);
         answer("/srv", ["audio", "cam"]);
         compare(part("folders").currentIndex, 1, "the new folder is the current one");
+    }
+
+    function test_aFolderThatTakesLongCanBeLeft_data() {
+        return [{ tag: "0", words: "New folder “x”: done." },
+                { tag: "VolumeFull", words: "New folder “x”: This volume is full." }];
+    }
+    function test_aFolderThatTakesLongCanBeLeft(row): void {
+        openAt("/", ["srv"]);
+        mouseClick(part("newFolder"));
+        const dialog = findChild(page, "newFolderDialog");
+        keyClick("x");
+        keyClick(Qt.Key_Return);
+        server.takeSent();
+        keyClick(Qt.Key_Escape);
+        tryVerify(() => !dialog.visible);
+        server.reply("createDirectory", undefined, row.tag);
+        verify(!dialog.visible);
+        compare(server.session.lateOutcomes, [row.words]);
+        compare(server.takeSent(), row.tag === "0" ? ["getServerDir /"] : []);
+        compare(part("draftStrip").visible, row.tag !== "0");
+        if (row.tag === "0")
+            return;
+        tryVerify(() => !isUnsettled(page));
+        mouseClick(findChild(part("draftStrip"), "errorAction"));
+        tryVerify(() => dialog.opened);
+        compare(dialog.name, "x");
+        compare(dialog.message, "This volume is full.");
+        keyClick("y");
+        keyClick(Qt.Key_Return);
+        compare(server.takeSent(), ["createDirectory /y"]);
     }
 
     function test_refusedNameStaysAtTheField(): void {

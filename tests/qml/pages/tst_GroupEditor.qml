@@ -15,14 +15,14 @@ GroupsTest {
         enter(field(editor, "timeAmount"), "36");
         choose(field(editor, "timeUnit"), 1);
         const path = field(editor, "pathRow:0");
-        compare(field(path, "path").text, "/srv/video", "the first volume stands there to begin with");
         enter(field(path, "path"), "/srv/east");
         enter(field(path, "reserve"), "3000000");
         press(field(path, "recovery"));
         choose(field(path, "kind"), 1);
-        press(field(editor, "addCamera"));
-        const member = field(editor, "memberRow:0");
-        choose(field(member, "camera"), 2);
+        pick(editor, ["Yard"]);
+        const member = memberRow(editor, 0);
+        compare(field(member, "camera").text, "Yard");
+        verify(field(member, "stream").activeFocus, "the new row has the focus");
         choose(field(member, "stream"), 2);
         press(field(member, "timeShift"));
         enter(field(editor, "groupNameField"), "East");
@@ -36,7 +36,6 @@ GroupsTest {
         });
         verify(editor.busy);
         keyClick(Qt.Key_Return);
-        keyClick(Qt.Key_Escape);
         editor.submit();
         compare(server.takeRequests(), [], "one request is under way");
         verify(editor.visible);
@@ -46,6 +45,117 @@ GroupsTest {
         compare(server.takeRequests(), ["getVolume ", askTree]);
         answer([north, cars]);
         compare(page.selectedId, "{cars}", "the new group is selected");
+    }
+
+    function test_aWaitCanBeLeft_data() {
+        return [
+            { tag: "done", code: "0", words: "Edit North gate: done.", failed: false },
+            { tag: "refused", code: "DatabaseFull", failed: true,
+              words: "Edit North gate: The disk of the station's data is full: nothing can be changed." },
+            { tag: "refused in its elements", code: "RecordingGroupNameInUse", failed: true,
+              data: { errorAction: [{ element: "recordingGroupName", returnCode: "RecordingGroupNameInUse" }] },
+              words: "Edit North gate: Another recording group has this name." }
+        ];
+    }
+    function test_aWaitCanBeLeft(row): void {
+        openFilled({});
+        keyClick(Qt.Key_Return);
+        const editor = opened("groupEditor");
+        editor.footer.tick = 1;
+        enter(field(editor, "groupNameField"), "South");
+        const cancel = findChild(editor.footer, "cancel");
+        compare(cancel.text, "Cancel");
+        press(findChild(editor.footer, "accept"));
+        compare(cancel.text, "Leave");
+        tryVerify(() => /^[0-9]+ s so far$/.test(findChild(editor.footer, "waited").text));
+        request();
+        keyClick(Qt.Key_Escape);
+        tryVerify(() => !editor.visible);
+        verify(findChild(page, "discardDialog") === null || !findChild(page, "discardDialog").visible);
+        compare(server.session.lateOutcomes, []);
+
+        part("groups").tree.forceActiveFocus();
+        keyClick(Qt.Key_Return);
+        opened("groupEditor");
+        compare(field(editor, "groupNameField").text, "South", "what is under way is shown again");
+        verify(editor.busy);
+        press(cancel);
+        tryVerify(() => !editor.visible);
+
+        server.reply("updateRecordingGroup", row.data ?? {}, row.code);
+        verify(!editor.visible);
+        compare(server.session.lateOutcomes, [row.words]);
+        compare(server.session.lateFailure, row.failed);
+        server.session.forgetLateOutcomes();
+        if (!row.failed)
+            answer([north, cars, ramp]);
+        keyClick(Qt.Key_Return);
+        opened("groupEditor");
+        verify(!editor.busy);
+        compare(field(editor, "groupNameField").text, "North gate");
+        compare(findChild(editor.footer, "waited").text, "");
+    }
+
+    /// What was entered outlasts its refusal and the edit of another group.
+    function test_whatWasLeftAndRefusedIsOfferedAgain(): void {
+        openFilled({});
+        verify(!part("draftStrip").visible);
+        keyClick(Qt.Key_Return);
+        const editor = opened("groupEditor");
+        enter(field(editor, "groupNameField"), "South");
+        enter(field(field(editor, "pathRow:0"), "reserve"), "7");
+        pick(editor, ["Roof"]);
+        press(findChild(editor.footer, "accept"));
+        const sent = request().data;
+        keyClick(Qt.Key_Escape);
+        tryVerify(() => !editor.visible);
+        server.reply("updateRecordingGroup", {}, "DatabaseFull");
+        tryVerify(() => part("draftStrip").visible);
+        compare(part("draftStrip").text, "Edit North gate: The disk of the station's data is full: nothing can be changed. "
+                + "What you entered is kept.");
+
+        page.select("{cars}");
+        page.edit();
+        opened("groupEditor");
+        compare(field(editor, "groupNameField").text, "Car park");
+        verify(!editor.dirty);
+        press(findChild(editor.footer, "cancel"));
+        tryVerify(() => !editor.visible);
+        verify(part("draftStrip").visible);
+
+        press(findChild(part("draftStrip"), "errorAction"));
+        opened("groupEditor");
+        verify(!part("draftStrip").visible);
+        compare(editor.title, "Edit North gate");
+        compare(field(editor, "groupNameField").text, "South");
+        compare(field(field(editor, "pathRow:0"), "reserve").text, "7");
+        verify(editor.dirty, "none of it is saved");
+        compare(field(editor, "editorStrip").text, "The disk of the station's data is full: nothing can be changed.");
+        press(findChild(editor.footer, "accept"));
+        compare(request().data, sent, "the same as before");
+        server.reply("updateRecordingGroup", {}, "0");
+        tryVerify(() => !editor.visible);
+        answer([north, cars, ramp]);
+        verify(!part("draftStrip").visible);
+    }
+
+    function test_aDraftCanBeForgotten(): void {
+        openFilled({});
+        keyClick("n", Qt.ControlModifier);
+        const editor = opened("groupEditor");
+        enter(field(editor, "groupNameField"), "East");
+        enter(field(field(editor, "pathRow:0"), "path"), "/srv/east");
+        press(findChild(editor.footer, "accept"));
+        request();
+        keyClick(Qt.Key_Escape);
+        server.reply("addRecordingGroupWithCompleteInfo", {}, "DatabaseFull");
+        tryVerify(() => part("draftStrip").visible);
+        press(findChild(part("draftStrip"), "errorClose"));
+        verify(!part("draftStrip").visible);
+        compare(editor.drafts, []);
+        page.add();
+        opened("groupEditor");
+        compare(field(editor, "groupNameField").text, "");
     }
 
     function test_changesOnlyWhatDiffers(): void {
@@ -65,12 +175,11 @@ GroupsTest {
         press(field(editor, "timeApplies"));
         press(field(field(editor, "pathRow:1"), "recovery"));
         enter(field(field(editor, "pathRow:0"), "path"), "/srv/n");
-        press(field(field(editor, "memberRow:0"), "seamless"));
-        press(field(field(editor, "memberRow:1"), "removeRow"));
-        tryVerify(() => findChild(editor.contentItem, "memberRow:1") === null);
-        press(field(editor, "addCamera"));
-        tryVerify(() => findChild(editor.contentItem, "memberRow:1") !== null);
-        compare(field(field(editor, "memberRow:1"), "camera").displayText, "Roof", "the next one that is free");
+        press(field(memberRow(editor, 0), "seamless"));
+        press(field(memberRow(editor, 1), "removeRow"));
+        tryCompare(field(editor, "members"), "count", 1);
+        pick(editor, ["Roof"]);
+        compare(field(memberRow(editor, 1), "camera").text, "Roof");
         enter(field(editor, "groupNameField"), "North");
         press(findChild(editor.footer, "accept"));
         const sent = request();
@@ -100,7 +209,7 @@ GroupsTest {
         tryVerify(() => findChild(editor.contentItem, "pathRow:2") !== null);
         enter(field(field(editor, "pathRow:2"), "path"), "/srv/x");
         enter(field(field(editor, "pathRow:0"), "reserve"), "9999");
-        choose(field(field(editor, "memberRow:1"), "stream"), 2);
+        choose(field(memberRow(editor, 1), "stream"), 2);
         press(findChild(editor.footer, "accept"));
         compare(request().data.updateSetPathList, [{ path: "/srv/video/north", reserveSpace: 10238976 }]);
         server.reply("updateRecordingGroup", [
@@ -124,7 +233,7 @@ GroupsTest {
         const first = field(editor, "pathRow:0");
         verify(field(first, "reserve").mistaken && !field(first, "path").mistaken, "the reserve is what was refused");
         compare(field(field(editor, "pathRow:1"), "rowMessage").text, "");
-        compare(field(field(editor, "memberRow:1"), "rowMessage").text, "This camera has no such stream.");
+        compare(field(memberRow(editor, 1), "rowMessage").text, "This camera has no such stream.");
         compare(field(editor, "editorStrip").text,
                 "Yard: The group does not record this camera.\nThere is no such recording group any more.");
         compare(field(editor, "groupNameField").text, "Ramp", "nothing that was entered is lost");
@@ -137,14 +246,13 @@ GroupsTest {
         compare(field(editor, "editorStrip").visible, false);
         server.reply("updateRecordingGroup", [], "LinkDown");
         compare(field(editor, "editorStrip").text, "There is no connection to the station.");
-        keyClick(Qt.Key_Escape);
-        tryVerify(() => !editor.visible);
     }
 
     function test_refusedAddKeepsTheInput(): void {
         openFilled({});
         mouseClick(part("newGroup"));
         const editor = opened("groupEditor");
+        enter(field(field(editor, "pathRow:0"), "path"), "/srv/video");
         enter(field(editor, "groupNameField"), "East");
         keyClick(Qt.Key_Return);
         compare(request().command, "addRecordingGroupWithCompleteInfo");
@@ -163,6 +271,7 @@ GroupsTest {
         openFilled({});
         mouseClick(part("newGroup"));
         const editor = opened("groupEditor");
+        enter(field(field(editor, "pathRow:0"), "path"), "/srv/x");
         enter(field(editor, "groupNameField"), " ");
         press(field(editor, "timeApplies"));
         enter(field(editor, "timeAmount"), "0");
@@ -210,16 +319,24 @@ GroupsTest {
         compare(kind.displayText, "NAS", "and back again");
     }
 
-    function test_pathFromTheVolumes(): void {
+    function test_pathFromTheFolders(): void {
         openFilled({});
+        server.setStorage([
+            { volumePath: "/", volumeName: "System", volumeIsSystem: true, kind: "local", state: "there",
+              size: 100 * gigabyte, free: 90 * gigabyte, groups: [] },
+            { volumePath: "/srv/video", volumeName: "Recordings", kind: "local", state: "there", size: 100 * gigabyte,
+              free: 2048, groups: [] }]);
         mouseClick(part("newGroup"));
         const editor = opened("groupEditor");
+        server.answerStation({ returnCode: "0", errors: [] });
         const path = field(field(editor, "pathRow:0"), "path");
+        compare(path.text, "/srv/video");
         path.forceActiveFocus();
         keyClick(Qt.Key_Down);
-        const list = findChild(path, "volumeList");
+        const list = findChild(path, "folderList");
         tryVerify(() => list.opened);
-        keyClick(Qt.Key_Down);
+        compare(list.list.count, 1, "the group has the other one");
+        compare(list.list.currentItem.words, "90.00 MB free · system volume");
         keyClick(Qt.Key_Return);
         tryVerify(() => !list.visible);
         compare(path.text, "/");
@@ -230,21 +347,17 @@ GroupsTest {
         mouseClick(part("group:Ramp"));
         mouseClick(part("edit"));
         const editor = opened("groupEditor");
-        press(field(editor, "addCamera"));
-        tryVerify(() => findChild(editor.contentItem, "memberRow:0") !== null);
-        const member = field(editor, "memberRow:0");
-        compare(field(member, "camera").displayText, "Gate");
-        compare(field(member, "elsewhere").text,
+        pick(editor, ["Gate", "Roof", "Yard"]);
+        compare(memberRow(editor, 0).camName, "Roof", "in the order of the picker");
+        compare(field(memberRow(editor, 0), "elsewhere").text, "");
+        compare(field(memberRow(editor, 1), "elsewhere").text,
                 "Another group records stream 0 of this camera with time shift or seamless already.");
-        choose(field(member, "camera"), 1);
-        compare(field(member, "elsewhere").text, "");
-        choose(field(member, "camera"), 2);
-        verify(field(member, "elsewhere").text.includes("stream 1 "));
+        verify(field(memberRow(editor, 2), "elsewhere").text.includes("stream 1 "));
         editor.close();
         mouseClick(part("group:North gate"));
         mouseClick(part("edit"));
         opened("groupEditor");
-        compare(field(field(editor, "memberRow:0"), "elsewhere").text, "", "its own streams do not count");
+        compare(field(memberRow(editor, 0), "elsewhere").text, "", "its own streams do not count");
     }
 
     function test_camerasAreAskedFor(): void {
@@ -253,12 +366,126 @@ GroupsTest {
         mouseClick(part("edit"));
         const editor = opened("groupEditor");
         verify(field(editor, "noCameras").visible && !field(editor, "addCamera").enabled);
-        compare(field(field(editor, "memberRow:1"), "camera").displayText, "Yard", "a camera that nobody names stays");
+        compare(field(memberRow(editor, 1), "camera").text, "Yard", "a camera that nobody names stays");
         const asked = server.camerasAsked;
         server.setCameras(cameras);
         verify(field(editor, "addCamera").enabled);
         editor.close();
         mouseClick(part("edit"));
         compare(server.camerasAsked, asked + 1);
+    }
+
+    function test_pickerNamesTheGroups(): void {
+        openFilled({});
+        mouseClick(part("edit"));
+        const editor = opened("groupEditor");
+        press(field(editor, "addCamera"));
+        const picker = field(editor, "cameraPicker");
+        tryVerify(() => picker.opened);
+        const list = field(picker, "cameraChoices");
+        compare(list.count, 3);
+        tryVerify(() => list.itemAtIndex(1) !== null);
+        const first = list.itemAtIndex(0);
+        compare(first.camName, "Roof", "what nobody records comes first");
+        compare(field(first, "groups").text, "Not recorded");
+        compare(list.itemAtIndex(1).camName, "Gate");
+        compare(field(list.itemAtIndex(1), "groups").text, "North gate");
+        verify(list.itemAtIndex(1).enabled, "its other stream is free");
+        press(field(picker, "onlyUnrecorded"));
+        compare(list.count, 1);
+        press(field(picker, "chooseShown"));
+        compare(picker.chosenCount, 1);
+        press(field(picker, "onlyUnrecorded"));
+        compare(list.count, 3);
+        tryVerify(() => list.itemAtIndex(2) !== null);
+        mouseClick(list.itemAtIndex(2));
+        compare(Object.keys(picker.chosen), ["Roof", "Yard"], "what was chosen before stays so");
+        mouseClick(list.itemAtIndex(2));
+        mouseClick(list.itemAtIndex(1));
+        compare(findChild(picker.footer, "accept").text, "Add 2 cameras");
+        enter(field(picker, "searchField"), "vault");
+        compare(list.count, 0);
+        compare(field(picker, "pickerNote").text, "None of 3 cameras contains “vault”.");
+        mouseClick(findChild(picker.footer, "accept"));
+        tryVerify(() => !picker.visible);
+        compare(memberRow(editor, 2).camName, "Roof");
+        compare(memberRow(editor, 3).camName, "Gate");
+        compare(memberRow(editor, 3).streamIndex, 1, "stream 0 is in the group");
+    }
+
+    function test_pickerKnowsWhatIsTaken(): void {
+        openFilled({});
+        mouseClick(part("edit"));
+        const editor = opened("groupEditor");
+        pick(editor, ["Roof"]);
+        press(field(editor, "addCamera"));
+        const picker = field(editor, "cameraPicker");
+        tryVerify(() => picker.opened);
+        const list = field(picker, "cameraChoices");
+        tryVerify(() => list.itemAtIndex(0) !== null);
+        verify(!list.itemAtIndex(0).enabled, "each of its streams is in the group");
+        list.forceActiveFocus();
+        keyClick(Qt.Key_Space);
+        compare(picker.chosenCount, 0);
+        verify(!findChild(picker.footer, "accept").enabled);
+        keyClick(Qt.Key_Return);
+        verify(picker.visible, "nothing is chosen");
+        keyClick("a", Qt.ControlModifier);
+        compare(Object.keys(picker.chosen), ["Gate", "Yard"]);
+        keyClick(Qt.Key_Escape);
+        tryVerify(() => !picker.visible);
+        compare(field(editor, "members").count, 3, "nothing was added");
+        verify(editor.visible);
+    }
+
+    /// A group with a thousand members takes no more rows than the list shows.
+    function test_rowsAreMadeForWhatIsSeen(): void {
+        openFilled({});
+        const many = Array.from({ length: 1000 }, (value, index) => ({ camName: "Camera " + index, streams: 2 }));
+        server.setCameras(many);
+        const big = Object.assign({}, north, {
+            recordingGroupMemberList: many.map(camera => ({ camName: camera.camName, streamIndex: 0,
+                                                           enableTimeShift: false, enableSeamless: false }))
+        });
+        page.refresh();
+        answer([big]);
+        server.setCameras(many);
+        server.takeRequests();
+        compare(page.selected.members.length, 1000);
+        page.edit();
+        const editor = opened("groupEditor");
+        const list = field(editor, "members");
+        compare(list.count, 1000);
+        waitForRendering(editor.contentItem);
+        verify(rowsMade(list) <= 12, rowsMade(list) + " rows");
+        list.positionViewAtEnd();
+        tryVerify(() => list.itemAtIndex(999) !== null);
+        compare(list.itemAtIndex(999).camName, "Camera 999");
+        press(field(editor, "addCamera"));
+        const picker = field(editor, "cameraPicker");
+        tryVerify(() => picker.opened);
+        const choices = field(picker, "cameraChoices");
+        compare(choices.count, 1000);
+        tryVerify(() => choices.itemAtIndex(9) !== null);
+        verify(rowsMade(choices) <= 30, rowsMade(choices) + " rows");
+        compare(choices.itemAtIndex(9).camName, "Camera 9", "not Camera 107");
+        keyClick(Qt.Key_Escape);
+        tryVerify(() => !picker.visible);
+        list.positionViewAtEnd();
+        const last = list.itemAtIndex(999);
+        press(field(last, "seamless"));
+        compare(editor.visible, true);
+        press(findChild(editor.footer, "accept"));
+        const data = request().data;
+        compare(data.updateAddCameraList,
+                [{ camName: "Camera 999", streamIndex: 0, enableTimeShift: false, enableSeamless: true }]);
+        compare(data.updateRmCameraList, [{ camName: "Camera 999", streamIndex: 0 }]);
+    }
+
+    function rowsMade(list): int {
+        let made = 0;
+        for (let i = 0; i < list.contentItem.children.length; ++i)
+            made += list.contentItem.children[i].camName === undefined ? 0 : 1;
+        return made;
     }
 }

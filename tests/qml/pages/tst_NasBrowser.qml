@@ -116,7 +116,7 @@ NasTest {
         server.replyToNewest("GetNasDir", {}, "GetNasDirFailed");
         verify(!part("browserStrip").visible, "the refusal may be of either");
         answerFolders("//nas1/video/north", ["of-north"]);
-        compare(part("browserStrip").text, "//nas1/video/south: The NAS server could not list this folder.");
+        compare(part("browserStrip").text, "//nas1/video/south: There is no such folder on the NAS server, or this user may not see it.");
         compare(sent("GetNasDir").basePath, "//nas1/video", "the model lists another folder");
     }
 
@@ -136,7 +136,7 @@ NasTest {
 
     function test_refusalKeepsTheFolderAndCanBeTriedAgain_data() {
         return [
-            { tag: "GetNasDirFailed", words: "The NAS server could not list this folder." },
+            { tag: "GetNasDirFailed", words: "There is no such folder on the NAS server, or this user may not see it." },
             { tag: "LogonNASServerFaled", words: "The NAS server refused this user name and password." },
             { tag: "NoAnswer", words: "The station did not answer in time." }
         ];
@@ -203,20 +203,30 @@ NasTest {
         openVideo(["north"]);
         compare(text(part("capacity"), "figures"), "Asking for the capacity…");
         answerCapacity(1000 * gigabyte, 400 * gigabyte);
-        compare(text(part("capacity"), "figures"), "600.00 GB free of 1000.00 GB");
-        compare(text(part("capacity"), "percent"), "40 %");
-        fuzzyCompare(findChild(part("capacity"), "bar").share, 0.4, 0.0001);
+        const words = "600.00 GB free of 1000.00 GB · 60 %";
+        compare(text(part("capacity"), "figures"), words);
+        compare(findChild(part("capacity"), "bar").parts.map(part => part.kind + " " + part.bytes / gigabyte / 1024),
+                ["unknown 400", "free 600"]);
         clickPart("folder:north");
         answerFolders("//nas1/video/north", []);
-        compare(text(part("capacity"), "percent"), "40 %", "the same share");
+        compare(text(part("capacity"), "figures"), words, "the same share");
         server.takeSent();
         server.reply("GetNasCapacity", {}, "GetNasCapacityFailed");
-        compare(text(part("capacity"), "figures"), "The NAS server did not tell the capacity.");
+        compare(text(part("capacity"), "figures"), "The NAS server does not tell how much this folder holds.");
         clickPart("capacityAgain");
         compare(sent("GetNasCapacity"), nasRequest("//nas1/video/north", 0));
         answerCapacity(5e12, 4.9e12);
-        compare(text(part("capacity"), "figures"), "93.13 TB free of 4656.61 TB", "more than 32 bits");
-        verify(findChild(part("capacity"), "bar").low);
+        compare(text(part("capacity"), "figures"), "93.13 TB free of 4656.61 TB · 2 %", "more than 32 bits");
+    }
+
+    function test_aShareIsShownAsTheStationTellsIt(): void {
+        openVideo([]);
+        server.setStorage([{ volumePath: "//nas1/video", volumeName: "//nas1/video", kind: "NAS", state: "there",
+                             size: 1000, free: 250, groups: [{ recordingGroupID: "a", recordingGroupName: "North",
+                             paths: ["//nas1/video/rec"], recordedBytes: 700 }], otherBytes: 50 }]);
+        compare(text(part("capacity"), "figures"), "250 bytes free of 1000 bytes · 25 %");
+        compare(findChild(part("capacity"), "bar").parts.map(part => part.kind + " " + part.bytes),
+                ["group 700", "other 50", "free 250"]);
     }
 
     function test_capacitiesAreAskedForOneAfterTheOther(): void {
@@ -230,7 +240,7 @@ NasTest {
         compare(text(part("capacity"), "figures"), "Asking for the capacity…", "that was the folder above");
         compare(sent("GetNasCapacity").basePath, "//nas1/video/north/deep", "the one between is of no use any more");
         answerCapacity(100, 50);
-        compare(text(part("capacity"), "percent"), "50 %");
+        verify(text(part("capacity"), "figures").endsWith("· 50 %"));
     }
 
     function test_useAsVolume(): void {
@@ -259,8 +269,8 @@ NasTest {
         answerCapacity(1000, 400);
         clickPart("useAsVolume");
         server.reply("GetNasCapacity", {}, "GetNasCapacityFailed");
-        compare(part("volumeRefusal").text, "Not among the volumes: The NAS server did not tell the capacity.");
-        compare(text(part("capacity"), "percent"), "40 %", "what is known stays in view");
+        compare(part("volumeRefusal").text, "Not among the volumes: The NAS server does not tell how much this folder holds.");
+        verify(text(part("capacity"), "figures").endsWith("· 60 %"), "what is known stays in view");
         server.takeSent();
         clickPart("useAsVolume");
         compare(sent("GetNasCapacity").basePath, "//nas1/video");

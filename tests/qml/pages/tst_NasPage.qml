@@ -66,7 +66,7 @@ NasTest {
         keyClick(Qt.Key_F5);
         compare(server.takeSent(), ["GetNasServers", "GetNasDir"]);
         answerServers(servers.slice().reverse());
-        compare(part("servers").currentIndex, 0);
+        compare(part("servers").currentIndex, 1, "by name, whatever the station's order");
         compare(page.chosen, "{2}");
         keyClick(Qt.Key_F5);
         answerServers([servers[0]]);
@@ -95,7 +95,6 @@ NasTest {
         keyClick(Qt.Key_Tab);
         keyClick(Qt.Key_Return);
         compare(sent("RemoveNASServer"), { id: "{2}", relayPath: "" });
-        keyClick(Qt.Key_Escape);
         verify(dialog.visible, "the station is at it");
         server.reply("RemoveNASServer", undefined, "DatabaseFailed");
         verify(dialog.visible);
@@ -246,5 +245,21 @@ NasTest {
         }
         Theme.scheme = Theme.followDesktop;
         compare(grounds, ["#ffffff", "#1b222a"]);
+    }
+
+    function test_asksAgainAfterALateOutcome(): void {
+        openWith(servers, {});
+        server.takeSent();
+        server.tellLateOutcome("AddNasServer", "nas3", "0");
+        compare(server.takeSent(), ["GetNasServers"], "it may have a server more");
+        answerServers(servers);
+        server.session.forgetLateOutcomes();
+        compare(server.takeSent(), [], "nothing has happened");
+        page.visible = false;
+        server.tellLateOutcome("UpdateNASServer", "nas1", "0");
+        server.tellLateOutcome("RemoveNASServer", "nas2", "0");
+        compare(server.takeSent(), [], "nobody looks at it");
+        page.visible = true;
+        compare(server.takeSent(), ["GetNasServers"]);
     }
 }

@@ -75,15 +75,15 @@ NasTest {
             { tag: "LogonNASServerFaled", field: "passwordMessage", focus: "passwordInput",
               words: "The NAS server refused this user name and password." },
             { tag: "NASServerExist", field: "hostMessage", focus: "hostInput",
-              words: "This NAS server is registered with this user already." },
+              words: "This user of the host is registered already." },
             { tag: "GetNasDirFailed", field: "hostMessage", focus: "hostInput",
               words: "This NAS server could not list its shares." },
             { tag: "GetNasCapacityFailed", field: "generalMessage", focus: "hostInput",
-              words: "The NAS server did not tell the capacity." },
+              words: "The NAS server does not tell how much this folder holds." },
             { tag: "NasServerNotResponding", field: "hostMessage", focus: "hostInput", words: "" },
             { tag: "NasHostRefused", field: "hostMessage", focus: "hostInput", words: "" },
             { tag: "NoAnswer", field: "generalMessage", focus: "hostInput",
-              words: "The station did not answer in time." },
+              words: "The station did not answer in time. The change may take effect all the same." },
             { tag: "Code77", field: "generalMessage", focus: "hostInput", words: "The station refused: Code77" }
         ];
     }
@@ -257,8 +257,16 @@ NasTest {
         verify(!findChild(part("nas:{1}"), "edit").enabled, "one change at a time");
         server.reply("UpdateNASServer", undefined, "LogonNASServerFaled");
         verify(!part("notice").visible);
-        compare(part("errorStrip").text, "The change was refused: The NAS server refused this user name and password.");
+        compare(part("draftStrip").text, "Change nas2: The NAS server refused this user name and password. "
+                + "What you entered is kept, but for the password.");
         verify(findChild(part("nas:{1}"), "edit").enabled);
+        click(findChild(part("draftStrip"), "errorAction"));
+        tryVerify(() => dialog.opened);
+        compare(dialog.serverId, "{2}");
+        compare(dialog.host, "nas3");
+        compare(dialog.logonDomain, "OFFICE");
+        compare(piece("passwordInput").text, "", "no password is kept");
+        compare(piece("generalMessage").text, "The NAS server refused this user name and password.");
     }
 
     function test_F2Changes(): void {

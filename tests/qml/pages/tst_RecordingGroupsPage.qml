@@ -19,7 +19,7 @@ GroupsTest {
         compare(text(part("station"), "name"), "North station");
         compare(text(page, "subtitle"), "2 recording groups");
         verify(!part("placeholder").visible);
-        compare(part("group:North gate").current, true, "the first group is selected");
+        compare(part("group:Car park").current, true, "the first group by name is selected");
     }
 
     function test_detailOfTheSelectedGroup(): void {
@@ -28,12 +28,14 @@ GroupsTest {
         compare(text(page, "reservedTime"), "30 days");
         const path = part("path:/srv/video/north");
         compare(text(path, "reserve"), "100.00 GB reserved");
-        compare(text(path, "volume"), "Recordings: 1.00 TB free of 4.00 TB");
+        compare(text(path, "name"), "Recordings");
+        compare(text(path, "free"), "1.00 TB free of 4.00 TB · 25 %");
         verify(findChild(path, "mark:Local"));
         verify(!findChild(path, "mark:Recovery"));
         const nas = part("path://nas/video");
         compare(text(nas, "reserve"), "1000.00 MB reserved");
-        compare(text(nas, "volume"), "Volume unknown", "the root holds no share");
+        compare(text(nas, "name"), "Volume unknown", "the root holds no share");
+        compare(text(nas, "free"), "Size unknown");
         verify(findChild(nas, "mark:NAS") && findChild(nas, "mark:Recovery"));
         const gate = part("member:Gate:0");
         compare(text(gate, "stream"), "Stream 0");
@@ -46,12 +48,13 @@ GroupsTest {
         verify(part("noMembers").visible);
         mouseClick(part("group:Ramp"));
         compare(text(page, "reservedTime"), "Does not apply");
-        compare(text(part("path:/rec/ramp"), "volume"), "System: 40.00 GB free of 100.00 GB");
+        compare(text(part("path:/rec/ramp"), "name"), "System");
+        compare(text(part("path:/rec/ramp"), "free"), "40.00 GB free of 100.00 GB · 40 %");
     }
 
     function test_keysWalkTheTree(): void {
         openFilled({});
-        keyClick(Qt.Key_Down);
+        keyClick(Qt.Key_Up);
         compare(page.selectedId, "{cars}");
         keyClick(Qt.Key_End);
         compare(page.selectedId, "{ramp}");
@@ -61,7 +64,7 @@ GroupsTest {
         compare(page.selectedId, "");
         compare(part("placeholder").title, "Choose a recording group");
         keyClick(Qt.Key_Right);
-        compare(page.selectedId, "{north}");
+        compare(page.selectedId, "{cars}");
         keyClick(Qt.Key_Left);
         compare(page.selectedId, "");
         keyClick(Qt.Key_Left);
@@ -90,7 +93,29 @@ GroupsTest {
         tryVerify(() => findChild(page, "group:Car park")?.current ?? false);
         page.refresh();
         answer([north, ramp]);
-        compare(page.selectedId, "{ramp}", "the neighbour takes the place of a group that is gone");
+        compare(page.selectedId, "{north}", "the neighbour takes the place of a group that is gone");
+    }
+
+    function test_followsWhatOthersChange(): void {
+        openFilled({});
+        mouseClick(part("group:Car park"));
+        const edit = { recordingGroupID: "{ramp}", recordingGroupName: "Ramp", returnCode: "0", client: "recordingctl" };
+        server.raise("station.ActivityAdded", Object.assign({}, edit, { returnCode: "LastPathOfGroup" }));
+        server.raise("station.ActivityAdded", Object.assign({}, edit, { recordingGroupID: "", subject: "Gate" }));
+        compare(server.takeRequests(), [], "no group has changed");
+        server.raise("station.ActivityAdded", edit);
+        compare(server.takeRequests(), ["getVolume ", askTree]);
+        answer([north, cars]);
+        tryCompare(part("groups").tree, "rows", 3);
+        compare(page.selectedId, "{cars}");
+        page.visible = false;
+        server.raise("station.ActivityAdded", edit);
+        server.raise("station.ActivityAdded", edit);
+        compare(server.takeRequests(), [], "nobody looks at it");
+        page.visible = true;
+        compare(server.takeRequests(), ["getVolume ", askTree]);
+        answer([north, cars, ramp]);
+        compare(server.takeRequests(), []);
     }
 
     function test_refusedTreeIsSaid(): void {
@@ -102,7 +127,7 @@ GroupsTest {
         compare(text(page, "errorStrip"), "The station could not use its database; its log says why.");
         compare(part("placeholder").title, "The recording groups could not be listed");
         server.takeRequests();
-        mouseClick(part("errorAction"));
+        click("errorAction");
         compare(server.takeRequests(), ["getVolume ", askTree]);
         answer([north, cars]);
         verify(!part("errorStrip").visible);
@@ -114,7 +139,7 @@ GroupsTest {
         server.reply("getVolume", [], "NoAnswer");
         server.reply("retrieveRecordingGroupTreeModel", [cars], "0");
         compare(text(page, "errorStrip"), "The station did not answer in time.");
-        compare(text(part("path:/srv/video/cars"), "volume"), "Volume unknown");
+        compare(text(part("path:/srv/video/cars"), "name"), "Volume unknown");
     }
 
     function test_waitsForTheConnection(): void {
@@ -138,13 +163,13 @@ GroupsTest {
     function test_nasVolumeIsOfferedAndKnown(): void {
         openFilled({ width: 1000 });
         const nas = part("path://nas/video");
-        compare(text(nas, "volume"), "Volume unknown");
+        compare(text(nas, "name"), "Volume unknown");
         server.recording.addNASPathToVolume("//nas/video", "Host", "me", "token");
         server.reply("GetNasCapacity", { total: 100 * gigabyte, used: 40 * gigabyte }, "0");
-        tryVerify(() => text(part("path://nas/video"), "volume").endsWith("60.00 GB free of 100.00 GB"));
+        tryVerify(() => text(part("path://nas/video"), "free") === "60.00 GB free of 100.00 GB · 60 %");
         mouseClick(part("newGroup"));
         const editor = opened("groupEditor");
-        compare(editor.volumes.map(volume => volume.path), ["/srv/video", "/", "//nas/video"]);
+        compare(field(field(editor, "pathRow:0"), "path").folders.map(folder => folder.path), ["//nas/video"]);
     }
 
     function test_volumeOfAPathIsTheClosest(): void {
@@ -153,13 +178,12 @@ GroupsTest {
         page.refresh();
         answer([near]);
         tryVerify(() => findChild(page, "path:/srv/video2/ramp") !== null);
-        compare(text(part("path:/srv/video2/ramp"), "volume"), "System: 40.00 GB free of 100.00 GB",
-                "another folder's name begins as that of the volume");
+        compare(text(part("path:/srv/video2/ramp"), "name"), "System", "another folder's name begins as that of the volume");
     }
 
     function test_removesAGroup(): void {
         openFilled({});
-        keyClick(Qt.Key_Down);
+        keyClick(Qt.Key_Up);
         keyClick(Qt.Key_Delete);
         const dialog = opened("removeGroupDialog");
         verify(field(dialog, "question").text.includes("“Car park”"));
@@ -180,7 +204,7 @@ GroupsTest {
         tryVerify(() => !dialog.visible);
         compare(server.takeRequests(), ["getVolume ", askTree]);
         answer([north, ramp]);
-        compare(page.selectedId, "{ramp}");
+        compare(page.selectedId, "{north}");
     }
 
     function test_refusedRemovalStaysOpen(): void {
@@ -215,6 +239,11 @@ GroupsTest {
         checkGeometry(editor.contentItem, editor.contentItem);
     }
 
+    function test_widthsMayJump(): void {
+        openFilled({});
+        jumpBetweenWidths();
+    }
+
     function test_everyWidthFits(): void {
         openFilled({ height: 712 });
         dragThroughWidths();
@@ -230,5 +259,197 @@ GroupsTest {
         }
         Theme.scheme = Theme.followDesktop;
         compare(grounds, ["#ffffff", "#1b222a"]);
+    }
+
+    function many(count) {
+        return Array.from({ length: count }, (value, index) => Object.assign({}, ramp, {
+            recordingGroupID: "{g" + (count - index) + "}", recordingGroupName: "Hall " + (count - index)
+        }));
+    }
+
+    function test_namesAreInNaturalOrder(): void {
+        open("RecordingGroupsPage", {});
+        answer(many(200));
+        tryVerify(() => page.settled);
+        compare(page.selectedId, "{g1}");
+        keyClick(Qt.Key_Down);
+        compare(page.selectedId, "{g2}", "not Hall 10");
+        keyClick(Qt.Key_End);
+        compare(page.selectedId, "{g200}");
+        keyClick(Qt.Key_F5);
+        answer(many(150));
+        compare(page.selectedId, "{g150}", "the last one takes the place of those that are gone");
+    }
+
+    function test_searchInTheTree(): void {
+        open("RecordingGroupsPage", {});
+        answer(many(200));
+        tryVerify(() => page.settled);
+        const tree = part("groups");
+        tree.tree.forceActiveFocus();
+        keyClick("f", Qt.ControlModifier);
+        const field = findChild(tree, "searchField");
+        verify(field.activeFocus);
+        for (const key of "hall 19")
+            keyClick(key);
+        compare(text(tree, "searchCount"), "12 of 200");
+        tryCompare(tree.tree, "rows", 13);
+        compare(page.selectedId, "{g1}", "what is selected stays selected, in view or not");
+        keyClick(Qt.Key_Down);
+        verify(tree.tree.activeFocus);
+        keyClick(Qt.Key_End);
+        compare(page.selectedId, "{g199}");
+        keyClick(Qt.Key_F5);
+        answer(many(200));
+        tryCompare(tree.tree, "rows", 13);
+        compare(page.selectedId, "{g199}", "by its id");
+        keyClick(Qt.Key_Escape);
+        tryCompare(tree.tree, "rows", 201);
+        compare(page.selectedId, "{g199}");
+        verify(tree.tree.activeFocus);
+        tryVerify(() => findChild(page, "group:Hall 199") !== null, 5000, "it is in view again");
+        keyClick("f", Qt.ControlModifier);
+        for (const key of "xyz")
+            keyClick(key);
+        verify(part("nothingFound").visible);
+        tree.reveal("{g7}");
+        compare(page.selectedId, "{g7}");
+        tryVerify(() => findChild(page, "group:Hall 7") !== null, 5000, "what somebody is led to is never hidden");
+        compare(field.text, "");
+    }
+
+    function test_lettersLeadToGroups(): void {
+        openFilled({});
+        keyClick("r");
+        compare(page.selectedId, "{ramp}");
+        wait(0);
+        keyClick("r");
+        compare(page.selectedId, "{ramp}", "no other one begins so");
+        tryCompare(part("groups"), "typed", "", 3000);
+        keyClick("C", Qt.ShiftModifier);
+        keyClick("a");
+        compare(page.selectedId, "{cars}");
+        keyClick("n", Qt.AltModifier);
+        compare(page.selectedId, "{cars}");
+    }
+
+    function test_troubledGroupsAreMarked(): void {
+        openFilled({ width: 1000 });
+        verify(!field(part("group:Ramp"), "trouble").visible);
+        const volume = (path, state, id) => ({ volumePath: path, kind: "local", state: state,
+                                               groups: [{ recordingGroupID: id, paths: [path] }] });
+        server.setStorage([volume("/a", "gone", "{ramp}"), volume("/b", "notAnswering", "{ramp}"),
+                           volume("/c", "gone", "{cars}"), volume("/d", "there", "{cars}")]);
+        tryVerify(() => field(part("group:Ramp"), "trouble").visible);
+        compare(part("group:Ramp").trouble, "No storage");
+        compare(part("group:Car park").trouble, "", "one of its volumes is there");
+        const day = 24 * 60;
+        server.raise("VolumeChanged", [
+            { recordingGroupID: "{north}", recordingGroupName: "North gate", recordingGroupReservedTime: 30 * day,
+              recordingPath: "/srv/video/north", volumeName: "Recordings", volumeSize: 1000, volumeAvailableSize: 0,
+              volumeOneDayUsage: 1024, volumeRecordedDays: 18, volumeIsSystem: false, volumeIsNAS: false }]);
+        tryCompare(part("group:North gate"), "trouble", "12 days short");
+        verify(part("group:North gate").Accessible.name.includes("12 days short"));
+        compare(part("group:Ramp").trouble, "No storage", "no figures of it have come");
+    }
+
+    function test_aRefusalToAnotherPageIsAskedAbout(): void {
+        openFilled({});
+        page.visible = false;
+        server.recording.retrieveRecordingGroupTreeModel();
+        server.takeRequests();
+        server.reply("retrieveRecordingGroupTreeModel", [], "DatabaseFailed");
+        compare(server.takeRequests(), []);
+        page.visible = true;
+        compare(server.takeRequests(), ["getVolume ", askTree], "the tree is empty, and nobody knows the groups");
+    }
+
+    function crowded(count): var {
+        return Object.assign({}, north, { recordingGroupMemberList: Array.from({ length: count }, (value, index) => ({
+            camName: "Camera " + index, streamIndex: 0, enableTimeShift: false, enableSeamless: false })) });
+    }
+
+    /// A group with a thousand cameras takes no more rows than the page shows.
+    function test_camerasOfAGroupAreMadeAsTheyAreSeen(): void {
+        openFilled({ width: 1000 });
+        page.refresh();
+        answer([crowded(1000), cars]);
+        const detail = part("detail");
+        compare(detail.count, 1000);
+        waitForRendering(page);
+        const made = () => Array.from(detail.contentItem.children).filter(row => row.modelData?.camName !== undefined).length;
+        tryVerify(() => made() > 0);
+        verify(made() < 60, made() + " rows");
+        verify(part("reservedTime").visible);
+        detail.forceActiveFocus();
+        keyClick(Qt.Key_End);
+        tryVerify(() => findChild(page, "member:Camera 999:0") !== null);
+        const last = part("member:Camera 999:0");
+        tryVerify(() => last.mapToItem(detail, 0, last.height).y <= detail.height);
+        verify(made() < 60, made() + " rows");
+        const top = last.mapToItem(detail, 0, 0).y;
+        keyClick(Qt.Key_F5);
+        answer([crowded(1000), cars]);
+        waitForRendering(page);
+        fuzzyCompare(part("member:Camera 999:0").mapToItem(detail, 0, 0).y, top, 1, "what was asked for again stays where it was");
+        keyClick(Qt.Key_Home);
+        tryVerify(() => part("reservedTime").mapToItem(detail, 0, 0).y > 0);
+        keyClick(Qt.Key_End);
+        page.select("{cars}");
+        waitForRendering(page);
+        verify(part("reservedTime").mapToItem(detail, 0, 0).y > 0, "another group begins at its top");
+    }
+
+    /// What stands at the top stays in view when the paths grow.
+    function test_theTopOfAGroupStaysInView(): void {
+        openFilled({ width: 1000 });
+        page.refresh();
+        answer([crowded(100), cars]);
+        waitForRendering(page);
+        for (const width of [500, 1000, 360, 800]) {
+            page.width = width;
+            waitForRendering(page);
+            tryVerify(() => Math.abs(part("reservedTime").mapToItem(part("detail"), 0, 0).y - Theme.large) < Theme.huge * 2, 5000,
+                      "at " + width);
+        }
+    }
+
+    Component {
+        id: memory
+
+        ConsoleSettings {}
+    }
+
+    function test_whatWasFoldedIsRemembered(): void {
+        const settings = memory.createObject(test);
+        openFilled({ settings: settings });
+        keyClick(Qt.Key_Home);
+        keyClick(Qt.Key_Left);
+        tryCompare(part("groups").tree, "rows", 1);
+        page.destroy();
+        wait(0);
+        open("RecordingGroupsPage", { settings: settings });
+        answer([north, cars, ramp]);
+        tryVerify(() => page.settled);
+        compare(part("groups").tree.rows, 1);
+        compare(page.selectedId, "", "nothing is chosen that is not in view");
+        page.goTo("{ramp}");
+        tryVerify(() => findChild(page, "group:Ramp") !== null, 5000, "what somebody is led to is in view");
+        page.destroy();
+        wait(0);
+        open("RecordingGroupsPage", { settings: settings });
+        answer([north, cars, ramp]);
+        tryVerify(() => page.settled);
+        compare(part("groups").tree.rows, 1, "an alarm unfolds it for once");
+        part("groups").tree.forceActiveFocus();
+        keyClick(Qt.Key_Right);
+        page.destroy();
+        wait(0);
+        open("RecordingGroupsPage", { settings: settings });
+        answer([north, cars, ramp]);
+        tryCompare(part("groups").tree, "rows", 4);
+        page.destroy();
+        page = null;
+        settings.destroy();
     }
 }

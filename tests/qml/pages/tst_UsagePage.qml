@@ -181,20 +181,64 @@ PageTest {
         const disk = part("volume:/srv/g");
         compare(text(disk, "name"), "Disk of Group");
         compare(text(disk, "path"), "/srv/g");
-        compare(text(disk, "used"), "75.00 GB taken");
-        compare(text(disk, "free"), "25.00 GB of 100.00 GB for this group");
+        compare(text(disk, "free"), "Size 100.00 GB, free space unknown", "the group's share is no free space");
+        compare(text(disk, "own"), "may fill 25.00 GB more");
         verify(!findChild(disk, "nasMark").visible);
-        verify(!findChild(disk, "goneMark").visible);
-        verify(!findChild(disk, "lowMark").visible, "a share of a volume may be small");
+        verify(!findChild(disk, "lostMark").visible);
         const nas = part("volume://nas/video");
         compare(text(nas, "name"), "//nas/video");
         verify(findChild(nas, "nasMark").visible);
-        verify(findChild(nas, "lowMark").visible);
-        compare(text(nas, "lowMark"), "Full");
+        compare(text(nas, "own"), "may fill nothing more");
         const gone = part("volume:/gone");
-        verify(findChild(gone, "goneMark").visible);
-        compare(text(gone, "used"), "The station cannot reach it");
-        compare(gone.Accessible.name, "Gone, /gone, Not there, The station cannot reach it");
+        verify(findChild(gone, "lostMark").visible);
+        compare(text(gone, "free"), "Not there");
+        compare(gone.Accessible.name, "Gone, /gone, Not there, Not there");
+    }
+
+    function test_aVolumeIsDrawnAsTheStationTellsIt(): void {
+        const GB = 1024 * gigabyte; // bytes
+        server.setStorage([
+            { volumePath: "/srv", volumeName: "Disk", kind: "local", state: "there", size: 100 * GB, free: 40 * GB,
+              reservedForRoot: 5 * GB, otherBytes: 10 * GB,
+              groups: [{ recordingGroupID: "h", recordingGroupName: "Other", paths: ["/srv/h"], recordedBytes: 30 * GB,
+                         reserveSpace: 10240 },
+                       { recordingGroupID: "g", recordingGroupName: "Group", paths: ["/srv/g"], recordedBytes: 15 * GB,
+                         reserveSpace: 20480 }] },
+            { volumePath: "/lost", volumeName: "Lost", kind: "local", state: "gone", since: "2026-01-02T03:04:05.000Z",
+              size: -1, free: -1, groups: [{ recordingGroupID: "g", recordingGroupName: "Group", paths: ["/lost/g"],
+                                             recordedBytes: 7 * GB, reserveSpace: 0 }] }
+        ]);
+        open("UsagePage", { height: 900 });
+        server.raise("VolumeChanged", [entry("g", "Group", 30, 20, 25),
+                                       entry("g", "Group", 30, -1, 0, { recordingPath: "/lost/g", volumeSize: 0 })]);
+        tryVerify(() => findChild(page, "volume:/lost/g") !== null);
+        const disk = part("volume:/srv/g");
+        compare(text(disk, "name"), "Disk");
+        compare(text(disk, "free"), "40.00 GB free of 100.00 GB · 40 %");
+        compare(text(disk, "own"), "15.00 GB recorded · 20.00 GB reserved · may fill 25.00 GB more");
+        compare(text(findChild(disk, "legend:groupg"), "words"), "Group: 15.00 GB · 15 %");
+        compare(text(findChild(disk, "legend:grouph"), "words"), "Other: 30.00 GB · 30 %");
+        compare(text(findChild(disk, "legend:other"), "words"), "Other files: 10.00 GB · 10 %");
+        compare(text(findChild(disk, "legend:root"), "words"), "Reserved for root: 5.00 GB · 5 %");
+        compare(text(findChild(disk, "legend:free"), "words"), "Free: 40.00 GB · 40 %");
+        const bar = findChild(disk, "bar");
+        fuzzyCompare(findChild(bar, "part:groupg").width, bar.width * 0.15, 1);
+        fuzzyCompare(findChild(bar, "part:grouph").x, bar.width * 0.15, 1);
+        fuzzyCompare(findChild(bar, "ownMark").x + 3, bar.width * 0.2, 1);
+        fuzzyCompare(findChild(bar, "reservedMark").x + 2, bar.width * 0.3, 1);
+        const lost = part("volume:/lost/g");
+        verify(text(lost, "free").startsWith("Not there since "));
+        compare(text(lost, "own"), "7.00 GB recorded");
+        compare(text(part("group:g"), "standing"), "Sufficient", "it has a disk left");
+    }
+
+    function test_aGroupWithoutStorageStandsFirst(): void {
+        open("UsagePage", { height: 900 });
+        server.raise("VolumeChanged", [entry("short", "Short", 30, 1, 1),
+                                       entry("lost", "Lost", 0, 5, 0, { volumeSize: 0 })]);
+        tryVerify(() => order().join() === "lost,short", 5000, order().join());
+        compare(text(part("group:lost"), "standing"), "No storage left");
+        compare(text(page, "subtitle"), "2 groups · 1 without storage · 1 short of the reserved time");
     }
 
     function test_storageOfNoGroupIsShownLast(): void {
@@ -215,9 +259,11 @@ PageTest {
     }
 
     function test_eventsReplaceFiguresAndKeepThePlace(): void {
-        openFilled({ height: 400 });
+        openFilled({ height: 300 });
         list().currentIndex = 2;
         list().positionViewAtIndex(2, ListView.Beginning);
+        waitUntilLaidOut();
+        list().positionViewAtIndex(2, ListView.Beginning); // rows that came into view took their heights
         const item = list().currentItem;
         compare(item.groupId, "c");
         const place = item.y - list().contentY;
@@ -295,7 +341,7 @@ PageTest {
         server.reply("reloadStorageUsageInfo", null, "NoAnswer");
         compare(part("errorStrip").text, "The station did not answer in time.");
         compare(list().count, 5, "what is known stays in view");
-        mouseClick(part("errorAction"));
+        click("errorAction");
         compare(server.takeSent(), ["reloadStorageUsageInfo"]);
         server.raise("VolumeChanged", site);
         verify(!part("errorStrip").visible);
@@ -419,5 +465,40 @@ PageTest {
         }
         Theme.scheme = Theme.followDesktop;
         compare(grounds, ["#ffffff", "#1b222a"]);
+    }
+
+    Component {
+        id: memory
+
+        ConsoleSettings {}
+    }
+
+    function test_orderAndExpansionAreRemembered(): void {
+        const settings = memory.createObject(test) as ConsoleSettings;
+        const again = () => {
+            page.destroy();
+            wait(0);
+            openFilled({ settings: settings, height: 1600 });
+        };
+        openFilled({ settings: settings, height: 1600 });
+        verify(part("group:a").expanded, "a few groups show their volumes");
+        page.expand("a", false);
+        part("groups").sortBy(1);
+        again();
+        compare(part("groups").order, 1);
+        verify(!part("group:a").expanded);
+        verify(part("group:b").expanded);
+        page.expandAll(false);
+        page.expand("d", true);
+        again();
+        verify(!part("group:a").expanded && !part("group:b").expanded);
+        verify(part("group:d").expanded);
+        compare(settings.value("expansion/usage", {}).others, ["d"]);
+        settings.setValue("expansion/usage", { expanded: "yes" });
+        again();
+        verify(part("group:a").expanded, "nonsense is not used");
+        page.destroy();
+        page = null;
+        settings.destroy();
     }
 }

@@ -1,4 +1,5 @@
 import QtQuick
+import QtTest
 import RecordingConsole
 
 PageTest {
@@ -32,18 +33,14 @@ PageTest {
         const row = part("volume:/");
         compare(text(row, "name"), "System");
         compare(text(row, "path"), "/");
-        compare(text(row, "used"), "60.00 GB used");
-        compare(text(row, "free"), "40.00 GB free of 100.00 GB");
-        compare(text(row, "percent"), "60 %");
-        fuzzyCompare(findChild(row, "bar").share, 0.6, 0.0001);
+        compare(text(row, "free"), "40.00 GB free of 100.00 GB · 40 %");
+        compare(text(findChild(row, "legend:unknown"), "words"), "Taken, not counted yet: 60.00 GB · 60 %");
         verify(findChild(row, "systemMark").visible);
         verify(!findChild(row, "nasMark").visible);
-        verify(!findChild(row, "lowMark").visible);
         verify(!part("errorStrip").visible);
         verify(!part("placeholder").visible);
         const full = part("volume:" + volumes[1].volumePath);
-        verify(findChild(full, "lowMark").visible);
-        compare(text(full, "percent"), "> 99 %");
+        compare(text(full, "free"), "12.50 GB free of 4.00 TB · < 1 %");
         compare(text(page, "subtitle"), "2 volumes · 52.50 GB free of 4.10 TB");
     }
 
@@ -54,8 +51,113 @@ PageTest {
         tryVerify(() => findChild(page, "volume://nas/video") !== null);
         const row = part("volume://nas/video");
         verify(findChild(row, "nasMark").visible);
-        compare(text(row, "used"), "1.00 GB used");
+        compare(text(row, "free"), "1.00 GB free of 2.00 GB · 50 %");
         tryVerify(() => text(page, "subtitle") === "3 volumes · 53.50 GB free of 4.10 TB");
+    }
+
+    function test_aLostVolumeStaysAndIsNamed(): void {
+        const GB = 1024 * gigabyte; // bytes
+        const groups = [{ recordingGroupID: "a", recordingGroupName: "North", paths: ["/mnt/disk/rec"],
+                          recordedBytes: 5 * GB, reserveSpace: 0 }];
+        const told = state => [
+            { volumePath: "/", volumeName: "System", volumeIsSystem: true, kind: "local", state: "there",
+              size: 100 * GB, free: 40 * GB, reservedForRoot: 5 * GB, otherBytes: 54 * GB, withoutGroupBytes: GB, groups: [] },
+            { volumePath: "/mnt/disk", volumeName: "Disk", kind: "local", state: state, groups: groups,
+              size: state === "there" ? 10 * GB : -1, free: state === "there" ? 5 * GB : -1,
+              since: state === "there" ? undefined : "2026-01-02T03:04:05.000Z" }
+        ];
+        server.setStorage(told("there"));
+        open("VolumesPage", { startPlace: "/mnt/disk/rec" });
+        const disk = { volumePath: "/mnt/disk", volumeName: "Disk", volumeSize: 10 * gigabyte,
+                       volumeAvailableSize: 5 * gigabyte, volumeIsSystem: false };
+        server.reply("getVolume", [volumes[0], disk], "0");
+        tryVerify(() => findChild(page, "volume:/mnt/disk") !== null);
+        compare(text(part("volume:/"), "free"), "40.00 GB free of 100.00 GB · 40 %");
+        compare(text(findChild(part("volume:/"), "legend:withoutGroup"), "words"), "Recordings of no group: 1.00 GB · 1 %");
+        compare(part("volumes").currentIndex, 1, "where the page was to begin");
+        server.setStorage(told("gone"));
+        server.raise("VolumeChanged");
+        server.reply("getVolume", [volumes[0]], "0");
+        tryVerify(() => findChild(part("volume:/mnt/disk"), "lostMark").visible);
+        tryVerify(() => part("volumes").list.itemAtIndex(0) === part("volume:/mnt/disk"), 5000, "above those that are there");
+        compare(part("volumes").currentIndex, 0, "it is the same row");
+        verify(text(part("volume:/mnt/disk"), "free").startsWith("Not there since "));
+        tryCompare(part("subtitle"), "text", "2 volumes · 1 lost · 40.00 GB free of 100.00 GB");
+        waitForRendering(page);
+        checkGeometry(page);
+        page.destroy();
+        wait(0);
+        open("VolumesPage", { width: 1000 });
+        server.reply("getVolume", [volumes[0]], "0");
+        tryVerify(() => findChild(page, "volume:/mnt/disk") !== null);
+        waitForRendering(page);
+        verify(part("volume:/mnt/disk").height < 120, "no taller than its words");
+        server.setStorage([told("gone")[0]]);
+        tryVerify(() => findChild(page, "volume:/mnt/disk") === null, 5000, "no group names it any more");
+    }
+
+    function test_figuresOfAnEarlierTimeAreTold(): void {
+        const told = values => [Object.assign({ volumePath: "/", volumeName: "System", kind: "local", state: "there",
+            size: 100 * 1024 * gigabyte, free: 40 * 1024 * gigabyte, unknownBytes: 60 * 1024 * gigabyte, groups: [] }, values)];
+        openFilled({});
+        server.setStorage(told({ counted: true, countedAt: "2026-01-02T03:04:05.000Z" }));
+        tryCompare(findChild(part("volume:/"), "free"), "text", "40.00 GB free of 100.00 GB · 40 %");
+        server.setStorage(told({ counted: false }));
+        tryCompare(findChild(part("volume:/"), "free"), "text", "40.00 GB free of 100.00 GB · 40 % · recordings not counted yet");
+        const then = new Date("2026-01-02T03:04:05.000Z");
+        server.setStorage(told({ counted: false, countedAt: "2026-01-02T03:04:05.000Z" }));
+        tryCompare(findChild(part("volume:/"), "free"), "text", "40.00 GB free of 100.00 GB · 40 % · recordings as of " + Units.moment(then));
+        verify(part("volume:/").Accessible.name.includes("recordings as of"));
+    }
+
+    SignalSpy {
+        id: placeWanted
+
+        signalName: "placeWanted"
+    }
+
+    function test_aVolumeLeadsToItsRecordingsOfNoGroup(): void {
+        const GB = 1024 * gigabyte; // bytes
+        server.setStorage([
+            { volumePath: "/", kind: "local", state: "there", size: 100 * GB, free: 40 * GB, withoutGroupBytes: 60 * GB, groups: [] },
+            { volumePath: volumes[1].volumePath, kind: "local", state: "there", size: 100 * GB, free: 100 * GB, groups: [] }
+        ]);
+        openFilled({});
+        placeWanted.target = page;
+        placeWanted.clear();
+        part("volumes").list.forceActiveFocus();
+        part("volumes").currentIndex = 1;
+        keyClick(Qt.Key_Return);
+        compare(placeWanted.count, 0, "there are none on it");
+        part("volumes").currentIndex = 0;
+        keyClick(Qt.Key_Return);
+        compare(placeWanted.count, 1);
+        compare(Array.from(placeWanted.signalArguments[0]), ["usage", "unassigned"]);
+        const entry = findChild(part("volume:/"), "legend:withoutGroup");
+        tryVerify(() => !isUnsettled(page));
+        mouseClick(findChild(entry, "words"));
+        compare(placeWanted.count, 2);
+        mouseClick(findChild(findChild(part("volume:/"), "legend:free"), "words"));
+        compare(placeWanted.count, 2);
+        placeWanted.target = null;
+    }
+
+    function test_foldersOfOneShareCountOnce(): void {
+        openFilled({});
+        for (const folder of ["a", "b"]) {
+            server.reply("addNASPathsToVolume", [{ diskName: "//nas/video/" + folder, diskTotal: 2 * gigabyte,
+                                                   diskUsed: gigabyte }], "0");
+        }
+        tryVerify(() => text(page, "subtitle") === "4 volumes · 53.50 GB free of 4.10 TB");
+    }
+
+    function test_figuresThatDoNotComeAreSaid(): void {
+        openFilled({});
+        server.failStorage("NoAnswer");
+        compare(part("storageStrip").text, "What the volumes hold is not known: The station did not answer in time.");
+        compare(text(part("volume:/"), "free"), "40.00 GB free of 100.00 GB · 40 %", "as the plug-in has them");
+        server.setStorage([]);
+        verify(!part("storageStrip").visible);
     }
 
     function test_refreshSendsOneRequest_data() {
@@ -92,7 +194,7 @@ PageTest {
         compare(part("errorStrip").text, row.words);
         compare(part("placeholder").title, "The volumes could not be listed");
         server.takeSent();
-        mouseClick(part("errorAction"));
+        click("errorAction");
         compare(server.takeSent(), ["getVolume"]);
         server.reply("getVolume", volumes, "0");
         verify(!part("errorStrip").visible);
@@ -103,6 +205,22 @@ PageTest {
         open("VolumesPage", {});
         verify(page.settled);
         compare(part("errorStrip").text, "The request could not be sent.");
+    }
+
+    function test_unsentRequestTellsThePluginsReason_data(): var {
+        return [
+            { tag: "known", fact: "host is empty", words: "The host is missing." },
+            { tag: "another", fact: "Pathinfo's structure is error",
+              words: "The request was not sent: Pathinfo's structure is error." },
+            { tag: "not taken", fact: "Send command failed", words: "The request could not be sent." },
+            { tag: "none", fact: "", words: "The request could not be sent." },
+        ];
+    }
+    function test_unsentRequestTellsThePluginsReason(data: var): void {
+        server.setAccepts(false);
+        server.setPluginFact(data.fact);
+        open("VolumesPage", {});
+        compare(part("errorStrip").text, data.words);
     }
 
     function test_emptyListSaysSo(): void {
@@ -163,5 +281,49 @@ PageTest {
         page.refresh();
         server.reply("getVolume", [], "InternalError");
         verify(part("errorStrip").visible, "the same failure, once more");
+    }
+
+    function test_aLostVolumeTellsOfNoRecordingsItHasNot_data(): var {
+        return [{ tag: "no recordings", recorded: 0, words: "" }, { tag: "not known", recorded: -1, words: "" },
+                { tag: "recordings", recorded: 5, words: " · recordings as of " }];
+    }
+
+    function test_aLostVolumeTellsOfNoRecordingsItHasNot(row): void {
+        const then = "2026-01-02T03:04:05.000Z";
+        openFilled({});
+        server.setStorage([{ volumePath: "/mnt/disk", volumeName: "Spare disk", kind: "local", state: "gone", size: -1, free: -1,
+                             counted: false, countedAt: then, since: then,
+                             groups: [{ recordingGroupID: "{a}", paths: ["/mnt/disk/a"], recordedBytes: row.recorded, reserveSpace: 0 }] }]);
+        tryVerify(() => findChild(page, "volume:/mnt/disk") !== null);
+        const moment = Units.moment(new Date(then));
+        tryCompare(findChild(part("volume:/mnt/disk"), "free"), "text",
+                   "Not there since " + moment + (row.words === "" ? "" : row.words + moment));
+    }
+
+    Component {
+        id: memory
+
+        ConsoleSettings {}
+    }
+
+    function test_theOrderIsRemembered(): void {
+        const settings = memory.createObject(test) as ConsoleSettings;
+        openFilled({ settings: settings });
+        compare(part("volumes").order, 0);
+        part("volumes").sortBy(3);
+        page.destroy();
+        wait(0);
+        openFilled({ settings: settings });
+        compare(part("volumes").order, 3);
+        compare(part("volumes").rows.orderBy, "size");
+        verify(part("volumes").rows.descending);
+        settings.setValue("order/volumes", "+nothing");
+        page.destroy();
+        wait(0);
+        openFilled({ settings: settings });
+        compare(part("volumes").order, 0, "an order that there is no longer");
+        page.destroy();
+        page = null;
+        settings.destroy();
     }
 }

@@ -115,7 +115,7 @@ PageTest {
         tryVerify(() => dialog.opened);
         enterServer(server.nasPassword);
         tryVerify(() => !dialog.busy, 20000);
-        compare(piece("hostMessage").text, "This NAS server is registered with this user already.");
+        compare(piece("hostMessage").text, "This user of the host is registered already.");
     }
 
     function test_aSilentServerCanBeLeft(): void {
