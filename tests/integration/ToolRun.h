@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -8,6 +9,11 @@
 #include <QRegularExpression>
 #include <QString>
 #include <QStringList>
+#include <QTest>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
 
 /// What came of one run of a tool; exitCode is -1 when it did not end by itself.
 struct Run
@@ -19,6 +25,7 @@ struct Run
     QStringList outputLines() const { return output.split(u'\n', Qt::SkipEmptyParts); }
     QStringList errorLines() const { return errors.split(u'\n', Qt::SkipEmptyParts); }
     QJsonObject json() const { return QJsonDocument::fromJson(output.toUtf8()).object(); }
+    QJsonValue reply() const { return json(); } ///< the same, to look into: reply()["data"][0]
 };
 
 /// Waits for @p process to end by itself.
@@ -39,7 +46,21 @@ inline QProcessEnvironment quietEnvironment()
     return environment;
 }
 
-/// Runs @p program, recordingctl as it is built, to its end.
+/// Waits until no station serves @p folder any more; tests tell stations not to linger.
+inline bool waitForStationEnd(const QString &folder)
+{
+    return QTest::qWaitFor(
+        [name = QFile::encodeName(folder)] {
+            const int opened = open(name.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+            const bool isFree = opened < 0 || flock(opened, LOCK_EX | LOCK_NB) == 0;
+            if (opened >= 0)
+                close(opened);
+            return isFree;
+        },
+        60'000); // a station that nobody came to waits ten seconds
+}
+
+/// Runs @p program, recordingctl as it is built, to its end and that of the station of "--data" in @p arguments.
 inline Run run(const QStringList &arguments, const QByteArray &input = {}, const QString &program = RECORDINGCTL)
 {
     QProcess process;
@@ -47,7 +68,11 @@ inline Run run(const QStringList &arguments, const QByteArray &input = {}, const
     process.start(program, arguments);
     process.write(input);
     process.closeWriteChannel();
-    return finished(process);
+    Run ended = finished(process);
+    const qsizetype data = arguments.indexOf(QStringLiteral("--data"));
+    if (data >= 0 && !waitForStationEnd(arguments.value(data + 1)))
+        ended.exitCode = -1;
+    return ended;
 }
 
 /// The words of a line of a table.

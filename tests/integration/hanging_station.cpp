@@ -1,6 +1,7 @@
 #include "Station.h"
 #include "Tool.h"
 #include "VolumeSource.h"
+#include "embedded/EmbeddedLink.h"
 
 #include <QSemaphore>
 
@@ -52,6 +53,8 @@ int main(int argc, char **argv)
 {
     ClientSession::Options options;
     options.pluginFolders = QStringList{QStringLiteral(PLUGIN_FOLDER)};
-    options.makeStation = makeStation;
+    StationLink::Kind kind = EmbeddedLink::kind(makeStation);
+    kind.scheme = QStringLiteral("local"); // whatever folder is asked for
+    options.linkKinds = {kind};
     return runTool(argc, argv, options);
 }

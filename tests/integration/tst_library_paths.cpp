@@ -51,6 +51,25 @@ QStringList libraryPath(const QString &file)
     return path;
 }
 
+/// What the loader says of the libraries that @p file needs, itself included: "name => where it is", or "not found".
+QStringList neededLibraries(const QString &file)
+{
+    QProcess ldd;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("LC_ALL", "C");
+    environment.remove("LD_LIBRARY_PATH");
+    ldd.setProcessEnvironment(environment);
+    ldd.start("ldd", {file});
+    return finished(ldd).outputLines();
+}
+
+/// Whether the loader looks in @p folder anyway.
+bool isDefaultFolder(const QString &folder)
+{
+    static const QRegularExpression system("^(/usr)?/lib(32|64|x32)?(/[^/]+-linux-[^/]+)?/?$");
+    return system.match(folder).hasMatch();
+}
+
 /// An empty entry is the current folder, a relative one lies below it.
 bool dependsOnTheCurrentFolder(const QString &entry)
 {
@@ -90,8 +109,9 @@ private slots:
     void noInstalledFileLooksInTheCurrentFolder();
     void installedFilesLookWhereTheBuiltOnesDo_data();
     void installedFilesLookWhereTheBuiltOnesDo();
-    void librariesLookNowhereBesideThemselves_data();
-    void librariesLookNowhereBesideThemselves();
+    void nothingLooksBesideItself();
+    void installedFilesLookOnlyWhereTheyHaveTo();
+    void installedFilesFindWhatTheyNeed();
     void plantedLibrariesAreNotLoaded_data();
     void plantedLibrariesAreNotLoaded();
 
@@ -105,12 +125,15 @@ private:
 void LibraryPathsTest::initTestCase()
 {
     QVERIFY(m_prefix.isValid() && m_planted.isValid());
-    QProcess install;
-    install.setProcessChannelMode(QProcess::MergedChannels);
-    install.start(QStringLiteral(CMAKE),
-                  {"--install", buildFolder, "--config", CONFIGURATION, "--prefix", m_prefix.path()});
-    const Run run = finished(install);
-    QVERIFY2(run.exitCode == 0, qPrintable(run.output));
+    for (const QStringList &component : {QStringList(), QStringList{"--component", "tracelog"}}) {
+        QProcess install;
+        install.setProcessChannelMode(QProcess::MergedChannels);
+        install.start(QStringLiteral(CMAKE),
+                      QStringList{"--install", buildFolder, "--config", CONFIGURATION, "--prefix", m_prefix.path()}
+                          + component);
+        const Run run = finished(install);
+        QVERIFY2(run.exitCode == 0, qPrintable(run.output));
+    }
     for (const char *name : {"libZarnLogUtl.so", "libQt6Core.so.6"})
         QVERIFY(QFile::copy(QStringLiteral(PLANTED_LIBRARY), m_planted.filePath(name)));
 }
@@ -170,19 +193,36 @@ void LibraryPathsTest::installedFilesLookWhereTheBuiltOnesDo()
     QCOMPARE(libraryPath(installed(file)), libraryPath(file));
 }
 
-void LibraryPathsTest::librariesLookNowhereBesideThemselves_data()
+void LibraryPathsTest::nothingLooksBesideItself()
 {
-    QTest::addColumn<QString>("file");
-    QTest::newRow("plug-in") << plugin;
-    QTest::newRow("trace library") << traceLibrary;
-    QTest::newRow("installed plug-in") << installed(plugin);
-    QTest::newRow("installed trace library") << installed(traceLibrary);
+    const QStringList files = loadableFiles(m_prefix.path()) + QStringList{recordingctl, console, plugin, traceLibrary};
+    for (const QString &file : files)
+        QVERIFY2(libraryPath(file).filter("ORIGIN").isEmpty(), qPrintable(file));
 }
 
-void LibraryPathsTest::librariesLookNowhereBesideThemselves()
+void LibraryPathsTest::installedFilesLookOnlyWhereTheyHaveTo()
 {
-    QFETCH(QString, file);
-    QCOMPARE(libraryPath(file).filter("ORIGIN"), QStringList());
+    const QStringList files = loadableFiles(m_prefix.path());
+    QVERIFY(files.size() >= 6);
+    for (const QString &file : files) {
+        const QString needed = neededLibraries(file).join('\n');
+        const QStringList path = libraryPath(file);
+        for (const QString &entry : path) {
+            const QString text = file + ": " + entry;
+            QVERIFY2(!isDefaultFolder(entry), qPrintable(text));
+            QVERIFY2(needed.contains(" => " + QDir::cleanPath(entry) + '/'), qPrintable(text));
+        }
+    }
+}
+
+void LibraryPathsTest::installedFilesFindWhatTheyNeed()
+{
+    const QStringList files = loadableFiles(m_prefix.path());
+    for (const QString &file : files) {
+        const QStringList needed = neededLibraries(file);
+        QVERIFY2(!needed.filter("libc.so").isEmpty(), qPrintable(file));
+        QVERIFY2(needed.filter("not found").isEmpty(), qPrintable(file + '\n' + needed.join('\n')));
+    }
 }
 
 void LibraryPathsTest::plantedLibrariesAreNotLoaded_data()
@@ -209,7 +249,8 @@ void LibraryPathsTest::plantedLibrariesAreNotLoaded()
     QFETCH(bool, hasTraceLibrary);
     QFETCH(QString, output);
     if (!hasTraceLibrary)
-        QVERIFY(QFile::remove(installed(traceLibrary)));
+        QVERIFY(QFile::remove(installed(traceLibrary))
+                && QFile::remove(m_prefix.filePath(PROGRAM_LIB_DIR "/tracelog.so")));
     const QStringList planted = QDir(m_planted.path()).entryList(QDir::Files);
 
     for (const bool isSet : {false, true}) {

@@ -150,7 +150,8 @@ void NoPasswordIsWrittenTest::stationAndClientWriteNoPassword()
     QVERIFY(QFile::exists(m_folder.filePath(QStringLiteral("trace.log"))));
     QVERIFY(QFile::exists(m_folder.filePath(QStringLiteral("recording-station/station.db"))));
     QVERIFY(QFile::exists(m_folder.filePath(QStringLiteral("recording-station/nas.key"))));
-    QCOMPARE(placesOf(right, output), QStringList());
+    // The station ends a moment after its last client, and takes its socket with it, which nobody can read.
+    QTRY_COMPARE(placesOf(right, output).join(u'\n'), QString());
 }
 
 QTEST_GUILESS_MAIN(NoPasswordIsWrittenTest)

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "StationProtocol.h"
+#include "ServerVocabulary.h"
+#include "StationVocabulary.h"
 #include "groups/PathCheck.h"
 
 #include <QHash>
@@ -13,7 +14,7 @@ public:
     /// A folder that can be written, on a volume of @p megabytes.
     void add(const QString &path, const QString &volume, qint64 megabytes, const QString &folder = {})
     {
-        const PathFacts facts{StationReturnCode::Success, {}, volume, megabytes * 1024 * 1024, folder};
+        const PathFacts facts{ReturnCode::Success, {}, volume, megabytes * 1024 * 1024, folder};
         m_looks.insert(path, facts);
         m_volumes.insert(path, facts);
     }

@@ -1,7 +1,9 @@
+#include "CommandKind.h"
 #include "FakeVolumes.h"
+#include "ServerVocabulary.h"
 #include "Station.h"
 #include "StationCall.h"
-#include "StationProtocol.h"
+#include "StationVocabulary.h"
 
 #include <QDir>
 #include <QFile>
@@ -69,6 +71,7 @@ private slots:
     void anAnswerThatThrowsIsNotGivenTwice();
     void aMissingAnswerDoesNoHarm();
     void everyReturnCodeIsDocumented();
+    void clientsKnowWhichCommandsAreEdits();
 };
 
 void StationTest::init()
@@ -206,12 +209,32 @@ void StationTest::aMissingAnswerDoesNoHarm()
 void StationTest::everyReturnCodeIsDocumented()
 {
     static const QRegularExpression constant(
-        QStringLiteral("StationReturnCode::\\w+\\s*=\\s*QStringLiteral\\(\"(\\w+)\"\\)"));
+        QStringLiteral("\\w*ReturnCode::\\w+\\s*=\\s*QStringLiteral\\(\"(\\w+)\"\\)"));
     static const QRegularExpression tableRow(QStringLiteral("\\n\\| \"(0|[A-Z]\\w+)\" \\|"));
-    const QStringList codes = wordsIn("station/StationProtocol.cpp", constant);
+    QStringList codes =
+        wordsIn("protocol/ServerVocabulary.cpp", constant) + wordsIn("protocol/StationVocabulary.cpp", constant);
+    QVERIFY(codes.contains(ReturnCode::Success));
     QVERIFY(codes.contains(StationReturnCode::CannotCreate));
-    QCOMPARE(wordsIn("docs/station-protocol.md", tableRow, QStringLiteral("## Return codes")), codes);
+    QStringList documented = wordsIn("docs/station-protocol.md", tableRow, QStringLiteral("## Return codes"));
+    codes.sort();
+    documented.sort();
+    QCOMPARE(documented, codes);
     QCOMPARE(QSet<QString>(codes.begin(), codes.end()).size(), codes.size());
+}
+
+/// What clients take for an edit, and what the station carries out once: neither may have one more.
+void StationTest::clientsKnowWhichCommandsAreEdits()
+{
+    const Station station(StationSettings{{}, {}, std::make_unique<FakeVolumes>(twoVolumes)});
+    QVERIFY(!station.editCommands().isEmpty());
+    QStringList carriedOutOnce(station.editCommands().values());
+    QStringList known(editCommands().values());
+    carriedOutOnce.sort();
+    known.sort();
+    QCOMPARE(carriedOutOnce, known);
+    for (const QString &command : std::as_const(known))
+        QVERIFY2(isEdit(command), qPrintable(command));
+    QVERIFY(!isEdit(ServerCommand::getVolume));
 }
 
 QTEST_GUILESS_MAIN(StationTest)

@@ -1,4 +1,4 @@
-#include "StationSettings.h"
+#include "LocalEndpoint.h"
 #include "files/FileName.h"
 #include "files/PrivateFolder.h"
 #include "usage/FolderReader.h"
