@@ -18,9 +18,9 @@ double secondsOf(clockid_t clock)
 }
 
 // A line of the process's status, such as "VmHWM:     20304 kB".
-double statusBytes(const std::string &key)
+double statusBytes(const std::string &key, const std::string &process = "self")
 {
-    std::ifstream status("/proc/self/status");
+    std::ifstream status("/proc/" + process + "/status");
     for (std::string line; std::getline(status, line);) {
         if (line.starts_with(key + ':'))
             return std::stod(line.substr(key.size() + 1)) * 1024;
@@ -75,6 +75,11 @@ double heapInUse()
 {
     const struct mallinfo2 info = mallinfo2();
     return static_cast<double>(info.uordblks + info.hblkhd);
+}
+
+double residentBytes(const std::string &process)
+{
+    return statusBytes("VmRSS", process);
 }
 
 double beginPeak()

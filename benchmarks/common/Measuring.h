@@ -21,6 +21,8 @@ double wallSeconds();
 double heapInUse();
 /// Gives what is free back to the system and begins to watch the peak. Returns the resident set as it is now.
 double beginPeak();
+/// The resident set of the process with that number; -1 where there is none.
+double residentBytes(const std::string &process);
 /// The largest resident set since beginPeak(); -1 where the system does not tell it.
 double peak();
 
@@ -56,6 +58,6 @@ void report(benchmark::State &state, const Samples &samples);
 /// In a round each variant runs once, in random order. Reported are for each variant "<variant>" (CPU time) and
 /// "<variant> wall", both in microseconds and medians, "<variant> p99 wall", of 100 runs the slowest but one, and where
 /// it was measured "<variant> memory", KB by which the resident memory was larger than before at most; the medians of
-/// ratios in CPU time that are taken within a round, "ours/<variant>" and, with these variants, "ours/(read+floor)";
-/// and "rounds".
+/// ratios in CPU time that are taken within a round, "ours/<variant>" and, with these variants, "ours/(read+floor)" or
+/// "ours/(codec+floor)"; and "rounds".
 void measure(benchmark::State &state, std::vector<Variant> variants, const Plan &plan);

@@ -120,7 +120,33 @@ ConsoleWindow::ConsoleWindow(ConsoleClient &client, const QString &page)
 
 void ConsoleWindow::refresh()
 {
-    QMetaObject::invokeMethod(m_window->property("currentPage").value<QObject *>(), "refresh");
+    call("refresh");
+}
+
+void ConsoleWindow::call(const char *function)
+{
+    QMetaObject::invokeMethod(m_window->property("currentPage").value<QObject *>(), function);
+}
+
+void ConsoleWindow::call(const char *function, const QString &argument)
+{
+    QMetaObject::invokeMethod(m_window->property("currentPage").value<QObject *>(), function, Q_ARG(QString, argument));
+}
+
+void ConsoleWindow::press(const QString &button)
+{
+    QQuickItem *const item = findBelow(m_window->contentItem(), button);
+    require(item != nullptr, "there is no button " + button.toStdString());
+    QMetaObject::invokeMethod(item, "clicked");
+}
+
+void ConsoleWindow::closeDialogs()
+{
+    const QList<QObject *> dialogs = m_window->findChildren<QObject *>();
+    for (QObject *const dialog : dialogs) {
+        if (dialog->inherits("QQuickDialog") && dialog->property("visible").toBool())
+            QMetaObject::invokeMethod(dialog, "close");
+    }
 }
 
 double ConsoleWindow::heapInUse()

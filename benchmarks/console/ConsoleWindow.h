@@ -49,6 +49,14 @@ public:
     }
     /// What F5 does.
     void refresh();
+    /// Calls a function of the page that has no parameters.
+    void call(const char *function);
+    /// Likewise, of the page's function that takes @p argument.
+    void call(const char *function, const QString &argument);
+    /// Clicks the button of this object name.
+    void press(const QString &button);
+    /// Closes what stands above the page.
+    void closeDialogs();
     /// What this process has allocated in bytes, without what JavaScript does not need any more.
     double heapInUse();
 

@@ -57,7 +57,7 @@ std::vector<Scenario> scenarios()
         return renamed(Replies::volumes(records), "volumeName", turn, records);
     };
     const auto volumesShown = [](int records, int turn) -> std::vector<Fact> {
-        return {{"volumes", "count", records}, {"volume:/mnt/video/0", "nameRole", nameIn(turn, "Video disk 0")}};
+        return {{"volumes", "count", records}, {"volume:/mnt/video/0", "name", nameIn(turn, "Video disk 0")}};
     };
     return {
         {"groups page", "groups", {1000, 10'000}, "retrieveRecordingGroupTreeModel", groups, groupsShown, true, 1000},

@@ -162,6 +162,82 @@ void watchIdle(benchmark::State &state, int frames)
     state.counters["dropped"] = seen.droppedFrames;
 }
 
+QVariantList someMembers(int count)
+{
+    QVariantList members;
+    for (int i = 0; i < count; ++i)
+        members.append(QVariantMap{{"camName", QStringLiteral("Camera %1").arg(i)},
+                                   {"streamIndex", 0},
+                                   {"enableTimeShift", i % 2 == 0},
+                                   {"enableSeamless", false}});
+    return members;
+}
+
+QVariantList someCameras(int count)
+{
+    QVariantList cameras;
+    for (int i = 0; i < count; ++i)
+        cameras.append(QVariantMap{{"camName", QStringLiteral("Camera %1").arg(i)}, {"streams", 2}});
+    return cameras;
+}
+
+/// The page of recording groups with a group that has as many members beside one that has none: "detail, ms" from the
+/// choice of the group until its cameras stand in the window and nothing is left to do.
+void openDetail(benchmark::State &state, int members, int rounds)
+{
+    ConsoleClient client(std::make_unique<PluginRecordingManagement>());
+    ConsoleWindow window(client, "groups");
+    window.animate(true);
+    deliver(*client.plugin, ServerCommand::getVolume, Replies::volumes(8));
+    QVariantList groups = Replies::recordingGroups(2);
+    QVariantMap large = groups[0].toMap();
+    large["recordingGroupMemberList"] = someMembers(members);
+    QVariantMap empty = groups[1].toMap();
+    empty["recordingGroupMemberList"] = QVariantList{};
+    deliver(*client.plugin, ServerCommand::retrieveRecordingGroupTreeModel, QVariantList{large, empty});
+    window.call("select", empty["recordingGroupID"].toString());
+    window.rest();
+    Samples samples;
+    for (int round = 0; round < rounds; ++round) {
+        const auto choose = [&](const QVariantMap &group) {
+            return [&window, id = group["recordingGroupID"].toString()] { window.call("select", id); };
+        };
+        const Smoothness seen = window.watch(choose(large), {{"detail", "count", members}}, 1);
+        samples["detail, ms"].push_back(seen.longestTurn * 1e3);
+        samples["detail, CPU ms"].push_back(seen.longestTurnCpu * 1e3);
+        window.watch(choose(empty), {{"detail", "count", 0}}, 1);
+    }
+    report(state, samples);
+}
+
+/// The editor of a recording group with as many members, on a station with as many cameras, and then the picker with
+/// all of these: "editor, ms" and "picker, ms" from the wish until both stand in the window and nothing is left to do.
+void openEditor(benchmark::State &state, int members, int rounds)
+{
+    ConsoleClient client(std::make_unique<PluginRecordingManagement>());
+    ConsoleWindow window(client, "groups");
+    window.animate(true);
+    client.session.cameraList()->take(someCameras(members));
+    deliver(*client.plugin, ServerCommand::getVolume, Replies::volumes(8));
+    QVariantMap group = Replies::recordingGroups(1).constFirst().toMap();
+    group["recordingGroupMemberList"] = someMembers(members);
+    deliver(*client.plugin, ServerCommand::retrieveRecordingGroupTreeModel, QVariantList{group});
+    window.rest();
+    Samples samples;
+    for (int round = 0; round < rounds; ++round) {
+        const Smoothness editor = window.watch([&window] { window.call("edit"); }, {{"members", "count", members}}, 1);
+        samples["editor, ms"].push_back(editor.longestTurn * 1e3);
+        samples["editor, CPU ms"].push_back(editor.longestTurnCpu * 1e3);
+        const Smoothness picker =
+            window.watch([&window] { window.press("addCamera"); }, {{"cameraChoices", "count", members}}, 1);
+        samples["picker, ms"].push_back(picker.longestTurn * 1e3);
+        samples["picker, CPU ms"].push_back(picker.longestTurnCpu * 1e3);
+        window.closeDialogs();
+        client.session.cameraList()->take(someCameras(members)); // the editor asked for them
+    }
+    report(state, samples);
+}
+
 } // namespace
 
 /// Google Benchmark with its own options, and one of ours: --smoke runs everything in one small size, to see that it
@@ -178,5 +254,9 @@ int main(int argc, char **argv)
         add(scenario.name, isSmoke ? std::vector{64} : scenario.sizes,
             [=](auto &state, int records) { playScenario(state, scenario, records, isSmoke ? 1 : 9); });
     }
+    add("group editor, members", isSmoke ? std::vector{64} : std::vector{10, 1000, 10'000},
+        [isSmoke](auto &state, int members) { openEditor(state, members, isSmoke ? 1 : 9); });
+    add("group detail, members", isSmoke ? std::vector{64} : std::vector{10, 1000, 10'000},
+        [isSmoke](auto &state, int members) { openDetail(state, members, isSmoke ? 1 : 9); });
     return runBenchmarks(argc, argv);
 }

@@ -20,7 +20,6 @@ std::vector<Case> eventCases();
 std::vector<Case> queryCases();
 std::vector<Case> viewCases();
 
-/// Registers the rows that are exact, and the cost of a parent with many models.
+/// Registers the rows that are exact.
 void addSignalCounts();
 void addHeapCounts();
-void addManyModels(const std::vector<int> &sizes);

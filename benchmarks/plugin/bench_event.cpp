@@ -6,9 +6,6 @@
 #include "Replies.h"
 #include "Rows.h"
 
-#include <algorithm>
-#include <random>
-
 namespace {
 
 const QStringList usageKeys{"recordingGroupID",    "recordingGroupName", "recordingGroupReservedTime",
@@ -89,20 +86,4 @@ std::vector<Case> eventCases()
         });
     }
     return cases;
-}
-
-// What the end of one model costs among many children of one parent, in the worst order, at random, as maps have it.
-void addManyModels(const std::vector<int> &sizes)
-{
-    add("models of one parent", sizes, [](benchmark::State &state, int size) {
-        QObject parent;
-        std::vector<QSharedPointer<QStandardItemModel>> models;
-        const auto make = [&] {
-            for (int i = 0; i < size; ++i)
-                models.emplace_back(new QStandardItemModel(&parent));
-            std::shuffle(models.begin(), models.end(), std::mt19937(1));
-        };
-        measure(state, {{"ours", [&] { models.clear(); }, make}}, {.rounds = 9, .fewest = 1, .seconds = 1});
-        state.counters["end of one, us"] = state.counters["ours"] / size;
-    });
 }

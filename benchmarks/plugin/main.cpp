@@ -67,7 +67,6 @@ void addAll(bool isSmoke)
     }
     addSignalCounts();
     addHeapCounts();
-    addManyModels(isSmoke ? std::vector{smokeSize} : std::vector{100, 1000, 10'000, 50'000});
 }
 
 } // namespace

@@ -21,13 +21,6 @@ qint64 bytesOf(const RecordedTree::File &file)
 {
     return (40'000 + (file.group * 31 + file.camera * 17 + file.day * 7 + file.file * 3) % 1000) * kilobyte;
 }
-
-void makeFile(const QString &path, qint64 bytes)
-{
-    QFile file(path);
-    const bool isMade = file.open(QIODevice::NewOnly) && file.resize(bytes);
-    require(isMade, (path + " cannot be made: " + file.errorString()).toStdString());
-}
 } // namespace
 
 RecordedTree::RecordedTree(const Layout &layout, const QString &path)
@@ -40,9 +33,8 @@ RecordedTree::RecordedTree(const Layout &layout, const QString &path)
         file.day = layout.days - 1 - number / layout.files % layout.days; // the newest comes last
         file.camera = number / (layout.files * layout.days) % layout.cameras;
         file.group = number / (layout.files * layout.days * layout.cameras);
-        if (file.file == 0)
-            QDir().mkpath(QFileInfo(filePath(file)).path());
-        makeFile(filePath(file), bytesOf(file));
+        const QFileInfo info(filePath(file));
+        RecordedSite::write(info.path(), info.fileName(), bytesOf(file));
         count(file, 1, bytesOf(file));
     }
 }
@@ -80,9 +72,10 @@ void RecordedTree::grow(const File &file, qint64 bytes)
 void RecordedTree::add(int group)
 {
     const File file{group, 0, 0, m_layout.files};
-    const QString elsewhere = m_path + QStringLiteral(".new");
-    makeFile(elsewhere, bytesOf(file));
-    require(QFile::rename(elsewhere, filePath(file)), "a recording cannot be moved into its folder");
+    const QString elsewhere = QFileInfo(m_path).path();
+    RecordedSite::write(elsewhere, QStringLiteral("new"), bytesOf(file));
+    require(QFile::rename(elsewhere + QStringLiteral("/new"), filePath(file)),
+            "a recording cannot be moved into its folder");
     count(file, 1, bytesOf(file));
 }
 

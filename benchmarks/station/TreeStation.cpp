@@ -2,7 +2,7 @@
 
 #include "FakeVolumes.h"
 #include "Program.h"
-#include "StationProtocol.h"
+#include "ServerVocabulary.h"
 #include "groups/GroupStore.h"
 #include "store/Database.h"
 #include "usage/RecordingIndex.h"
@@ -85,7 +85,7 @@ Station &TreeStation::station()
     settings.usage.today = [] { return RecordedTree::newestDay().addDays(1); };
     m_station = std::make_unique<Station>(std::move(settings));
     QObject::connect(m_station.get(), &Station::eventRaised, m_station.get(), [this](const StationEvent &event) {
-        if (event.name != StationEventName::VolumeChanged)
+        if (event.name != ServerEvent::VolumeChanged)
             return;
         ++m_events;
         m_told = event.data.toList();
@@ -100,8 +100,8 @@ bool TreeStation::areFiguresTold()
     return std::equal(m_told.cbegin(), m_told.cend(), sums.cbegin(), sums.cend(),
                       [](const QVariant &told, const DaySums &days) {
                           const QVariantMap entry = told.toMap();
-                          return entry.value(StationKey::volumeRecordedDays) == days.size()
-                              && entry.value(StationKey::volumeOneDayUsage) == oneDayUsage(days);
+                          return entry.value(FieldKey::volumeRecordedDays) == days.size()
+                              && entry.value(FieldKey::volumeOneDayUsage) == oneDayUsage(days);
                       });
 }
 
@@ -115,7 +115,7 @@ void TreeStation::waitForFigures()
 void TreeStation::readAll()
 {
     const int before = m_events;
-    station().handle({StationCommandName::reloadStorageUsageInfo, {}}, [](const StationReply &) {});
+    station().handle({ServerCommand::reloadStorageUsageInfo, {}}, [](const StationReply &) {});
     waitFor([this, before] { return m_events > before; }, "the event after reading all folders");
 }
 

@@ -18,7 +18,9 @@ public:
     /// @p dataFolder.
     TreeStation(const Layout &layout, const QString &path, const QString &dataFolder);
 
+    const Layout &layout() const { return m_layout; }
     int size() const { return m_layout.all(); } ///< files
+    const QString &dataFolder() const { return m_dataFolder; }
     RecordedTree &files();
 
     /// Leaves the groups in a database without an index.
@@ -56,5 +58,6 @@ using TreeStations = std::vector<std::unique_ptr<TreeStation>>;
 void addReading(const TreeStations &trees);
 void addChanges(const TreeStations &trees);
 void addEvents(const std::vector<int> &groups);
-/// @param folder for the data of the stations
-void addLink(const QString &folder, const std::vector<int> &records);
+/// These two run stations of recording-stationd, with data below @p folder and on the trees; those go last.
+void addLink(const QString &folder, bool isSmoke);
+void addStarts(const TreeStations &trees);

@@ -26,13 +26,6 @@ const Change changes[] = {
     {"a file comes", &RecordedTree::add, &RecordedTree::remove},
 };
 
-void start(benchmark::State &state, TreeStation &tree)
-{
-    tree.settle();
-    measure(state, {{"ours", [&] { tree.waitForFigures(); }, [&] { tree.stop(); }}},
-            {.rounds = rounds, .cpuSeconds = processSeconds});
-}
-
 void changeFiles(benchmark::State &state, TreeStation &tree, const Change &change)
 {
     RecordedTree &files = tree.files();
@@ -55,7 +48,6 @@ void changeFiles(benchmark::State &state, TreeStation &tree, const Change &chang
 void addChanges(const TreeStations &trees)
 {
     for (const auto &tree : trees) {
-        add("start to figures", {tree->size()}, [&tree](auto &state, int) { start(state, *tree); });
         for (const Change &change : changes)
             add(change.name, {tree->size()}, [&tree, &change](auto &state, int) { changeFiles(state, *tree, change); });
     }

@@ -1,6 +1,6 @@
 #include "Measuring.h"
 #include "Program.h"
-#include "StationProtocol.h"
+#include "ServerVocabulary.h"
 #include "TreeStation.h"
 #include "usage/UsageFigures.h"
 
@@ -45,22 +45,17 @@ QVariantList again(const QVariantList &entries)
     return list;
 }
 
-void check(const QVariantList &entries)
-{
-    for (qsizetype group = 0; group < entries.size(); ++group) {
-        const QVariantMap entry = entries.at(group).toMap();
-        require(entry.value(StationKey::volumeRecordedDays) == days
-                    && entry.value(StationKey::volumeOneDayUsage) == bytesOfADay + group,
-                "the event's figures are wrong");
-    }
-}
-
 void makeEvent(benchmark::State &state, int groups)
 {
     const QList<UsagePlace> places = placesOf(groups);
     const QVariantList sent = usageEntries(places, today);
     const QVariantList same = again(sent);
-    check(sent);
+    for (qsizetype group = 0; group < sent.size(); ++group) {
+        const QVariantMap entry = sent.at(group).toMap();
+        require(entry.value(FieldKey::volumeRecordedDays) == days
+                    && entry.value(FieldKey::volumeOneDayUsage) == bytesOfADay + group,
+                "the event's figures are wrong");
+    }
     QVariantList made;
     measure(state,
             {

@@ -5,7 +5,6 @@
 #include <QDirIterator>
 
 #include <algorithm>
-#include <filesystem>
 
 #include <dirent.h>
 #include <fcntl.h>

@@ -63,6 +63,7 @@ int main(int argc, char **argv)
     addReading(trees);
     addChanges(trees);
     addEvents(isSmoke ? std::vector{32} : std::vector{10, 100, 1000});
-    addLink(data, isSmoke ? std::vector{32} : std::vector{0, 1000, 10'000});
+    addLink(data, isSmoke);
+    addStarts(trees);
     return runBenchmarks(argc, argv);
 }
