@@ -20,7 +20,7 @@ struct MyFramework : FrameworkWrapperBase
 int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
-    QPluginLoader loader(app.arguments().value(1));
+    QPluginLoader loader(QFileInfo(app.arguments().value(1)).absoluteFilePath()); // Qt finds no relative path
     MyFramework framework;
     framework.plugin = qobject_cast<PluginBase *>(loader.instance());
     if (!framework.plugin || !framework.plugin->InitialPluginBase(nullptr, nullptr, &framework))
