@@ -30,10 +30,10 @@ const QString success = u"0"_s;
 class ExampleStation
 {
 public:
-    explicit ExampleStation(QStringList arguments)
+    explicit ExampleStation(QStringList arguments, const QString &program = u"station.py"_s)
         : m_arguments(std::move(arguments))
     {
-        m_arguments.prepend(QStringLiteral(EXAMPLE));
+        m_arguments.prepend(QStringLiteral(EXAMPLES) + program);
         m_arguments.prepend(u"-B"_s); // leaves nothing beside the sources
         m_process.setProcessChannelMode(QProcess::MergedChannels);
     }
@@ -174,6 +174,7 @@ private slots:
     void brokerComesBack();
     void toolWorksWithIt();
     void wrongUseIsAClearError();
+    void smallestOneIsAStation();
 
 private:
     QString url() const { return m_broker->url() + u"/shed"_s; }
@@ -671,6 +672,30 @@ void OwnStationTest::wrongUseIsAClearError()
     QTRY_VERIFY_WITH_TIMEOUT(alone.log().contains(u"The broker cannot be reached; trying again"_s), patience);
     alone.stop();
     QCOMPARE(alone.exitCode(), 0);
+}
+
+void OwnStationTest::smallestOneIsAStation()
+{
+    m_station->stop();
+    m_station = std::make_unique<ExampleStation>(
+        QStringList{m_volume, u"--id"_s, u"shed"_s, u"--port"_s, QString::number(m_broker->port())}, u"smallest.py"_s);
+    m_station->start();
+    pluginSeesTheVolume();
+    if (QTest::currentTestFailed())
+        return;
+    QVERIFY(addGroup(u"North"_s).isEmpty());
+    const auto tool = [this](const QString &command) { return run({u"--connect"_s, url(), command}); };
+    for (const QString &command : {u"volumes"_s, u"groups"_s, u"tree"_s, u"usage"_s, u"alarms"_s}) {
+        const Run shown = tool(command);
+        QVERIFY2(shown.exitCode == 0, qPrintable(command + shown.errors));
+    }
+    QVERIFY(QDir(m_volume).removeRecursively());
+    const Run alarms = tool(u"alarms"_s);
+    QCOMPARE(alarms.exitCode, 1);
+    QVERIFY2(alarms.output.contains(m_volume), qPrintable(alarms.output));
+    m_station->stop();
+    QCOMPARE(m_station->exitCode(), 0);
+    QCOMPARE(tool(u"volumes"_s).exitCode, 3);
 }
 
 QTEST_GUILESS_MAIN(OwnStationTest)
