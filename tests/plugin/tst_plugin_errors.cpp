@@ -72,9 +72,9 @@ void PluginErrorsTest::factOfARefusal()
     const QMetaMethod method = m_plugin->metaObject()->method(add);
     const int local = 0;
     bool sent = true;
-    QVERIFY(method.invoke(m_plugin.get(), Qt::DirectConnection, Q_RETURN_ARG(bool, sent), Q_ARG(QString, group[0]),
-                          Q_ARG(QString, group[1]), QGenericArgument("RecPathType", &local),
-                          Q_ARG(qlonglong, reserve)));
+    QVERIFY(method.invoke(m_plugin.get(), Qt::DirectConnection, QGenericReturnArgument("bool", &sent),
+                          QGenericArgument("QString", &group[0]), QGenericArgument("QString", &group[1]),
+                          QGenericArgument("RecPathType", &local), QGenericArgument("qlonglong", &reserve)));
     QVERIFY(!sent);
     QTEST(errors.lastFact(), "fact");
 }
