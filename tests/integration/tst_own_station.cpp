@@ -184,8 +184,8 @@ private:
     bool call(const char *method, const Arguments &...arguments)
     {
         bool accepted = false;
-        return QMetaObject::invokeMethod(m_session->plugin(), method, Q_RETURN_ARG(bool, accepted),
-                                         QArgument<Arguments>(QMetaType::fromType<Arguments>().name(), arguments)...)
+        return QMetaObject::invokeMethod(m_session->plugin(), method, QGenericReturnArgument("bool", &accepted),
+                                         QGenericArgument(QMetaType::fromType<Arguments>().name(), &arguments)...)
             && accepted;
     }
     QAbstractItemModel *model(const char *getter) const;
