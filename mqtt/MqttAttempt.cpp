@@ -7,6 +7,7 @@
 #include <mosquitto.h>
 #include <mqtt_protocol.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <mutex>
@@ -55,6 +56,14 @@ struct Place
 {
     QString address; ///< in numbers
     bool isLoopback;
+    bool isIpV6;
+};
+
+/// What the library is told to connect to.
+struct Destination
+{
+    QString host; ///< or an address; empty: nothing
+    QByteArray from; ///< any address of this machine's, of the family to use; empty: either family
 };
 
 std::vector<Place> placesOf(const QString &host, QString &error)
@@ -73,22 +82,26 @@ std::vector<Place> placesOf(const QString &host, QString &error)
     for (const addrinfo *entry = list; entry; entry = entry->ai_next) {
         const QHostAddress address(entry->ai_addr);
         if (!address.isNull())
-            places.push_back({address.toString(), address.isLoopback()});
+            places.push_back({address.toString(), address.isLoopback(), entry->ai_family == AF_INET6});
     }
     return places;
 }
 
-/// The address to connect to: of an encrypted broker its name, as the certificate is compared with that.
-QString addressFor(const MqttSettings &settings, int number, QString &error)
+/// Of an encrypted broker it is the name, as the certificate is compared with that. The library then takes the first
+/// address which does not refuse at once: the family of the own address lets every attempt take another one.
+Destination destinationOf(const MqttSettings &settings, int number, QString &error)
 {
     const std::vector<Place> places = placesOf(settings.host, error);
     if (places.empty())
         return {};
-    if (settings.isEncrypted)
-        return settings.host;
     const Place &place = places[static_cast<std::size_t>(number) % places.size()];
+    if (settings.isEncrypted) {
+        const bool hasOther = std::any_of(places.cbegin(), places.cend(),
+                                          [&place](const Place &other) { return other.isIpV6 != place.isIpV6; });
+        return {settings.host, hasOther ? QByteArray(place.isIpV6 ? "::" : "0.0.0.0") : QByteArray()};
+    }
     if (place.isLoopback || settings.isPlaintextAllowed)
-        return place.address;
+        return {place.address, {}};
     error =
         QStringLiteral("%1 (%2) is another machine, and without TLS everybody on the way may read and change what is "
                        "said, passwords included: use mqtts, or accept that with ?plaintext=everybody-may-read")
@@ -168,8 +181,8 @@ MqttAttempt attemptMqtt(const MqttSettings &settings, const QString &clientId, c
     QByteArray password;
     if (!readPassword(settings, password, attempt.error))
         return attempt;
-    const QString address = addressFor(settings, number, attempt.error);
-    if (address.isEmpty())
+    const Destination destination = destinationOf(settings, number, attempt.error);
+    if (destination.host.isEmpty())
         return attempt;
     std::shared_ptr<mosquitto> client(mosquitto_new(clientId.toUtf8().constData(), true, nullptr), mosquitto_destroy);
     if (!client) {
@@ -195,7 +208,13 @@ MqttAttempt attemptMqtt(const MqttSettings &settings, const QString &clientId, c
         if (level == MOSQ_LOG_ERR)
             *static_cast<QString *>(text) = QString::fromLocal8Bit(line);
     });
-    const int outcome = mosquitto_connect_async(client.get(), address.toUtf8().constData(), settings.port, keepAlive);
+    errno = 0;
+    int outcome =
+        mosquitto_connect_bind_async(client.get(), destination.host.toUtf8().constData(), settings.port, keepAlive,
+                                     destination.from.isEmpty() ? nullptr : destination.from.constData());
+    // Newer ones begin with TLS at once, and take it for the reason where nobody listens.
+    if (outcome == MOSQ_ERR_TLS && detail.isEmpty() && errno != 0 && errno != EPROTO)
+        outcome = MOSQ_ERR_ERRNO;
     mosquitto_log_callback_set(client.get(), nullptr);
     if (outcome == MOSQ_ERR_SUCCESS)
         attempt.client = std::move(client);
