@@ -20,8 +20,6 @@ ItemDelegate {
     readonly property string recordedBy: groupCount < 0 ? qsTr("Not known who records it")
         : unrecorded ? qsTr("Not recorded") : groupNames.join(", ")
 
-    signal toggled
-
     objectName: "pick:" + camName
     implicitHeight: Theme.sized(48)
     leftPadding: Theme.large

@@ -25,8 +25,6 @@ ItemDelegate {
     readonly property string recordedBy: groupCount < 0 ? qsTr("Not known which group records it")
         : unrecorded ? qsTr("No group records it") : groups.map(group => placeText(group)).join(" · ")
 
-    signal toggled
-
     /// The figures are the whole group's: the station tells none of a camera alone.
     function placeText(group: var): string {
         const figures = (row.usageRevision, row.usage.figuresOf(group.id));

@@ -6,8 +6,6 @@ import RecordingConsole
 ConsoleDialog {
     id: dialog
 
-    signal discarded
-
     objectName: "discardDialog"
     title: qsTr("Discard the changes?")
     width: Math.min(Theme.sized(420), parent.width - 2 * Theme.large)

@@ -24,7 +24,7 @@ ConsoleDialog {
     property var differences: [] // from the group as it is
 
     /// The station took @p request, as GroupEdit makes it, for @p group; null for a new one.
-    signal applied(group: var, request: var)
+    signal taken(group: var, request: var)
 
     function ask(groupOrNull: var): void {
         if (busy) {
@@ -109,7 +109,7 @@ ConsoleDialog {
             busy = false;
             close();
         }
-        applied(group, sent);
+        taken(group, sent);
     }
 
     function entered(): var {

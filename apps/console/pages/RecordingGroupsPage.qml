@@ -360,7 +360,7 @@ ConsolePage {
         session: page.session
         groups: groups
         revision: page.revision
-        onApplied: (group, request) => undo.offer(group, request)
+        onTaken: (group, request) => undo.offer(group, request)
     }
     BulkEditor {
         id: bulk
