@@ -88,21 +88,25 @@ std::vector<Place> placesOf(const QString &host, QString &error)
 }
 
 /// Of an encrypted broker it is the name, as the certificate is compared with that. The library then takes the first
-/// address which does not refuse at once: the family of the own address lets every attempt take another one.
-Destination destinationOf(const MqttSettings &settings, int number, QString &error)
+/// address which does not refuse at once; by the family of the own address each attempt takes another one.
+Destination destinationOf(const MqttSettings &settings, int number, MqttAttempt &attempt)
 {
-    const std::vector<Place> places = placesOf(settings.host, error);
+    std::vector<Place> places = placesOf(settings.host, attempt.error);
     if (places.empty())
         return {};
+    if (settings.isEncrypted)
+        places.erase(std::unique(places.begin(), places.end(),
+                                 [](const Place &one, const Place &next) { return one.isIpV6 == next.isIpV6; }),
+                     places.end());
+    attempt.places = static_cast<int>(places.size());
     const Place &place = places[static_cast<std::size_t>(number) % places.size()];
-    if (settings.isEncrypted) {
-        const bool hasOther = std::any_of(places.cbegin(), places.cend(),
-                                          [&place](const Place &other) { return other.isIpV6 != place.isIpV6; });
-        return {settings.host, hasOther ? QByteArray(place.isIpV6 ? "::" : "0.0.0.0") : QByteArray()};
-    }
+    if (settings.isEncrypted && attempt.places > 1)
+        return {settings.host, place.isIpV6 ? "::" : "0.0.0.0"};
+    if (settings.isEncrypted)
+        return {settings.host, {}};
     if (place.isLoopback || settings.isPlaintextAllowed)
         return {place.address, {}};
-    error =
+    attempt.error =
         QStringLiteral("%1 (%2) is another machine, and without TLS everybody on the way may read and change what is "
                        "said, passwords included: use mqtts, or accept that with ?plaintext=everybody-may-read")
             .arg(settings.host, place.address);
@@ -181,7 +185,7 @@ MqttAttempt attemptMqtt(const MqttSettings &settings, const QString &clientId, c
     QByteArray password;
     if (!readPassword(settings, password, attempt.error))
         return attempt;
-    const Destination destination = destinationOf(settings, number, attempt.error);
+    const Destination destination = destinationOf(settings, number, attempt);
     if (destination.host.isEmpty())
         return attempt;
     std::shared_ptr<mosquitto> client(mosquitto_new(clientId.toUtf8().constData(), true, nullptr), mosquitto_destroy);
@@ -208,13 +212,13 @@ MqttAttempt attemptMqtt(const MqttSettings &settings, const QString &clientId, c
         if (level == MOSQ_LOG_ERR)
             *static_cast<QString *>(text) = QString::fromLocal8Bit(line);
     });
-    errno = 0;
     int outcome =
         mosquitto_connect_bind_async(client.get(), destination.host.toUtf8().constData(), settings.port, keepAlive,
                                      destination.from.isEmpty() ? nullptr : destination.from.constData());
-    // Newer ones begin with TLS at once, and take it for the reason where nobody listens.
-    if (outcome == MOSQ_ERR_TLS && detail.isEmpty() && errno != 0 && errno != EPROTO)
+    if (outcome == MOSQ_ERR_TLS && detail.isEmpty()) { // newer ones begin with TLS before they know that nobody listens
         outcome = MOSQ_ERR_ERRNO;
+        errno = ECONNREFUSED;
+    }
     mosquitto_log_callback_set(client.get(), nullptr);
     if (outcome == MOSQ_ERR_SUCCESS)
         attempt.client = std::move(client);

@@ -13,6 +13,7 @@ struct MqttAttempt
 {
     std::shared_ptr<mosquitto> client; ///< null where it failed
     QString error; ///< why, an English clause
+    int places = 0; ///< that the broker's name leads to: so many attempts in turn each take another one
 };
 
 /// Looks the broker's name up, reads the files that @p settings name and begins to connect. May block as long as that

@@ -175,6 +175,8 @@ void MqttConnection::stop()
     if (m_client && isUp())
         mosquitto_disconnect_v5(m_client.get(), 0, nullptr);
     close();
+    m_isConnected = false;
+    m_failures = 0;
     m_retryTimer.stop();
     m_occurrences.clear();
     m_state = {};
@@ -211,10 +213,10 @@ void MqttConnection::attempt()
 void MqttConnection::take(const MqttAttempt &attempt)
 {
     m_ticket.reset();
+    m_places = attempt.places;
     if (!attempt.client)
         return lose(attempt.error);
     m_client = attempt.client;
-    m_isConnected = false;
     m_detail.clear();
     Callbacks::set(m_client.get(), this);
     watchSocket();
@@ -406,6 +408,11 @@ void MqttConnection::subscribe(const QString &filter)
 void MqttConnection::lose(const QString &reason)
 {
     close();
+    const bool wasThere = std::exchange(m_isConnected, false);
+    m_failures = wasThere ? 0 : m_failures + 1;
+    if (m_failures > 0 && m_failures < m_places)
+        return attempt(); // at the next address of the same name
+    m_failures = 0;
     const double chance = 0.5 + QRandomGenerator::global()->generateDouble();
     const auto pause = std::chrono::milliseconds(static_cast<qint64>(static_cast<double>(m_pause.count()) * chance));
     m_pause = std::min<std::chrono::milliseconds>(m_pause * 2, longestPause);

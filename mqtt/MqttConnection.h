@@ -143,6 +143,8 @@ private:
     QString m_detail; // what the library said of TLS
     int m_attempts = 0;
     bool m_isConnected = false; // the broker's machine took the connection
+    int m_places = 0; // of the broker's name
+    int m_failures = 0; // among them, since the last pause
     bool m_isDelivering = false;
     bool m_isDeliveryScheduled = false;
 };
