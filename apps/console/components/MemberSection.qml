@@ -15,6 +15,7 @@ ColumnLayout {
     required property var streamElsewhere ///< function of a camera's name, see MemberEditRow
     readonly property alias count: members.count
     property string title: qsTr("Cameras")
+    property int awaitedRow: -1 // that is to have the focus as soon as it is made
 
     signal edited ///< the operator changed, added or removed a member
 
@@ -58,7 +59,17 @@ ColumnLayout {
         list.currentIndex = row;
         list.positionViewAtIndex(row, ListView.Contain);
         list.forceLayout();
-        (list.itemAtIndex(row) as MemberEditRow)?.takeFocus();
+        awaitedRow = row;
+        focusAwaited();
+    }
+
+    /// A list that was empty has no height yet, and may make its rows later.
+    function focusAwaited(): void {
+        const item = list.itemAtIndex(awaitedRow) as MemberEditRow;
+        if (item === null)
+            return;
+        awaitedRow = -1;
+        item.takeFocus();
     }
 
     function pick(): void {
@@ -116,6 +127,7 @@ ColumnLayout {
         boundsBehavior: Flickable.StopAtBounds
         highlightFollowsCurrentItem: false
         model: members
+        onCurrentItemChanged: section.focusAwaited()
         Accessible.role: Accessible.List
         Accessible.name: qsTr("Cameras of the group")
         Layout.fillWidth: true

@@ -22,7 +22,7 @@ GroupsTest {
         pick(editor, ["Yard"]);
         const member = memberRow(editor, 0);
         compare(field(member, "camera").text, "Yard");
-        verify(field(member, "stream").activeFocus, "the new row has the focus");
+        tryVerify(() => field(member, "stream").activeFocus, 5000, "the new row has the focus");
         choose(field(member, "stream"), 2);
         press(field(member, "timeShift"));
         enter(field(editor, "groupNameField"), "East");

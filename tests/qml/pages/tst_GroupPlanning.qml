@@ -289,6 +289,7 @@ GroupsTest {
         test.Window.window.close();
         tryVerify(() => discarding.opened);
         verify(test.Window.window.visible);
+        waitForItemPolished(discarding.footer);
         mouseClick(findChild(discarding.footer, "cancel"));
         tryVerify(() => !discarding.visible);
         verify(editor.visible);
