@@ -16,6 +16,7 @@ ColumnLayout {
     readonly property alias count: members.count
     property string title: qsTr("Cameras")
     property int awaitedRow: -1 // that is to have the focus as soon as it is made
+    property Item waitingFocus: null // what has it until then
 
     signal edited ///< the operator changed, added or removed a member
 
@@ -60,16 +61,18 @@ ColumnLayout {
         list.positionViewAtIndex(row, ListView.Contain);
         list.forceLayout();
         awaitedRow = row;
+        waitingFocus = Window.activeFocusItem;
         focusAwaited();
     }
 
-    /// A list that was empty has no height yet, and may make its rows later.
+    /// A list that was empty has no height yet, and may make its rows later. The operator may have gone on by then.
     function focusAwaited(): void {
         const item = list.itemAtIndex(awaitedRow) as MemberEditRow;
         if (item === null)
             return;
         awaitedRow = -1;
-        item.takeFocus();
+        if (Window.activeFocusItem === waitingFocus)
+            item.takeFocus();
     }
 
     function pick(): void {
