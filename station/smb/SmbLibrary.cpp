@@ -13,6 +13,7 @@
 #include <pthread.h>
 
 namespace {
+// "dos charset": each log-on writes to it, and for any but this one all threads would share one descriptor of iconv().
 // "lock directory": a folder that takes no files, so that there is no cache file either.
 constexpr auto configuration = R"([global]
     client min protocol = SMB2_02
@@ -20,6 +21,7 @@ constexpr auto configuration = R"([global]
     disable netbios = yes
     name resolve order = host
     unix charset = UTF-8
+    dos charset = ASCII
     lock directory = /proc/self
 )";
 

@@ -11,7 +11,21 @@
 #include <thread>
 #include <vector>
 
+#include <dlfcn.h>
+
 using namespace std::chrono_literals;
+
+namespace {
+std::atomic<int> conversions = 0;
+}
+
+/// In place of libc's: libsmbclient shares a descriptor among threads, which iconv() does not allow.
+extern "C" Q_DECL_EXPORT std::size_t iconv(void *descriptor, char **in, std::size_t *inLeft, char **out, std::size_t *outLeft)
+{
+    static const auto libcs = reinterpret_cast<decltype(&iconv)>(dlsym(RTLD_NEXT, "iconv"));
+    ++conversions;
+    return libcs(descriptor, in, inLeft, out, outLeft);
+}
 
 /// Several threads in libsmbclient at once, from the first call in the process on.
 class SmbThreadsTest : public QObject
@@ -21,6 +35,7 @@ class SmbThreadsTest : public QObject
 private slots:
     void initTestCase();
 
+    void noDescriptorOfIconvIsShared();
     void manyThreadsBrowseAtOnce();
     void aSilentServerDoesNotHoldOthersUp();
 
@@ -34,6 +49,13 @@ void SmbThreadsTest::initTestCase()
     for (const char *folder : {"a", "b", "c"})
         QVERIFY(QDir(m_server.folderOf(QStringLiteral("video"))).mkdir(QString::fromLatin1(folder)));
     QVERIFY2(m_server.start(), qPrintable(m_server.error()));
+}
+
+void SmbThreadsTest::noDescriptorOfIconvIsShared()
+{
+    SmbClient client({{}, m_server.userName(), m_server.password()}, 20s);
+    QCOMPARE(client.folders(*SmbPath::parse(QStringLiteral("//%1/video").arg(m_server.host()))).names.size(), 5);
+    QCOMPARE(conversions.load(), 0);
 }
 
 void SmbThreadsTest::manyThreadsBrowseAtOnce()
