@@ -85,7 +85,9 @@ struct MountedVolumes::Looks : std::enable_shared_from_this<Looks>
     void take(const MountRecord &mount, const Look &answer);
     void askAll(const QList<MountRecord> &list, Clock::time_point deadline);
     void forgetOthers(const MountTable &table);
-    QList<Volume> volumesOf(MountTable table, const std::optional<QString> &device = {});
+    /// A volume and its device, as the table of mounts writes it.
+    using Answers = QList<std::pair<QString, Volume>>;
+    Answers answers(MountTable table, const std::optional<QSet<QString>> &devices = {});
 };
 
 /// To be called with the mutex held.
@@ -162,18 +164,19 @@ void MountedVolumes::Looks::forgetOthers(const MountTable &table)
     mounts.removeIf([&keys](const auto &known) { return !keys.contains(known.key()); });
 }
 
-/// @param device of the volumes that are asked for; none: all
-QList<Volume> MountedVolumes::Looks::volumesOf(MountTable table, const std::optional<QString> &device)
+/// One for each device. @param devices that are asked; none: all
+MountedVolumes::Looks::Answers MountedVolumes::Looks::answers(MountTable table,
+                                                              const std::optional<QSet<QString>> &devices)
 {
     forgetOthers(table);
     const Clock::time_point deadline = Clock::now() + limits.answer;
     while (true) {
         QList<MountRecord> wanted = table.volumes();
-        if (device)
-            wanted.removeIf([&device](const MountRecord &mount) { return mount.device != *device; });
+        if (devices)
+            wanted.removeIf([&devices](const MountRecord &mount) { return !devices->contains(mount.device); });
         askAll(wanted, deadline);
         const std::lock_guard lock(mutex);
-        QList<Volume> volumes;
+        Answers answers;
         bool isAllFolders = true;
         for (const MountRecord &mount : std::as_const(wanted)) {
             const Mount known = mounts.value(keyOf(mount));
@@ -182,13 +185,13 @@ QList<Volume> MountedVolumes::Looks::volumesOf(MountTable table, const std::opti
                 table.markAsFile(mount.id); // another mount of that file system may be one
                 isAllFolders = false;
             } else if (!isSilent && known.answer.volume) {
-                volumes.append(*known.answer.volume);
+                answers.append({mount.device, *known.answer.volume});
             } else if (mount.mountPoint == u'/') {
-                volumes.append(silentRoot(mount));
+                answers.append({mount.device, silentRoot(mount)});
             }
         }
         if (isAllFolders)
-            return volumes;
+            return answers;
     }
 }
 
@@ -214,18 +217,37 @@ MountedVolumes::~MountedVolumes() = default;
 
 QList<Volume> MountedVolumes::volumes() const
 {
-    return m_looks->volumesOf(m_readTable());
+    QList<Volume> volumes;
+    for (const auto &[device, volume] : m_looks->answers(m_readTable()))
+        volumes.append(volume);
+    return volumes;
 }
 
 std::optional<Volume> MountedVolumes::volumeHolding(const QString &path) const
 {
+    return volumesHolding({path}).front();
+}
+
+QList<std::optional<Volume>> MountedVolumes::volumesHolding(const QStringList &paths) const
+{
     const MountTable table = m_readTable();
-    const MountRecord &holder = table.holding(path);
-    QList<Volume> volumes = m_looks->volumesOf(table, holder.device);
-    if (volumes.isEmpty())
-        return {};
-    volumes.front().isReadOnly = holder.isReadOnly; // one file system can be mounted both ways
-    return volumes.front();
+    QList<const MountRecord *> holders;
+    QSet<QString> devices;
+    for (const QString &path : paths) {
+        holders.append(&table.holding(path));
+        devices.insert(holders.back()->device);
+    }
+    QHash<QString, Volume> byDevice;
+    for (const auto &[device, volume] : m_looks->answers(table, devices))
+        byDevice.insert(device, volume);
+    QList<std::optional<Volume>> volumes;
+    for (const MountRecord *holder : std::as_const(holders)) {
+        const auto found = byDevice.constFind(holder->device);
+        volumes.append(found == byDevice.cend() ? std::nullopt : std::optional(*found));
+        if (volumes.back())
+            volumes.back()->isReadOnly = holder->isReadOnly; // one file system can be mounted both ways
+    }
+    return volumes;
 }
 
 bool MountedVolumes::isSilent(const QString &path) const

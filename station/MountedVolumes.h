@@ -43,6 +43,7 @@ public:
     QList<Volume> volumes() const override;
     /// Asks that volume alone.
     std::optional<Volume> volumeHolding(const QString &path) const override;
+    QList<std::optional<Volume>> volumesHolding(const QStringList &paths) const override;
     bool isSilent(const QString &path) const override;
     QList<StationTrouble> troubles() const override;
 

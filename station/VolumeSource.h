@@ -4,6 +4,7 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -32,6 +33,15 @@ public:
     /// The volume that stores what lies under @p path; none when that is not one of the station's volumes.
     /// @param path of an existing folder, absolute, symbolic links resolved
     virtual std::optional<Volume> volumeHolding(const QString &path) const = 0;
+
+    /// The same for each of @p paths, in their order; each volume is asked once.
+    virtual QList<std::optional<Volume>> volumesHolding(const QStringList &paths) const
+    {
+        QList<std::optional<Volume>> volumes;
+        for (const QString &path : paths)
+            volumes.append(volumeHolding(path));
+        return volumes;
+    }
 
     /// Whether the volume that holds @p path did not answer when it was asked last: then volumeHolding() gives none.
     virtual bool isSilent(const QString &) const { return false; }

@@ -6,8 +6,11 @@
 #include "store/Database.h"
 
 #include <QFile>
+#include <QThread>
 
 #include <cerrno>
+#include <memory>
+#include <mutex>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -19,6 +22,60 @@ constexpr std::chrono::seconds patience(1); // with a disk that says nothing
 QVariant text(const QString &value)
 {
     return value.isNull() ? QStringLiteral("") : value;
+}
+
+/// What a folder's own disk tells of it.
+struct FolderSight
+{
+    DiskPath place;
+    quint64 device = 0; // 0: it is no folder
+    int writeError = 0;
+};
+
+FolderSight seeFolder(const QString &path, DiskVisit &visit)
+{
+    FolderSight sight{resolved(QFile::encodeName(path).toStdString(), visit)};
+    if (sight.place.error != 0 || !sight.place.isFolder)
+        return sight;
+    const std::filesystem::path &folder = sight.place.canonical;
+    sight.device = identify(QString::fromStdString(folder.native())).device;
+    // A trial file every few seconds would wear the disk: that is left to edits.
+    if (faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0)
+        sight.writeError = errno;
+    return sight;
+}
+
+/// Of each of @p paths, in their order. One visit sees as many of them as answer; where it hangs, another goes on
+/// behind the first path that does not.
+QList<FolderSight> seeFolders(const QStringList &paths, const DiskWork &disks)
+{
+    struct Progress
+    {
+        std::mutex mutex;
+        QList<FolderSight> sights;
+    };
+    const FolderSight silent{{{}, false, ETIMEDOUT}};
+    QList<FolderSight> sights;
+    while (sights.size() < paths.size() && !QThread::currentThread()->isInterruptionRequested()) {
+        const auto progress = std::make_shared<Progress>();
+        const auto see = [progress, left = paths.mid(sights.size())](DiskVisit &visit) {
+            for (const QString &path : left) {
+                const FolderSight sight = seeFolder(path, visit);
+                if (!visit.goesOn())
+                    return false;
+                const std::lock_guard lock(progress->mutex);
+                progress->sights.append(sight);
+            }
+            return true;
+        };
+        const bool isThrough = disks.await<bool>(see, false);
+        const std::lock_guard lock(progress->mutex);
+        sights += progress->sights;
+        if (!isThrough && progress->sights.isEmpty())
+            sights.append(silent);
+    }
+    sights.resize(paths.size(), silent);
+    return sights;
 }
 } // namespace
 
@@ -91,75 +148,92 @@ void RecordingPlaces::load()
     }
 }
 
-void RecordingPlaces::remember(RecordingPlace &place, const Volume &volume)
+/// The volume of each place that is on one which it has not been on before.
+void RecordingPlaces::remember(const QHash<qint64, PlaceState> &states)
 {
-    if (place.volumePath == volume.path && place.volumeName == volume.name)
-        return;
+    QList<RecordingPlace *> moved;
+    for (RecordingPlace &place : m_places) {
+        const auto state = states.constFind(place.number);
+        const bool isThere = state != states.cend() && state->storage == UsagePlace::Storage::Present;
+        if (isThere && (place.volumePath != state->volume.path || place.volumeName != state->volume.name))
+            moved.append(&place);
+    }
     Database &database = m_data.database();
-    if (database.limitation())
+    if (moved.isEmpty() || database.limitation())
         return;
     Transaction transaction(database, Transaction::Patience::Short);
-    database.run(QStringLiteral("UPDATE recording_place SET volume_path = ?, volume_name = ? WHERE number = ?"),
-                 {volume.path, volume.name, place.number});
+    for (const RecordingPlace *place : std::as_const(moved)) {
+        const Volume &volume = states.constFind(place->number)->volume;
+        database.run(QStringLiteral("UPDATE recording_place SET volume_path = ?, volume_name = ? WHERE number = ?"),
+                     {volume.path, volume.name, place->number});
+    }
     transaction.commit();
-    place.volumePath = volume.path;
-    place.volumeName = volume.name;
+    for (RecordingPlace *place : std::as_const(moved)) {
+        place->volumePath = states.constFind(place->number)->volume.path;
+        place->volumeName = states.constFind(place->number)->volume.name;
+    }
 }
 
 QHash<qint64, PlaceState> RecordingPlaces::look()
 {
-    QHash<QString, Sight> sights;
+    const QHash<QString, Sight> seen = sights();
     QHash<qint64, PlaceState> states;
-    for (RecordingPlace &place : m_places) {
+    QHash<QString, bool> mounted; // by the path of a volume
+    const auto isVolumeThere = [&](const QString &volumePath) {
+        auto known = mounted.constFind(volumePath);
+        if (known == mounted.cend())
+            known = mounted.insert(volumePath, isMounted(volumePath));
+        return *known;
+    };
+    for (const RecordingPlace &place : std::as_const(m_places)) {
         if (place.isNas())
             continue;
-        auto sight = sights.constFind(place.path);
-        if (sight == sights.cend())
-            sight = sights.insert(place.path, lookAt(place.path));
+        const Sight &sight = *seen.constFind(place.path);
         PlaceState &state = states[place.number];
-        const std::optional<Volume> &volume = sight->volume;
+        const std::optional<Volume> &volume = sight.volume;
         const bool isOnItsVolume = volume && (place.volumePath.isEmpty() || place.volumePath == volume->path);
-        if (isOnItsVolume && !sight->isSilent) {
-            const int writeError = volume->isReadOnly ? EROFS : sight->writeError;
-            state = {UsagePlace::Storage::Present, *volume, false, writeError, true, sight->device};
-            remember(place, *volume);
+        if (isOnItsVolume && !sight.isSilent) {
+            const int writeError = volume->isReadOnly ? EROFS : sight.writeError;
+            state = {UsagePlace::Storage::Present, *volume, false, writeError, true, sight.device};
             continue;
         }
-        state.isSilent = sight->isSilent;
-        state.storage = sight->isSilent ? UsagePlace::Storage::Unknown : UsagePlace::Storage::Gone;
-        state.isVolumeThere = sight->isSilent || isMounted(place.volumePath);
+        state.isSilent = sight.isSilent;
+        state.storage = sight.isSilent ? UsagePlace::Storage::Unknown : UsagePlace::Storage::Gone;
+        state.isVolumeThere = sight.isSilent || isVolumeThere(place.volumePath);
         state.volume.path = place.volumePath;
         state.volume.name = place.volumeName;
     }
+    remember(states);
     return states;
 }
 
-/// No volume where @p path is no folder.
-RecordingPlaces::Sight RecordingPlaces::lookAt(const QString &path) const
+/// By the local path of a place; no volume where that is no folder.
+QHash<QString, RecordingPlaces::Sight> RecordingPlaces::sights() const
 {
-    struct Found
-    {
-        DiskPath place;
-        quint64 device = 0;
-        int writeError = 0;
-    };
-    const auto find = [native = QFile::encodeName(path).toStdString()](DiskVisit &visit) {
-        Found found{resolved(native, visit)};
-        if (found.place.error != 0 || !found.place.isFolder)
-            return found;
-        const std::filesystem::path &folder = found.place.canonical;
-        found.device = identify(QString::fromStdString(folder.native())).device;
-        // A trial file every few seconds would wear the disk: that is left to edits.
-        if (faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0)
-            found.writeError = errno;
-        return found;
-    };
-    const Found found = m_disks.await<Found>(find, {{{}, false, ETIMEDOUT}});
-    if (found.place.error != 0 || found.device == 0)
-        return {{}, 0, found.place.error == ETIMEDOUT};
-    const QString canonical = QString::fromStdString(found.place.canonical.native());
-    const std::optional<Volume> volume = m_volumes.volumeHolding(canonical);
-    return {volume, found.device, !volume && m_volumes.isSilent(canonical), found.writeError};
+    QHash<QString, Sight> seen;
+    for (const RecordingPlace &place : m_places) {
+        if (!place.isNas())
+            seen.insert(place.path, {});
+    }
+    const QStringList paths = seen.keys();
+    const QList<FolderSight> folders = seeFolders(paths, m_disks);
+    QStringList asked; // those of the paths that are folders, and where they are
+    QStringList canonical;
+    for (qsizetype i = 0; i < paths.size(); ++i) {
+        const FolderSight &folder = folders[i];
+        seen[paths[i]] = {{}, folder.device, folder.place.error == ETIMEDOUT, folder.writeError};
+        if (folder.place.error != 0 || folder.device == 0)
+            continue;
+        asked.append(paths[i]);
+        canonical.append(QString::fromStdString(folder.place.canonical.native()));
+    }
+    const QList<std::optional<Volume>> volumes = m_volumes.volumesHolding(canonical);
+    for (qsizetype i = 0; i < asked.size(); ++i) {
+        Sight &sight = seen[asked[i]];
+        sight.volume = volumes[i];
+        sight.isSilent = !sight.volume && m_volumes.isSilent(canonical[i]);
+    }
+    return seen;
 }
 
 bool RecordingPlaces::isMounted(const QString &volumePath) const

@@ -52,8 +52,8 @@ public:
     void update(const QList<RecordingGroup> &groups, const QString &backupFolder);
 
     const QList<RecordingPlace> &places() const { return m_places; } ///< as of the last update
-    /// By the number of the place, of those that are not on a NAS server. Asks the volumes once for each path; waits a
-    /// moment at most for disks that hang.
+    /// By the number of the place, of those that are not on a NAS server. Asks each volume once; waits a moment at most
+    /// for disks that hang.
     QHash<qint64, PlaceState> look();
 
 private:
@@ -69,9 +69,9 @@ private:
         bool isSilent = false;
         int writeError = 0;
     };
-    Sight lookAt(const QString &path) const;
+    QHash<QString, Sight> sights() const;
     bool isMounted(const QString &volumePath) const;
-    void remember(RecordingPlace &place, const Volume &volume);
+    void remember(const QHash<qint64, PlaceState> &states);
 
     StationData &m_data;
     const VolumeSource &m_volumes;

@@ -281,9 +281,11 @@ QList<NasPlace> StorageUsage::nasPlaces() const
 {
     QList<NasPlace> places;
     for (const RecordingPlace &place : m_places.places()) {
+        if (!place.isNas())
+            continue;
         const auto group = std::find_if(m_groups.cbegin(), m_groups.cend(),
                                         [&place](const RecordingGroup &other) { return other.id == place.groupId; });
-        if (!place.isNas() || group == m_groups.cend())
+        if (group == m_groups.cend())
             continue;
         for (const GroupPath &path : group->paths) {
             if (path.path == place.path)

@@ -28,6 +28,7 @@ private slots:
     void aFolderThatHangsIsRefused();
     void aFolderThatHangsIsListedInItsParent();
     void aPathThatHangsIsRefused();
+    void everyPathThatHangsIsNamed();
     void aFolderThatFailsIsRefused_data();
     void aFolderThatFailsIsRefused();
     void namesDoNotSteerTheTerminal();
@@ -126,6 +127,22 @@ void HungDiskTest::aPathThatHangsIsRefused()
     QVERIFY(!befallenCalls(log()).isEmpty());
     QCOMPARE(call.exitCode, 1);
     QVERIFY2(call.errors.contains(QStringLiteral("VolumeNotAnswering")), qPrintable(call.errors));
+}
+
+void HungDiskTest::everyPathThatHangsIsNamed()
+{
+    for (const char *name : {"disk/a", "disk/b", "disk/c"}) {
+        QVERIFY(QDir().mkpath(path(name)));
+        const Run added =
+            run(onData({QStringLiteral("group-add"), QString::fromLatin1(name), QStringLiteral("--path"), path(name)}));
+        QVERIFY2(added.exitCode == 0, qPrintable(added.errors));
+    }
+    const Run alarms = runWith(faults("hang"), {QStringLiteral("alarms")});
+    QCOMPARE(alarms.exitCode, 1);
+    for (const char *name : {"disk/a", "disk/b", "disk/c"}) {
+        const QString told = QStringLiteral("The disk of the folder %1 does not answer").arg(path(name));
+        QVERIFY2((alarms.output + alarms.errors).contains(told), qPrintable(alarms.output + alarms.errors));
+    }
 }
 
 void HungDiskTest::aFolderThatFailsIsRefused_data()

@@ -20,7 +20,8 @@ std::atomic<int> conversions = 0;
 }
 
 /// In place of libc's: libsmbclient shares a descriptor among threads, which iconv() does not allow.
-extern "C" Q_DECL_EXPORT std::size_t iconv(void *descriptor, char **in, std::size_t *inLeft, char **out, std::size_t *outLeft)
+extern "C" Q_DECL_EXPORT std::size_t iconv(void *descriptor, char **in, std::size_t *inLeft, char **out,
+                                           std::size_t *outLeft)
 {
     static const auto libcs = reinterpret_cast<decltype(&iconv)>(dlsym(RTLD_NEXT, "iconv"));
     ++conversions;

@@ -94,6 +94,7 @@ private slots:
     void aLateFailureIsAskedAgainRarely();
     void theRootIsThereEvenIfItIsSilent();
     void theVolumeOfAPathIsFoundBesideASilentOne();
+    void volumesOfManyPathsAreAskedOnce();
     void aMountThatIsGoneIsNoTroubleAnyMore();
     void aFileIsNoVolume();
     void mountsThatCanBeNoVolumeAreNotLookedAt();
@@ -227,6 +228,25 @@ void StationSilentMountsTest::theVolumeOfAPathIsFoundBesideASilentOne()
     QVERIFY(holder);
     QCOMPARE(holder->path, QStringLiteral("/b"));
     QCOMPARE(m_disks->looksAt(QStringLiteral("/a")), 0);
+}
+
+void StationSilentMountsTest::volumesOfManyPathsAreAskedOnce()
+{
+    m_disks->hang(QStringLiteral("/b"));
+    m_mounts->append(disk(4, QStringLiteral("/view"))); // the disk of /a, to be read only
+    m_mounts->last().device = m_mounts->at(1).device;
+    m_mounts->last().isReadOnly = true;
+    const MountedVolumes volumes = source();
+    const QList<std::optional<Volume>> holders =
+        volumes.volumesHolding({QStringLiteral("/a/one"), QStringLiteral("/b/one"), QStringLiteral("/view/one"),
+                                QStringLiteral("/one"), QStringLiteral("/a/two"), QStringLiteral("/b/two")});
+    QCOMPARE(holders.size(), 6);
+    QVERIFY(!holders[1] && !holders[5]);
+    QCOMPARE(pathsOf({*holders[0], *holders[2], *holders[3], *holders[4]}),
+             (QStringList{QStringLiteral("/a"), QStringLiteral("/a"), QStringLiteral("/"), QStringLiteral("/a")}));
+    QVERIFY(!holders[0]->isReadOnly && holders[2]->isReadOnly && !holders[4]->isReadOnly);
+    for (const char *mount : {"/", "/a", "/b"})
+        QCOMPARE(m_disks->looksAt(QString::fromLatin1(mount)), 1);
 }
 
 void StationSilentMountsTest::aMountThatIsGoneIsNoTroubleAnyMore()
