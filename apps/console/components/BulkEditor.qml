@@ -277,7 +277,10 @@ ConsoleDialog {
 
         recording: editor.recording
         session: editor.session
-        onFinished: editor.finish()
+        onFinished: {
+            stopSending.close();
+            editor.finish();
+        }
         onCurrentChanged: {
             if (current >= 0 && !followLater.running)
                 followLater.start();
@@ -315,10 +318,29 @@ ConsoleDialog {
         }
         onClosed: editor.windowLeaves = false
     }
+    DiscardDialog {
+        id: stopSending
+
+        parent: editor.parent
+        objectName: "stopSendingDialog"
+        title: qsTr("Stop changing recording groups?")
+        explanation: qsTr("%1 of %2 are answered. What was sent goes on; the others stay as they are.").arg(sender.answered).arg(editor.countText)
+        discardText: qsTr("Close the console")
+        keepText: qsTr("Go on")
+        onDiscarded: {
+            sender.stop();
+            editor.contentItem.Window.window.close();
+        }
+    }
     Connections {
         target: editor.contentItem.Window.window
 
         function onClosing(close: var): void {
+            if (sender.busy && !sender.stopping) {
+                close.accepted = false;
+                stopSending.open();
+                return;
+            }
             if (!editor.visible || !editor.dirty || editor.busy)
                 return;
             close.accepted = false;

@@ -2,9 +2,13 @@ import QtQuick
 import QtQuick.Layouts
 import RecordingConsole
 
-/// Asks whether what was entered may be lost.
+/// Asks whether something may be left undone: what was entered, unless it is told otherwise.
 ConsoleDialog {
     id: dialog
+
+    property string explanation: qsTr("What was entered has not been sent to the station.")
+    property string discardText: qsTr("Discard")
+    property string keepText: qsTr("Keep editing")
 
     objectName: "discardDialog"
     title: qsTr("Discard the changes?")
@@ -13,7 +17,7 @@ ConsoleDialog {
 
     contentItem: ColumnLayout {
         Text {
-            text: qsTr("What was entered has not been sent to the station.")
+            text: dialog.explanation
             color: Theme.text
             font.pixelSize: Theme.bodySize
             textFormat: Text.PlainText
@@ -24,8 +28,8 @@ ConsoleDialog {
     footer: DialogButtons {
         id: buttons
 
-        text: qsTr("Discard")
-        cancelText: qsTr("Keep editing")
+        text: dialog.discardText
+        cancelText: dialog.keepText
         onAccepted: {
             dialog.discarded();
             dialog.close();

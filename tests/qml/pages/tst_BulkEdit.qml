@@ -8,6 +8,20 @@ GroupsTest {
 
     readonly property var bulk: findChild(page, "bulkEditor")
 
+    Connections {
+        id: windowGuard
+
+        property int closings: 0
+
+        enabled: false
+        target: test.Window.window
+
+        function onClosing(close: var): void {
+            close.accepted = false; // the tests go on
+            ++closings;
+        }
+    }
+
     function choice() {
         return part("groups").choice;
     }
@@ -300,6 +314,52 @@ GroupsTest {
         compare(bulk.step, "outcomes");
         compare(states().map(state => state.split(" ").pop()), ["unsent", "done", "done"]);
         compare(button("accept").text, "Try 1 again");
+    }
+
+    function test_closingTheWindowWhileSendingAsks(): void {
+        openBulk();
+        setTime(9);
+        review();
+        dropCalls();
+        send();
+        server.reply("updateRecordingGroup", [], "0");
+        const asking = findChild(bulk, "stopSendingDialog") ?? findChild(page, "stopSendingDialog");
+        windowGuard.enabled = true;
+        test.Window.window.close();
+        tryVerify(() => asking.opened);
+        verify(asking.explanation.startsWith("1 of 3 groups are answered."), asking.explanation);
+        waitForItemPolished(asking.footer);
+        mouseClick(findChild(asking.footer, "cancel"));
+        tryVerify(() => !asking.visible);
+        verify(bulk.busy && button("cancel").text === "Cancel", "it goes on");
+
+        test.Window.window.close();
+        tryVerify(() => asking.opened);
+        server.reply("updateRecordingGroup", [], "0");
+        waitForItemPolished(asking.footer);
+        mouseClick(findChild(asking.footer, "accept"));
+        compare(windowGuard.closings, 3, "it is closed without another question");
+        compare(button("cancel").text, "Leave", "nothing more is sent");
+        windowGuard.enabled = false;
+        server.reply("updateRecordingGroup", [], "0");
+        compare(bulk.step, "outcomes");
+    }
+
+    function test_theQuestionEndsWithTheSending(): void {
+        openBulk();
+        setTime(9);
+        review();
+        dropCalls();
+        send();
+        const asking = findChild(bulk, "stopSendingDialog") ?? findChild(page, "stopSendingDialog");
+        windowGuard.enabled = true;
+        test.Window.window.close();
+        tryVerify(() => asking.opened);
+        windowGuard.enabled = false;
+        for (let i = 0; i < 3; ++i)
+            server.reply("updateRecordingGroup", [], "0");
+        tryVerify(() => !asking.visible);
+        compare(bulk.step, "outcomes");
     }
 
     function test_leftWhileTheStationIsSlow(): void {
