@@ -158,9 +158,9 @@ void RecordingPlaces::remember(const QHash<qint64, PlaceState> &states)
         if (isThere && (place.volumePath != state->volume.path || place.volumeName != state->volume.name))
             moved.append(&place);
     }
-    Database &database = m_data.database();
-    if (moved.isEmpty() || database.limitation())
+    if (moved.isEmpty() || m_data.database().limitation()) // the first makes no database
         return;
+    Database &database = m_data.database();
     Transaction transaction(database, Transaction::Patience::Short);
     for (const RecordingPlace *place : std::as_const(moved)) {
         const Volume &volume = states.constFind(place->number)->volume;
