@@ -30,6 +30,12 @@ int missingDays(const StationFigures &figures)
     return isKnown ? figures.missingDays : -1;
 }
 
+/// Whether everything was told that a station is sorted by: what comes later is a change.
+bool isKnown(const StationDirectory::Record &record)
+{
+    return !record.isUp() || (record.areAlarmsTold && record.figures.isTold());
+}
+
 QDateTime figuresAt(const StationDirectory::Record &record)
 {
     if (record.isUp() || (!record.figures.isTold() && record.alarms == 0))
@@ -197,8 +203,12 @@ void StationOverview::insert(const QList<StationDirectory::Record> &records)
 void StationOverview::update(int row, const StationDirectory::Record &record)
 {
     const StationDirectory::Record before = std::exchange(m_rows[row].record, record);
-    noteOrder(row);
     QList<int> roles;
+    if (!isKnown(before)) {
+        m_rows[row].order = orderOf(record);
+        roles += {BadnessOrder, MissingOrder, FreeOrder, AlarmsOrder};
+    }
+    noteOrder(row);
     const auto compare = [&roles](bool isOther, std::initializer_list<int> ofThat) {
         if (isOther)
             roles += ofThat;

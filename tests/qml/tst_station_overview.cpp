@@ -26,6 +26,7 @@ private slots:
     void nothingIsDoneWhileNobodyLooks();
     void whatHasChangedIsToldAlone();
     void aChangeMovesNoRow();
+    void whatIsToldFirstIsNoChange();
     void theChoiceIsAskedFor();
     void alarmsAreLabelled();
     void stationsOfOneNameAreToldApart();
@@ -154,6 +155,28 @@ void TestStationOverview::aChangeMovesNoRow()
     m_stations->settle();
     QCOMPARE(sorted.names().constFirst(), u"s30"_s);
     QCOMPARE(m_stations->unsettled(), 0);
+}
+
+void TestStationOverview::whatIsToldFirstIsNoChange()
+{
+    tellMany(3);
+    StationDirectory::Record &late = m_records[u"late"_s];
+    late.presence.relayPath = u"late"_s;
+    late.presence.state.kind = StationState::Kind::Up;
+    flush({u"late"_s});
+    QTRY_COMPARE(m_stations->rowCount(), 4);
+    late.areAlarmsTold = true;
+    late.alarms = late.errors = 1;
+    flush({u"late"_s});
+    QTRY_COMPARE(value(u"late"_s, StationOverview::Alarms), QVariant(1));
+    const double broken = value(u"late"_s, StationOverview::BadnessOrder).toDouble();
+    tell(u"late"_s, 5);
+    QTRY_COMPARE(value(u"late"_s, StationOverview::MissingDays), QVariant(5));
+    QCOMPARE(value(u"late"_s, StationOverview::BadnessOrder).toDouble(), broken + 5);
+    QCOMPARE(m_stations->unsettled(), 0);
+    tell(u"late"_s, 6);
+    QTRY_COMPARE(m_stations->unsettled(), 1);
+    QCOMPARE(value(u"late"_s, StationOverview::BadnessOrder).toDouble(), broken + 5);
 }
 
 void TestStationOverview::theChoiceIsAskedFor()
