@@ -38,9 +38,9 @@ void addFromEnvironment(QString &value, const char *variable)
     if (value.isEmpty())
         value = qEnvironmentVariable(variable);
 }
-} // namespace
 
-std::optional<MqttUrl> readMqttUrl(const QString &place, bool isEncrypted, QString *error)
+/// @param form of what stands behind "//", for who has to write it
+std::optional<MqttUrl> readUrl(const QString &place, bool isEncrypted, const QString &form, QString *error)
 {
     const QString scheme = isEncrypted ? QStringLiteral("mqtts") : QStringLiteral("mqtt");
     const QUrl url(scheme + u':' + place, QUrl::StrictMode);
@@ -52,8 +52,7 @@ std::optional<MqttUrl> readMqttUrl(const QString &place, bool isEncrypted, QStri
     }
     const QString path = url.path(QUrl::FullyEncoded).mid(1);
     if (!url.isValid() || url.host().isEmpty() || url.port() == 0 || url.hasFragment() || path.contains(u'/')) {
-        *error =
-            QStringLiteral("\"%1:%2\" names no broker: expected %1://[USER@]BROKER[:PORT]/STATION.").arg(scheme, place);
+        *error = QStringLiteral("\"%1:%2\" is not understood: expected %1://%3.").arg(scheme, place, form);
         return {};
     }
     MqttUrl found;
@@ -67,15 +66,23 @@ std::optional<MqttUrl> readMqttUrl(const QString &place, bool isEncrypted, QStri
     return found;
 }
 
+} // namespace
+
+std::optional<MqttUrl> readMqttUrl(const QString &place, bool isEncrypted, QString *error)
+{
+    return readUrl(place, isEncrypted, QStringLiteral("[USER@]BROKER[:PORT]/STATION"), error);
+}
+
 std::optional<MqttUrl> readBrokerUrl(const QString &url, QString *error)
 {
+    const QString brokerForm = QStringLiteral("[USER@]BROKER[:PORT]");
     const qsizetype colon = url.indexOf(u':');
     const QString scheme = url.left(colon);
     if (colon < 0 || (scheme != QStringLiteral("mqtt") && scheme != QStringLiteral("mqtts"))) {
-        *error = QStringLiteral("\"%1\" names no broker: expected mqtts://[USER@]BROKER[:PORT].").arg(url);
+        *error = QStringLiteral("\"%1\" names no broker: expected mqtts://%2.").arg(url, brokerForm);
         return {};
     }
-    std::optional<MqttUrl> found = readMqttUrl(url.mid(colon + 1), scheme == QStringLiteral("mqtts"), error);
+    std::optional<MqttUrl> found = readUrl(url.mid(colon + 1), scheme == QStringLiteral("mqtts"), brokerForm, error);
     if (found && !found->station.isEmpty()) {
         *error = QStringLiteral("\"%1\" names a station behind the broker: a station's own ID is set apart from it.")
                      .arg(url);

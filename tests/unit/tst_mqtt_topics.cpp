@@ -23,6 +23,7 @@ private slots:
     void urlsAreRead();
     void wrongUrlsAreRefused_data();
     void wrongUrlsAreRefused();
+    void wrongBrokersAreRefused();
     void theQueryNamesFiles();
     void theEnvironmentAddsWhatIsMissing();
     void settingsThatDoNotGoTogether();
@@ -137,11 +138,11 @@ void MqttTopicsTest::wrongUrlsAreRefused_data()
 {
     QTest::addColumn<QString>("place");
     QTest::addColumn<QString>("error");
-    QTest::newRow("no host") << u"///north"_s << u"names no broker"_s;
-    QTest::newRow("no slashes") << u"broker/north"_s << u"names no broker"_s;
-    QTest::newRow("two stations") << u"//broker/north/south"_s << u"names no broker"_s;
-    QTest::newRow("port") << u"//broker:99999/north"_s << u"names no broker"_s;
-    QTest::newRow("no port") << u"//broker:0/north"_s << u"names no broker"_s;
+    QTest::newRow("no host") << u"///north"_s << u"expected mqtts://[USER@]BROKER[:PORT]/STATION"_s;
+    QTest::newRow("no slashes") << u"broker/north"_s << u"expected mqtts://[USER@]BROKER[:PORT]/STATION"_s;
+    QTest::newRow("two stations") << u"//broker/north/south"_s << u"expected mqtts://[USER@]BROKER[:PORT]/STATION"_s;
+    QTest::newRow("port") << u"//broker:99999/north"_s << u"expected mqtts://[USER@]BROKER[:PORT]/STATION"_s;
+    QTest::newRow("no port") << u"//broker:0/north"_s << u"expected mqtts://[USER@]BROKER[:PORT]/STATION"_s;
     QTest::newRow("password") << u"//alice:secret@broker/north"_s << u"has a password in it"_s;
     QTest::newRow("key") << u"//broker/north?cert=x"_s << u"\"cert=x\""_s;
     QTest::newRow("danger named wrongly") << u"//broker/north?plaintext=yes"_s << u"everybody-may-read"_s;
@@ -155,6 +156,20 @@ void MqttTopicsTest::wrongUrlsAreRefused()
     QVERIFY(!readMqttUrl(place, true, &found));
     QVERIFY2(found.contains(error), qPrintable(found));
     QVERIFY(!found.contains(u"secret"_s));
+}
+
+void MqttTopicsTest::wrongBrokersAreRefused()
+{
+    for (const QString &url : {u"broker"_s, u"https://broker"_s, u"mqtts://"_s, u"mqtts://broker:99999"_s}) {
+        QString error;
+        QVERIFY2(!readBrokerUrl(url, &error), qPrintable(url));
+        QVERIFY2(error.startsWith(u'"' + url + u"\" "_s)
+                     && error.endsWith(u": expected mqtts://[USER@]BROKER[:PORT]."_s),
+                 qPrintable(error));
+    }
+    QString error;
+    QVERIFY(!readBrokerUrl(u"mqtts://broker/north"_s, &error));
+    QVERIFY2(error.contains(u"names a station behind the broker"_s), qPrintable(error));
 }
 
 void MqttTopicsTest::theQueryNamesFiles()
