@@ -20,6 +20,22 @@ std::size_t hashOf(const QString &id, const QString &relayPath)
     return qHashMulti(0, id, relayPath);
 }
 
+/// Asks the memory for the name of every member before the first is read. The names lie anywhere, and to wait for one
+/// after another takes a third of what the index costs.
+void fetchNames(const QVariantList &members)
+{
+    QVariantMap convertedMember;
+    QString convertedName;
+    for (const QVariant &value : members) {
+        const QVariantMap &member = mapIn(value, convertedMember);
+        if (member.isEmpty())
+            continue;
+        const auto name = member.cbegin(); // the first of a member's keys is the one of its name
+        __builtin_prefetch(name.key().constData());
+        __builtin_prefetch(textIn(*name, convertedName).constData());
+    }
+}
+
 } // namespace
 
 RecordingGroupIndex::Chains::Chains(std::size_t count)
@@ -46,6 +62,7 @@ RecordingGroupIndex::RecordingGroupIndex(const Groups &groups)
     for (std::size_t group = groups.size(); group-- > 0;) {
         m_groupChains.put(group, hashOf(groups[group].recordingGroupID, groups[group].relayPath));
         const QVariantList &members = groups[group].recordingGroupMemberList;
+        fetchNames(members);
         for (qsizetype place = members.size(); place-- > 0;) {
             member.read(members[place]);
             m_members[--number] = {static_cast<quint32>(group), static_cast<quint32>(place)};
