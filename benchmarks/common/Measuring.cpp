@@ -1,6 +1,7 @@
 #include "Measuring.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <ctime>
 #include <fstream>
 #include <random>
@@ -28,6 +29,15 @@ double statusBytes(const std::string &key, const std::string &process = "self")
     return -1;
 }
 
+/// The allocator joins small blocks that were freed when somebody asks for a large one: what was freed before a
+/// measurement shall not be joined within it.
+void settleHeap()
+{
+    constexpr std::size_t large = 65'536;
+    void *const volatile block = std::malloc(large); // not left out by the compiler
+    std::free(block);
+}
+
 void runRound(std::vector<Variant> &variants, const Plan &plan, Samples &samples)
 {
     static std::mt19937 random(std::random_device{}());
@@ -36,6 +46,7 @@ void runRound(std::vector<Variant> &variants, const Plan &plan, Samples &samples
     std::map<std::string, double> times;
     for (const Variant &variant : variants) {
         variant.prepare();
+        settleHeap();
         const double residentBefore = plan.isMemoryMeasured ? beginPeak() : 0;
         const double wallBefore = wallSeconds();
         const double cpuBefore = plan.cpuSeconds();
