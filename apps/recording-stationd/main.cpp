@@ -7,14 +7,19 @@
 #include "StartOptions.h"
 #include "StationCheck.h"
 #include "files/PrivateFolder.h"
+#include "service/LocalSocket.h"
 #include "service/StationThread.h"
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QFileInfo>
 
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 constexpr int WrongUse = 2;
@@ -54,6 +59,18 @@ int serve(int argc, char **argv, const ServiceOptions &options, const ReportStar
     return exitCode;
 }
 
+/// Why this user may start no station for @p dataFolder; empty where it may. A station of root's in the folder of a
+/// service would leave files there that the service cannot write.
+QString whyNotForThisUser(const QString &dataFolder)
+{
+    struct stat facts = {};
+    if (stat(QFile::encodeName(dataFolder).constData(), &facts) != 0 || facts.st_uid == geteuid())
+        return {};
+    return QStringLiteral("The data folder %1 belongs to %2, whose station does not run. Start it as %2; where it is a "
+                          "service: systemctl start recording-stationd.")
+        .arg(dataFolder, userName(facts.st_uid));
+}
+
 /// Its log is a file, and whoever manages the client that started it is not its manager.
 int serveOnDemand(int argc, char **argv, ServiceOptions &options, const QString &dataFolder)
 {
@@ -63,6 +80,10 @@ int serveOnDemand(int argc, char **argv, ServiceOptions &options, const QString 
     options.linger = std::chrono::seconds(linger);
     if (!QFileInfo::exists(dataFolder) && !PrivateFolder::make(dataFolder)) {
         std::fprintf(stderr, "The folder %s cannot be made.\n", qUtf8Printable(dataFolder));
+        return EXIT_FAILURE;
+    }
+    if (const QString reason = whyNotForThisUser(dataFolder); !reason.isEmpty()) {
+        std::fprintf(stderr, "%s\n", qUtf8Printable(reason));
         return EXIT_FAILURE;
     }
     ServiceManager::leave();

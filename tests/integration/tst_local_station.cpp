@@ -8,6 +8,7 @@
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QDir>
 #include <QFile>
 #include <QLocalSocket>
 #include <QProcess>
@@ -56,6 +57,7 @@ private slots:
     void endsCleanlyWhenTold();
     void comesBackForTheNextCommandOnly();
     void aFolderThatCannotBeMadeIsToldInWords();
+    void noneIsStartedInTheFolderOfAnotherUser();
     void aLongPathNeedsAnotherPlaceForTheSocket();
     void onlyItsUserMayConnect();
     void hostileClientsAreSentAway_data();
@@ -296,6 +298,26 @@ void LocalStationTest::aFolderThatCannotBeMadeIsToldInWords()
     client.send(ServerCommand::getVolume);
     QTRY_COMPARE_WITH_TIMEOUT(client.codes(), QStringList{HostReturnCode::LinkDown}, patience);
     QCOMPARE(client.state().reason, u"The folder %1/below cannot be made."_s.arg(normalizedFolder(folder())));
+}
+
+void LocalStationTest::noneIsStartedInTheFolderOfAnotherUser()
+{
+    constexpr uid_t nobody = 65534;
+    QString foreign = u"/"_s; // root's
+    if (geteuid() == 0) {
+        foreign = folder() + u"/foreign"_s;
+        QVERIFY(QDir().mkpath(foreign));
+        QCOMPARE(chown(QFile::encodeName(foreign).constData(), nobody, gid_t(-1)), 0);
+    }
+    LocalClient client(foreign);
+    client.send(ServerCommand::getVolume);
+    QTRY_COMPARE_WITH_TIMEOUT(client.codes(), QStringList{HostReturnCode::LinkDown}, patience);
+    const QString start = u"The data folder %1 belongs to "_s.arg(normalizedFolder(foreign));
+    QVERIFY2(client.state().reason.startsWith(start)
+                 && client.state().reason.contains(u"systemctl start recording-stationd"_s),
+             qPrintable(client.state().reason));
+    if (geteuid() == 0)
+        QVERIFY(QDir(foreign).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot));
 }
 
 void LocalStationTest::aLongPathNeedsAnotherPlaceForTheSocket()

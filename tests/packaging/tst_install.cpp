@@ -187,6 +187,7 @@ void InstallTest::unitNamesThePrefix()
                            + installed("etc/recording-station/recording-stationd.conf")),
              qPrintable(unit));
     QVERIFY(!unit.contains('@' + QString("RECORDING")));
+    QVERIFY2(unit.contains("ExecReload=/bin/sh "), "a bare system has no program kill");
 }
 
 void InstallTest::everythingTellsOneVersion_data()
