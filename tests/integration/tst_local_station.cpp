@@ -8,7 +8,6 @@
 
 #include <QDir>
 #include <QElapsedTimer>
-#include <QDir>
 #include <QFile>
 #include <QLocalSocket>
 #include <QProcess>
