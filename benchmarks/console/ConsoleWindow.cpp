@@ -5,8 +5,10 @@
 #include "Program.h"
 
 #include <QBasicTimer>
+#include <QCoreApplication>
 #include <QEventLoop>
 #include <QQmlComponent>
+#include <QQmlEngine>
 #include <QTimer>
 
 #include <algorithm>
@@ -88,6 +90,17 @@ private:
     double m_lastFrame = m_lastTurn;
 };
 
+/// One for all windows: to Qt 6.8 the pages of a second engine are not of the type that the first one's are.
+QQmlEngine &engine()
+{
+    static auto *const shared = [] {
+        auto *const made = new QQmlEngine(QCoreApplication::instance());
+        prepareConsoleEngine(*made);
+        return made;
+    }();
+    return *shared;
+}
+
 } // namespace
 
 ConsoleClient::ConsoleClient(std::unique_ptr<PluginRecordingManagement> made)
@@ -100,18 +113,16 @@ ConsoleClient::ConsoleClient(std::unique_ptr<PluginRecordingManagement> made)
 
 ConsoleWindow::ConsoleWindow(ConsoleClient &client, const QString &page)
 {
-    prepareConsoleEngine(m_engine);
-    m_engine.setInitialProperties({
+    QQmlComponent console(&engine(), QUrl(QStringLiteral("qrc:/qt/qml/RecordingConsole/Main.qml")));
+    m_window.reset(qobject_cast<QQuickWindow *>(console.createWithInitialProperties({
         {"recording", QVariant::fromValue(client.plugin.get())},
         {"session", QVariant::fromValue(&client.session)},
         {"startPage", page},
         {"width", 1280},
         {"height", 800},
-    });
-    m_engine.load(QUrl(QStringLiteral("qrc:/qt/qml/RecordingConsole/Main.qml")));
-    m_window = qobject_cast<QQuickWindow *>(m_engine.rootObjects().value(0));
-    require(m_window != nullptr, "the console's window could not be loaded");
-    QQmlComponent component(&m_engine);
+    })));
+    require(m_window != nullptr, "the console's window could not be loaded: " + console.errorString().toStdString());
+    QQmlComponent component(&engine());
     component.setData(animation, {});
     m_animation.reset(qobject_cast<QQuickItem *>(component.create()));
     require(m_animation != nullptr, component.errorString().toStdString());
@@ -151,14 +162,14 @@ void ConsoleWindow::closeDialogs()
 
 double ConsoleWindow::heapInUse()
 {
-    m_engine.collectGarbage();
+    engine().collectGarbage();
     return ::heapInUse();
 }
 
 Smoothness ConsoleWindow::watch(const std::function<void()> &deliver, const std::vector<Fact> &facts, int frames)
 {
     LoopWatch watch(*m_window);
-    QTimer::singleShot(0, m_window, deliver);
+    QTimer::singleShot(0, m_window.get(), deliver);
     const bool isShown = runUntil([this, &facts, isShown = false, frames]() mutable {
         isShown = isShown || missing(facts).isEmpty();
         return isShown && --frames <= 0;
@@ -182,7 +193,7 @@ QString ConsoleWindow::missing(const std::vector<Fact> &facts) const
 bool ConsoleWindow::runUntil(const std::function<bool()> &done)
 {
     QEventLoop loop;
-    QObject::connect(m_window, &QQuickWindow::frameSwapped, &loop, [&loop, &done] {
+    QObject::connect(m_window.get(), &QQuickWindow::frameSwapped, &loop, [&loop, &done] {
         if (done())
             loop.exit(0);
     });

@@ -5,7 +5,6 @@
 #include "Scenario.h"
 #include "companions/StatusMonitorPlugin.h"
 
-#include <QQmlApplicationEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
 
@@ -70,7 +69,6 @@ private:
     QString missing(const std::vector<Fact> &facts) const;
     bool runUntil(const std::function<bool()> &done);
 
-    QQmlApplicationEngine m_engine;
-    QQuickWindow *m_window = nullptr; // the engine's
+    std::unique_ptr<QQuickWindow> m_window;
     std::unique_ptr<QQuickItem> m_animation;
 };
