@@ -43,6 +43,7 @@ public:
     QList<Volume> volumes() const override;
     /// Asks that volume alone.
     std::optional<Volume> volumeHolding(const QString &path) const override;
+    /// Asks each of their volumes once, side by side.
     QList<std::optional<Volume>> volumesHolding(const QStringList &paths) const override;
     bool isSilent(const QString &path) const override;
     QList<StationTrouble> troubles() const override;

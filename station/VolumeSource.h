@@ -34,7 +34,7 @@ public:
     /// @param path of an existing folder, absolute, symbolic links resolved
     virtual std::optional<Volume> volumeHolding(const QString &path) const = 0;
 
-    /// The same for each of @p paths, in their order; each volume is asked once.
+    /// The same for each of @p paths, in their order.
     virtual QList<std::optional<Volume>> volumesHolding(const QStringList &paths) const
     {
         QList<std::optional<Volume>> volumes;

@@ -63,8 +63,7 @@ bool isRefusal(int error)
     return error == EACCES || error == EPERM;
 }
 
-/// What the library reports where it has no number for the server's own error and where it could not read an answer,
-/// and now and then, while several threads log on at once, though nothing is wrong.
+/// What the library reports where it has no number for the server's own error and where it could not read an answer.
 bool isStumble(int error)
 {
     return error == EINVAL || error == ENOMEM;
