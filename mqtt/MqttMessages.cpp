@@ -19,6 +19,7 @@ const QString version = QStringLiteral("version");
 const QString instance = QStringLiteral("instance");
 const QString startedAt = QStringLiteral("startedAt");
 const QString since = QStringLiteral("since");
+const QString heartbeat = QStringLiteral("heartbeat");
 const QString says = QStringLiteral("says");
 } // namespace Key
 
@@ -61,6 +62,16 @@ QDateTime time(const QVariantMap &map, const QString &key)
     if (!found.isValid())
         refuse(key, "a time, ISO 8601");
     return found;
+}
+
+std::chrono::seconds secondsIfThere(const QVariantMap &map, const QString &key)
+{
+    constexpr int longest = 3600;
+    bool isNumber = false;
+    const int found = map.value(key, 0).toInt(&isNumber);
+    if (!isNumber || found < 0 || found > longest)
+        refuse(key, "a whole number of seconds, an hour at most");
+    return std::chrono::seconds(found);
 }
 
 void insertTime(QVariantMap &map, const QString &key, const QDateTime &when)
@@ -128,14 +139,17 @@ QVariantMap statusMap(const StationStatus &status)
     }
     insertTime(map, Key::startedAt, status.startedAt);
     insertTime(map, Key::since, status.since);
+    if (status.heartbeat.count() > 0)
+        map.insert(Key::heartbeat, static_cast<int>(status.heartbeat.count()));
     return map;
 }
 
 StationStatus statusFromMap(const QVariantMap &map)
 {
-    StationStatus status{StationStatus::State::Up,       textIfThere(map, Key::name), textIfThere(map, Key::address),
-                         textIfThere(map, Key::version), text(map, Key::instance),    time(map, Key::startedAt),
-                         timeIfThere(map, Key::since)};
+    StationStatus status{StationStatus::State::Up,       textIfThere(map, Key::name),
+                         textIfThere(map, Key::address), textIfThere(map, Key::version),
+                         text(map, Key::instance),       time(map, Key::startedAt),
+                         timeIfThere(map, Key::since),   secondsIfThere(map, Key::heartbeat)};
     const QString found = text(map, Key::state);
     for (const auto &[state, word] : states) {
         if (word == found) {

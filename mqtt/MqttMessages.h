@@ -5,6 +5,7 @@
 #include <QDateTime>
 #include <QVariantMap>
 
+#include <chrono>
 #include <optional>
 
 /// What a station says of itself to everybody, retained.
@@ -23,6 +24,7 @@ struct StationStatus
     QString instance; ///< tells one start of the program from all others
     QDateTime startedAt; ///< when that start was, in UTC, by the clock of its machine
     QDateTime since; ///< since when it is in that state, likewise; invalid: unknown
+    std::chrono::seconds heartbeat{0}; ///< of Up: an event follows another one at the latest after so long; 0: not said
 
     bool operator==(const StationStatus &) const = default;
 };

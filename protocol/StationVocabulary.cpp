@@ -188,6 +188,7 @@ const QString StationReturnCode::NasKeyUnusable = QStringLiteral("NasKeyUnusable
 const QString StationEventName::AlarmsChanged = QStringLiteral("station.AlarmsChanged");
 const QString StationEventName::ActivityAdded = QStringLiteral("station.ActivityAdded");
 const QString StationEventName::DeletionProgress = QStringLiteral("station.DeletionProgress");
+const QString StationEventName::Heartbeat = QStringLiteral("station.Heartbeat");
 
 const QString StationHistoryKind::recordingGroup = QStringLiteral("recordingGroup");
 const QString StationHistoryKind::volume = QStringLiteral("volume");

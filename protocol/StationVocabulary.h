@@ -30,6 +30,7 @@ namespace StationEventName {
 extern const QString AlarmsChanged; ///< "station.AlarmsChanged"
 extern const QString ActivityAdded; ///< "station.ActivityAdded"
 extern const QString DeletionProgress; ///< "station.DeletionProgress"
+extern const QString Heartbeat; ///< "station.Heartbeat"; over a broker alone
 extern const QString StorageScanProgress;
 } // namespace StationEventName
 

@@ -15,7 +15,7 @@ StationOverview::State stateOf(const StationDirectory::Record &record)
     case StationState::Kind::Up:
         return StationOverview::Up;
     case StationState::Kind::Down:
-        return StationOverview::Down;
+        return record.presence.state.isSilent ? StationOverview::NotHeardOf : StationOverview::Down;
     case StationState::Kind::Connecting:
         return StationOverview::Connecting;
     case StationState::Kind::Unknown:
@@ -232,13 +232,14 @@ StationOverview::Order StationOverview::orderOf(const StationDirectory::Record &
     constexpr double rank = 1e6;
     const int missing = missingDays(record.figures);
     const double days = std::clamp(missing, 0, 100'000);
-    const double badness = stateOf(record) == Down ? 6 * rank
-        : !record.isUp()                           ? 5 * rank
-        : record.errors > 0                        ? 4 * rank + days
-        : missing > 0                              ? 3 * rank + days
-        : record.alarms > 0                        ? 2 * rank
-        : !record.areAlarmsTold || missing < 0     ? rank
-                                                   : 0;
+    const bool isDown = record.presence.state.kind == StationState::Kind::Down;
+    const double badness = isDown              ? 6 * rank
+        : !record.isUp()                       ? 5 * rank
+        : record.errors > 0                    ? 4 * rank + days
+        : missing > 0                          ? 3 * rank + days
+        : record.alarms > 0                    ? 2 * rank
+        : !record.areAlarmsTold || missing < 0 ? rank
+                                               : 0;
     return {badness, missing, record.figures.freeBytes, record.areAlarmsTold ? record.alarms : -1};
 }
 

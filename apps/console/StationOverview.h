@@ -37,7 +37,7 @@ class StationOverview : public QAbstractListModel
 
 public:
     enum State {
-        NotHeardOf, ///< nothing but its name
+        NotHeardOf, ///< it is silent, or nothing is known but its name
         Connecting,
         Down,
         Up,

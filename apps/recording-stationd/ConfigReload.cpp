@@ -89,6 +89,7 @@ std::optional<BrokerSettings> brokerSettings(const StationConfig &config, QStrin
     settings.stationName = service.stationName;
     settings.version = service.version;
     settings.messages = service.messages;
+    settings.heartbeat = std::chrono::seconds(config.brokerHeartbeat);
     settings.rolesFile = config.brokerRoles;
     *error = mqttSettingsError(settings.mqtt);
     return settings;

@@ -10,6 +10,7 @@ namespace {
 constexpr int longestNasTime = 20; // seconds: well within the pause that a service manager's watchdog allows
 constexpr int largestMessage = 64; // megabytes: clients take no more
 constexpr int mostClients = 10'000;
+constexpr int longestHeartbeat = 3600; // seconds
 constexpr qsizetype longestName = 200;
 
 template<QString StationConfig::*member>
@@ -141,6 +142,11 @@ std::span<const ConfigKey> configKeys()
                   text<&Config::brokerCertificate>},
         ConfigKey{QStringLiteral("broker-key"), QStringLiteral("the file with the key of that certificate"), path,
                   QStringLiteral("none"), false, takeFolder<&Config::brokerKey>, text<&Config::brokerKey>},
+        ConfigKey{
+            QStringLiteral("broker-heartbeat"),
+            QStringLiteral("after how long without a word it tells the broker's clients that it lives, in seconds"),
+            numberUpTo(longestHeartbeat, QStringLiteral("seconds")), QStringLiteral("3"), false,
+            takeNumber<&Config::brokerHeartbeat, longestHeartbeat>, number<&Config::brokerHeartbeat>},
         ConfigKey{QStringLiteral("broker-roles"),
                   QStringLiteral("the file that says who of the broker's users may look, and who may edit"), path,
                   QStringLiteral("everybody whom the broker lets in may edit"), false, takeFolder<&Config::brokerRoles>,

@@ -22,6 +22,7 @@ struct StationConfig
     QString brokerCa; ///< empty: the system's
     QString brokerCertificate;
     QString brokerKey;
+    int brokerHeartbeat = 3; ///< seconds
     QString brokerRoles; ///< empty: whomever the broker lets in is an operator
 };
 

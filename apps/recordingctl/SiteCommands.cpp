@@ -84,9 +84,10 @@ QJsonArray usageJson(const CommandRun &run, const QList<ListedStation> &stations
 {
     QJsonArray groups;
     for (const ListedStation &station : stations) {
-        const QJsonArray ofStation = modelJson(*usageOf(run, station), QStringLiteral("getStorageUsageModel"));
-        for (const QJsonValue &value : ofStation) {
-            QJsonObject group = value.toObject();
+        const QAbstractItemModel &usage = *usageOf(run, station);
+        const QJsonArray ofStation = modelJson(usage, QStringLiteral("getStorageUsageModel"));
+        for (const int row : usageRows(usage)) {
+            QJsonObject group = ofStation.at(row).toObject();
             group.insert(QStringLiteral("station"), textJson(station.id));
             group.insert(QStringLiteral("stationName"), textJson(station.name()));
             group.insert(QStringLiteral("figuresAt"), timeJson(figuresTime(station.record)));
@@ -107,7 +108,7 @@ TextTable usageTable(const CommandRun &run, const QList<ListedStation> &stations
     for (const ListedStation &station : stations) {
         const QAbstractItemModel &usage = *usageOf(run, station);
         const QDateTime time = figuresTime(station.record);
-        for (int row = 0; row < usage.rowCount(); ++row)
+        for (const int row : usageRows(usage))
             table.addRow(QStringList{station.shownId()} + usageCells(usage, row)
                          + QStringList{time.isValid() ? timeText(time) : QStringLiteral("now")});
         if (!station.record.figures.isTold())
@@ -155,7 +156,7 @@ QString stateWord(const StationState &state)
     case StationState::Kind::Up:
         return QStringLiteral("up");
     case StationState::Kind::Down:
-        return QStringLiteral("down");
+        return state.isSilent ? QStringLiteral("silent") : QStringLiteral("down");
     case StationState::Kind::Connecting:
         return QStringLiteral("connecting");
     case StationState::Kind::Unknown:

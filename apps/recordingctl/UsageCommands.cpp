@@ -15,6 +15,7 @@
 #include "companions/StatusMonitorPlugin.h"
 
 #include <QAbstractItemModel>
+#include <QCollator>
 #include <QDateTime>
 #include <QEventLoop>
 #include <QTimer>
@@ -22,6 +23,7 @@
 #include <algorithm>
 #include <chrono>
 #include <functional>
+#include <utility>
 
 namespace {
 
@@ -124,13 +126,14 @@ struct Inquiry
 
 QJsonArray usageJson(const CommandRun &run, const QAbstractItemModel &usage)
 {
-    QJsonArray groups = modelJson(usage, QStringLiteral("getStorageUsageModel"));
-    for (qsizetype row = 0; row < groups.size(); ++row) {
-        QJsonObject group = groups[row].toObject();
+    const QJsonArray unordered = modelJson(usage, QStringLiteral("getStorageUsageModel"));
+    QJsonArray groups;
+    for (const int row : usageRows(usage)) {
+        QJsonObject group = unordered.at(row).toObject();
         const QAbstractItemModel *volumes = volumesOf(run, group.value(QStringLiteral("id")).toString());
         group.insert(QStringLiteral("volumes"),
                      volumes ? modelJson(*volumes, QStringLiteral("getGroupVolumeModel")) : QJsonArray());
-        groups[row] = group;
+        groups.append(group);
     }
     return groups;
 }
@@ -152,7 +155,7 @@ QJsonArray alarmsJson(const QList<StatusMonitorPlugin::Alarm> &raised, const QVa
 void printUsage(const CommandRun &run, const QAbstractItemModel &usage)
 {
     printText(usageTable(usage).toString());
-    for (int row = 0; row < usage.rowCount(); ++row) {
+    for (const int row : usageRows(usage)) {
         if (const QAbstractItemModel *volumes = volumesOf(run, at(usage, row, "idRole").toString())) {
             printLine(QStringLiteral("\n%1").arg(printable(at(usage, row, "nameRole").toString())));
             printText(groupVolumeTable(*volumes).toString());
@@ -161,6 +164,21 @@ void printUsage(const CommandRun &run, const QAbstractItemModel &usage)
 }
 
 } // namespace
+
+QList<int> usageRows(const QAbstractItemModel &usage)
+{
+    QCollator collator(QLocale(QLocale::English)); // that of "C" knows no numbers
+    collator.setNumericMode(true);
+    QList<std::pair<QCollatorSortKey, int>> keys;
+    for (int row = 0; row < usage.rowCount(); ++row)
+        keys.emplace_back(collator.sortKey(at(usage, row, "nameRole").toString()), row);
+    std::stable_sort(keys.begin(), keys.end(),
+                     [](const auto &one, const auto &other) { return one.first < other.first; });
+    QList<int> rows;
+    for (const auto &[key, row] : keys)
+        rows.append(row);
+    return rows;
+}
 
 QStringList usageHeaders()
 {
@@ -181,7 +199,7 @@ TextTable usageTable(const QAbstractItemModel &usage)
     TextTable table(usageHeaders());
     for (const int column : {1, 2, 3, 4})
         table.setRightAligned(column);
-    for (int row = 0; row < usage.rowCount(); ++row)
+    for (const int row : usageRows(usage))
         table.addRow(usageCells(usage, row));
     return table;
 }

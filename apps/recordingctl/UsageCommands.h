@@ -15,6 +15,8 @@ CallOutcome awaitFigures(CommandRun &run, QVariantList *pending);
 /// Tells of each of @p pending, in that form, that it is not known and since when it was asked.
 void reportPending(CommandRun &run, const QVariantList &pending);
 
+/// The rows of the model by their groups' names, as people order them: "Cam 9" before "Cam 10".
+QList<int> usageRows(const QAbstractItemModel &usage);
 /// Of usageTable(), and the cells below them for a row of the model.
 QStringList usageHeaders();
 QStringList usageCells(const QAbstractItemModel &usage, int row);

@@ -22,7 +22,8 @@ public:
     void start()
     {
         for (const int number : m_numbers) {
-            auto station = std::make_unique<LightStation>(stationId(number), m_fleet.m_options.broker);
+            auto station =
+                std::make_unique<LightStation>(stationId(number), m_fleet.m_options.broker, m_fleet.m_options.interval);
             connect(station.get(), &LightStation::readyChanged, this,
                     [this, one = station.get()] { m_fleet.noteReady(one->isReady() ? 1 : -1); });
             station->start();

@@ -9,9 +9,12 @@
 #include <QHostInfo>
 #include <QUuid>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
+constexpr std::chrono::seconds longestSilence(3);
+
 using FigureBodies = std::array<MqttBody, Figures::variantCount>;
 
 /// Made once for all stations, so that many of them fit on one machine.
@@ -29,7 +32,8 @@ const FigureBodies &figureBodies()
 }
 } // namespace
 
-LightStation::LightStation(const QString &id, const MqttSettings &broker, QObject *parent)
+LightStation::LightStation(const QString &id, const MqttSettings &broker, std::chrono::milliseconds interval,
+                           QObject *parent)
     : QObject(parent)
     , m_id(id)
     , m_connection(broker, QStringLiteral("fleet-%1-%2").arg(id, QUuid::createUuid().toString(QUuid::Id128)))
@@ -40,6 +44,7 @@ LightStation::LightStation(const QString &id, const MqttSettings &broker, QObjec
     m_status.instance = QUuid::createUuid().toString(QUuid::WithoutBraces);
     m_status.startedAt = QDateTime::currentDateTimeUtc();
     m_status.since = m_status.startedAt;
+    m_status.heartbeat = std::max(longestSilence, std::chrono::ceil<std::chrono::seconds>(interval));
     m_connection.setWill(statusMessage(StationStatus::State::Lost));
     connect(&m_connection, &MqttConnection::stateChanged, this, &LightStation::follow);
     connect(&m_connection, &MqttConnection::received, this, &LightStation::take);

@@ -10,6 +10,7 @@
 #include <QObject>
 
 #include <array>
+#include <chrono>
 
 /// A station that is nothing but what goes over the broker: its presence, its events and its answers are those of a
 /// real one, the figures are made up, and what is edited is kept in memory. Lives on one thread.
@@ -27,7 +28,9 @@ public:
         quint64 unreadable = 0; ///< messages that were no command
     };
 
-    LightStation(const QString &id, const MqttSettings &broker, QObject *parent = nullptr);
+    /// @param interval between two of its events
+    LightStation(const QString &id, const MqttSettings &broker, std::chrono::milliseconds interval,
+                 QObject *parent = nullptr);
 
     void start();
     /// Says goodbye to the broker, and to who watches presence.

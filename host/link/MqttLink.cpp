@@ -1,6 +1,7 @@
 #include "MqttLink.h"
 
 #include "ServerVocabulary.h"
+#include "StationVocabulary.h"
 #include "framework/HostReturnCode.h"
 #include "mqtt/MqttBody.h"
 #include "mqtt/MqttTopics.h"
@@ -13,6 +14,7 @@ using namespace std::chrono_literals;
 
 namespace {
 constexpr auto patience = 20s; // for a station or a broker that was lost
+constexpr auto lookPause = 1s; // for those whose time is over
 constexpr auto settlingTime = 2s; // in which a broker tells everything that it keeps
 
 QString newClientId(const QString &program)
@@ -46,8 +48,9 @@ MqttLink::MqttLink(const MqttSettings &settings, const QString &station, const C
     m_settleTimer.setSingleShot(true);
     m_settleTimer.setInterval(settlingTime);
     m_settleTimer.callOnTimeout(this, &MqttLink::settle);
-    m_patienceTimer.setInterval(1s);
+    m_patienceTimer.setInterval(lookPause);
     m_patienceTimer.callOnTimeout(this, &MqttLink::endPatience);
+    m_patienceTimer.callOnTimeout(this, &MqttLink::lookForSilence);
 }
 
 QList<StationLink::Kind> MqttLink::kinds()
@@ -116,6 +119,7 @@ bool MqttLink::setDirectStation(const QString &relayPath)
     if (!self)
         return true;
     m_direct = relayPath;
+    m_stations[relayPath].heard.start();
     if (!m_followsOthers)
         m_connection.subscribe(MqttTopics::eventsOf(relayPath));
     emit directStationChanged(relayPath);
@@ -157,6 +161,7 @@ void MqttLink::followConnection()
 {
     if (m_connection.isUp()) {
         m_isSettled = false;
+        m_hearsEvents = false;
         m_brokerState = {StationState::Kind::Connecting};
         for (const QString &filter : {MqttTopics::replies(m_connection.clientId()), MqttTopics::everyStatus(),
                                       m_followsOthers ? MqttTopics::everyEvent() : MqttTopics::eventsOf(m_direct)})
@@ -259,8 +264,9 @@ void MqttLink::loseForGood(const QString &relayPath, const QString &reason)
     Station &station = m_stations[relayPath];
     station.patience = QDeadlineTimer(QDeadlineTimer::Forever);
     m_commands.drop(relayPath);
-    const bool wasDown = station.presence.state.kind == StationState::Kind::Down;
-    setState(relayPath, {StationState::Kind::Down, reason},
+    const StationState &before = station.presence.state;
+    const bool wasDown = before.kind == StationState::Kind::Down;
+    setState(relayPath, {.kind = StationState::Kind::Down, .reason = reason, .isSilent = before.isSilent},
              wasDown ? station.presence.since : QDateTime::currentDateTimeUtc());
 }
 
@@ -291,11 +297,15 @@ void MqttLink::takeStatus(const QString &relayPath, const MqttMessage &message)
         return;
     }
     Station &station = m_stations[relayPath];
+    const bool wasSilent = station.presence.state.isSilent;
+    const QDeadlineTimer patienceBefore = station.patience;
     station.isHeard = true;
     station.patience = QDeadlineTimer(QDeadlineTimer::Forever);
+    station.heartbeat = status.heartbeat;
+    station.heard.start();
     const bool isLost = status.state == StationStatus::State::Lost;
     if (isLost && !message.isRetained)
-        station.lostAt = QDateTime::currentDateTimeUtc();
+        station.lostAt = wasSilent ? station.presence.since : QDateTime::currentDateTimeUtc();
     else if (!isLost || station.instance != status.instance)
         station.lostAt = {};
     station.instance = status.instance;
@@ -305,6 +315,7 @@ void MqttLink::takeStatus(const QString &relayPath, const MqttMessage &message)
     station.presence.version = status.version;
     switch (status.state) {
     case StationStatus::State::Up:
+        station.upSince = status.since;
         m_commands.sendAll(relayPath); // before those that somebody sends when he hears that it is up
         setState(relayPath, {StationState::Kind::Up}, status.since);
         break;
@@ -314,7 +325,7 @@ void MqttLink::takeStatus(const QString &relayPath, const MqttMessage &message)
         break;
     case StationStatus::State::Lost:
         m_commands.dropUnsent(relayPath);
-        station.patience = message.isRetained ? station.awaited : QDeadlineTimer(patience);
+        station.patience = message.isRetained ? station.awaited : wasSilent ? patienceBefore : QDeadlineTimer(patience);
         setState(relayPath,
                  {StationState::Kind::Down,
                   QStringLiteral("The broker lost the station: it, its machine or its network "
@@ -330,9 +341,14 @@ void MqttLink::takeEvent(const QString &relayPath, const QString &name, const Mq
 {
     if (message.payload.isEmpty())
         return;
+    const QPointer<MqttLink> self(this);
+    m_hearsEvents = true;
+    if (!message.isRetained)
+        noteEvent(relayPath);
+    if (!self || name == StationEventName::Heartbeat)
+        return;
     if (name == ServerEvent::VolumeChanged && relayPath != m_direct)
         return m_pace.add(relayPath, message);
-    const QPointer<MqttLink> self(this);
     m_pace.deliverNow(relayPath); // what the station said before
     if (self)
         tellEvent(relayPath, name, message);
@@ -344,6 +360,51 @@ void MqttLink::tellEvent(const QString &relayPath, const QString &name, const Mq
         emit eventReceived(relayPath, eventFromMap(name, decodeBody(message.payload, message.contentType)));
     } catch (const MessageError &error) {
         qWarning("An event of the station %s cannot be read: %s", qUtf8Printable(relayPath), error.what());
+    }
+}
+
+/// A station that was silent took the commands meanwhile, or not: they are sent again.
+void MqttLink::noteEvent(const QString &relayPath)
+{
+    const auto station = m_stations.find(relayPath);
+    if (station == m_stations.end())
+        return;
+    station->heard.start();
+    if (!station->presence.state.isSilent)
+        return;
+    station->patience = QDeadlineTimer(QDeadlineTimer::Forever);
+    m_commands.sendAll(relayPath);
+    setState(relayPath, {StationState::Kind::Up}, QDateTime(station->upSince));
+}
+
+/// A client that did not run for a while has what came meanwhile still before it.
+void MqttLink::lookForSilence()
+{
+    const bool wasAway = m_looked.isValid() && m_looked.hasExpired(std::chrono::milliseconds(3 * lookPause).count());
+    m_looked.start();
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    if (!m_hearsEvents)
+        return;
+    const QStringList paths = m_followsOthers ? m_stations.keys() : QStringList(m_direct);
+    for (const QString &path : paths) {
+        Station &station = m_stations[path];
+        if (station.heartbeat == 0s || station.presence.state.kind != StationState::Kind::Up)
+            continue;
+        const std::chrono::milliseconds silence(station.heard.elapsed());
+        if (wasAway)
+            station.heard.start();
+        else if (silence > station.heartbeat * 5 / 2) {
+            station.patience.setRemainingTime(patience);
+            setState(
+                path,
+                {.kind = StationState::Kind::Down,
+                 .reason = QStringLiteral("Nothing was heard of the station for %1 s: it hangs, or it, its machine "
+                                          "or its network failed.")
+                               .arg(silence / 1s),
+                 .keepsCommands = true,
+                 .isSilent = true},
+                now.addMSecs(-silence.count()));
+        }
     }
 }
 

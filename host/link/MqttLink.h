@@ -8,6 +8,7 @@
 #include "mqtt/MqttMessages.h"
 
 #include <QDeadlineTimer>
+#include <QElapsedTimer>
 #include <QHash>
 #include <QTimer>
 
@@ -15,7 +16,8 @@
 /// over the broker.
 ///
 /// While the connection to the broker or a station is lost, commands are kept and sent again when it is back, edits
-/// under their ids: the station carries each out once. A station counts as lost for good after 20 s.
+/// under their ids: the station carries each out once. A station counts as lost for good after 20 s. One that hangs, or
+/// is cut off, is silent: its heartbeat ceases before the broker notices.
 class MqttLink : public StationLink
 {
     Q_OBJECT
@@ -41,6 +43,9 @@ private:
         QString instance;
         QDateTime lostAt; // of that instance
         bool isHeard = false; // since the broker was connected last
+        QDateTime upSince;
+        std::chrono::seconds heartbeat{0}; // of that instance; 0: it promises none
+        QElapsedTimer heard; // since it said that it is up, or its last event
         QDeadlineTimer patience{QDeadlineTimer::Forever}; // until it counts as lost for good
         QDeadlineTimer awaited{0}; // likewise, for what happened to it while the broker was away
     };
@@ -55,6 +60,8 @@ private:
     void takeStatus(const QString &relayPath, const MqttMessage &message);
     void takeEvent(const QString &relayPath, const QString &name, const MqttMessage &message);
     void tellEvent(const QString &relayPath, const QString &name, const MqttMessage &message);
+    void noteEvent(const QString &relayPath);
+    void lookForSilence();
     void noteMissing(const QString &relayPath);
     void loseForGood(const QString &relayPath, const QString &reason);
     void tryAgain(const QString &relayPath);
@@ -72,5 +79,7 @@ private:
     QDeadlineTimer m_brokerPatience{0};
     QTimer m_settleTimer; // until the broker has told what it keeps
     QTimer m_patienceTimer;
+    QElapsedTimer m_looked; // for silence
     bool m_isSettled = false;
+    bool m_hearsEvents = false; // over this connection; the broker's rules may keep them from this user
 };

@@ -30,6 +30,8 @@ struct StationState
     /// Of a station that is not up: commands that were sent to it are not lost. The link sends them again when it is
     /// back.
     bool keepsCommands = false;
+    /// Of Down: nothing was heard of the station any more, and nobody said that it is gone. It may be there, and hang.
+    bool isSilent = false;
 
     bool operator==(const StationState &) const = default; ///< member by member
 };

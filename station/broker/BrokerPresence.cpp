@@ -150,8 +150,8 @@ bool BrokerPresence::isBefore(const QString &instance, const QDateTime &startedA
 
 StationStatus BrokerPresence::status(StationStatus::State state) const
 {
-    StationStatus status{state,    m_settings.stationName, m_address, m_settings.version, m_instance, m_startedAt,
-                         m_upSince};
+    StationStatus status{state,     m_settings.stationName, m_address, m_settings.version, m_instance, m_startedAt,
+                         m_upSince, m_settings.heartbeat};
     if (state == StationStatus::State::Stopped)
         status.since = QDateTime::currentDateTimeUtc();
     else if (state == StationStatus::State::Lost)

@@ -18,5 +18,6 @@ struct BrokerSettings
     MessageLimits messages = {};
     int commandLimit = 1000; ///< commands under way, of all clients; more are refused
     std::chrono::milliseconds questionTime = std::chrono::seconds(3); ///< for another station of that ID to answer
+    std::chrono::seconds heartbeat{3}; ///< an event is sent after so long without one: clients notice when none comes
     std::chrono::milliseconds endTime = std::chrono::seconds(4); ///< for what is under way when the station ends
 };

@@ -294,11 +294,30 @@ void BrokerStationTest::aStationThatHangsIsLost()
     StationProcess &station = startStation(u"north"_s);
     BrokerClient client(url(u"north"_s));
     QTRY_VERIFY_WITH_TIMEOUT(client.isUp(), patience);
+    client.send(StationCommandName::addCamera, cameraMap(u"Door"_s));
+    QTRY_VERIFY_WITH_TIMEOUT(client.events.contains(u"north station.ActivityAdded"_s), patience); // events come here
     station.signal(SIGSTOP);
-    // The broker gives it up after seven and a half seconds, and looks every five.
-    QTRY_COMPARE_WITH_TIMEOUT(client.link().state().kind, StationState::Kind::Down, 13'000);
+    const int sent = client.send(StationCommandName::addCamera, cameraMap(u"Gate"_s));
+    // Within ten seconds. The broker itself takes up to twelve and a half.
+    QTRY_VERIFY_WITH_TIMEOUT(client.link().state().isSilent, patience);
+    const auto presence = [&client] { return client.link().stations().constFirst(); };
+    const StationPresence silent = presence();
+    QCOMPARE(silent.state.kind, StationState::Kind::Down);
+    QVERIFY(silent.state.keepsCommands);
+    QVERIFY2(silent.since.msecsTo(QDateTime::currentDateTimeUtc()) < 10'000, qPrintable(silent.since.toString()));
+    QVERIFY2(silent.state.reason.startsWith(u"Nothing was heard of the station for"_s),
+             qPrintable(silent.state.reason));
+    const int refused = client.send(StationCommandName::addCamera, cameraMap(u"Yard"_s));
+    QTRY_COMPARE(client.code(refused), HostReturnCode::LinkDown);
+    const bool isLostByBroker = QTest::qWaitFor([&] { return !client.link().state().isSilent; }, patience);
+    QVERIFY(isLostByBroker);
+    QVERIFY2(client.reason().startsWith(u"The broker lost the station"_s), qPrintable(client.reason()));
+    QCOMPARE(presence().since, silent.since);
+    QCOMPARE(client.code(sent), QString());
     station.signal(SIGCONT);
     QTRY_VERIFY_WITH_TIMEOUT(client.isUp(), patience);
+    QTRY_COMPARE_WITH_TIMEOUT(client.code(sent), ReturnCode::Success, patience);
+    QVERIFY(!client.events.contains(u"north station.Heartbeat"_s)); // a matter of the link alone
 }
 
 void BrokerStationTest::aBrokerThatIsNotThereIsTold()

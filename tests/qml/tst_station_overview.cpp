@@ -27,6 +27,7 @@ private slots:
     void whatHasChangedIsToldAlone();
     void aChangeMovesNoRow();
     void whatIsToldFirstIsNoChange();
+    void aSilentStationIsNotHeardOf();
     void theChoiceIsAskedFor();
     void alarmsAreLabelled();
     void stationsOfOneNameAreToldApart();
@@ -177,6 +178,17 @@ void TestStationOverview::whatIsToldFirstIsNoChange()
     tell(u"late"_s, 6);
     QTRY_COMPARE(m_stations->unsettled(), 1);
     QCOMPARE(value(u"late"_s, StationOverview::BadnessOrder).toDouble(), broken + 5);
+}
+
+void TestStationOverview::aSilentStationIsNotHeardOf()
+{
+    tell(u"a"_s, 0, StationState::Kind::Down);
+    m_records[u"b"_s].presence.state.isSilent = true;
+    tell(u"b"_s, 0, StationState::Kind::Down);
+    QTRY_COMPARE(m_stations->rowCount(), 2);
+    QCOMPARE(value(u"a"_s, StationOverview::StateRole).toInt(), int(StationOverview::Down));
+    QCOMPARE(value(u"b"_s, StationOverview::StateRole).toInt(), int(StationOverview::NotHeardOf));
+    QCOMPARE(value(u"b"_s, StationOverview::BadnessOrder), value(u"a"_s, StationOverview::BadnessOrder)); // as urgent
 }
 
 void TestStationOverview::theChoiceIsAskedFor()

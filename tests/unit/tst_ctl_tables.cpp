@@ -335,6 +335,8 @@ void TestCtlTables::usageForAnOperator()
              "Group  Recorded  Remaining  Reserved time  Per day\n"
              "Gate     3 days    12 days         3 days  5.00 GB\n"
              "Yard    unknown    unknown              -  unknown\n");
+    fillUsage(model, {{"1", "Zone 10", 1, 1, 1LL, 0}, {"2", "Zone 9", 1, 1, 1LL, 0}, {"3", "area", 1, 1, 1LL, 0}});
+    QCOMPARE(usageRows(model), QList<int>({2, 1, 0})); // whatever the order of the ids
 }
 
 void TestCtlTables::usageNewsAreWhatChanged()

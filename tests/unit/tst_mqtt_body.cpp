@@ -182,6 +182,10 @@ void MqttBodyTest::statusAndInstances()
     const QDateTime time = QDateTime::fromString(u"2026-03-20T12:00:00Z"_s, Qt::ISODate);
     const StationStatus lost{StationStatus::State::Lost, u"North"_s, u"host"_s, u"1.0"_s, u"i"_s, time, {}};
     QCOMPARE(statusFromMap(statusMap(lost)), lost);
+    StationStatus beating = lost;
+    beating.heartbeat = std::chrono::seconds(3);
+    QCOMPARE(statusMap(beating).value(u"heartbeat"_s), 3);
+    QCOMPARE(statusFromMap(statusMap(beating)), beating);
     const InstanceWord word{false, u"i"_s, u"host"_s, time};
     QCOMPARE(instanceFromMap(instanceMap(word)), word);
 }
@@ -200,7 +204,7 @@ void MqttBodyTest::wrongMapsAreRefused_data()
                                   << 'r';
     const QVariantMap sound =
         statusMap({StationStatus::State::Up, {}, {}, {}, u"i"_s, QDateTime::currentDateTimeUtc(), {}});
-    for (const QString &key : {u"state"_s, u"instance"_s, u"startedAt"_s}) {
+    for (const QString &key : {u"state"_s, u"instance"_s, u"startedAt"_s, u"heartbeat"_s}) {
         QVariantMap map = sound;
         map.insert(key, u"nonsense"_s);
         if (key == u"instance"_s)

@@ -64,12 +64,13 @@ void StationConfigTest::everyKeyIsRead()
                                              "broker-ca = /etc/ca.pem\n"
                                              "broker-certificate = /etc/north.pem\n"
                                              "broker-key = /etc/north.key\n"
+                                             "broker-heartbeat = 10\n"
                                              "broker-roles = /etc/roles",
                                              {});
     QCOMPARE(texts(config),
              QStringList({u"/srv/data"_s, u"North # 1 = first"_s, u"relay-7"_s, u"/srv/backup"_s, u"/etc/key"_s, u"5"_s,
                           u"8"_s, u"3"_s, u"mqtts://broker.example.org:99"_s, u"north"_s, u"/etc/password"_s,
-                          u"/etc/ca.pem"_s, u"/etc/north.pem"_s, u"/etc/north.key"_s, u"/etc/roles"_s}));
+                          u"/etc/ca.pem"_s, u"/etc/north.pem"_s, u"/etc/north.key"_s, u"10"_s, u"/etc/roles"_s}));
     QCOMPARE(config.nasTimeLimit, std::chrono::seconds(5));
 }
 
@@ -87,7 +88,7 @@ void StationConfigTest::badFilesAreRefused_data()
     QTest::addColumn<QString>("error");
     const QString names = u"data-folder, station-name, station-id, backup-folder, key-file, nas-time-limit, "
                           u"message-limit, client-limit, broker, broker-user, broker-password-file, broker-ca, "
-                          u"broker-certificate, broker-key, broker-roles"_s;
+                          u"broker-certificate, broker-key, broker-heartbeat, broker-roles"_s;
     QTest::newRow("unknown key") << QByteArray("\nlinger = 5")
                                  << u"FILE:2: unknown key \"linger\", expected one of "_s + names;
     QTest::newRow("other case") << QByteArray("Client-Limit = 5")

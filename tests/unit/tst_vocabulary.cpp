@@ -332,6 +332,7 @@ void VocabularyTest::everyWordReadsAsItsName_data()
     STATION_WORD(StationEventName, AlarmsChanged);
     STATION_WORD(StationEventName, ActivityAdded);
     STATION_WORD(StationEventName, DeletionProgress);
+    STATION_WORD(StationEventName, Heartbeat);
     WORD(StationEventName, StorageScanProgress);
 
     QTest::newRow("ReturnCode::Success") << ReturnCode::Success << QString("0");
