@@ -110,6 +110,7 @@ private:
         config.write("broker-user = " + id.toUtf8() + '\n');
         config.write("broker-password-file = " + m_broker->passwordFile(id).toUtf8() + '\n');
         config.write("broker-roles = " BROKER_EXAMPLES "/roles\n");
+        config.close(); // before the station reads it
         auto station =
             std::make_unique<StationProcess>(m_folder->path(), id, u"mqtts://localhost:%1"_s.arg(m_broker->port()),
                                              QStringList{u"--config"_s, config.fileName()});
