@@ -1,6 +1,7 @@
 #include "LocalLink.h"
 
 #include "LocalEndpoint.h"
+#include "StationPresence.h"
 #include "framework/HostReturnCode.h"
 
 #include <QSignalBlocker>
@@ -72,6 +73,16 @@ void LocalLink::start()
 StationState LocalLink::state(const QString &) const
 {
     return m_state;
+}
+
+QList<StationPresence> LocalLink::stations() const
+{
+    return {{.relayPath = m_relayPath,
+             .name = m_name,
+             .address = {},
+             .version = m_version,
+             .state = m_state,
+             .since = m_since}};
 }
 
 void LocalLink::send(quint64 correlation, const QString &relayPath, const StationCommand &command)
@@ -175,6 +186,8 @@ void LocalLink::welcome(const Welcome &station)
 {
     m_answerTimer.stop();
     m_relayPath = station.relayPath;
+    m_name = station.name;
+    m_version = station.version;
     m_pause = firstPause;
     m_mayRestart = true;
     setState({StationState::Kind::Up});
@@ -244,6 +257,8 @@ void LocalLink::setState(const StationState &state)
 {
     if (m_state == state)
         return;
+    if (m_state.kind != state.kind)
+        m_since = QDateTime::currentDateTimeUtc();
     m_state = state;
     emit stateChanged({}, state);
 }

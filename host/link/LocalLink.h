@@ -27,6 +27,7 @@ public:
 
     void start() override;
     StationState state(const QString &relayPath) const override;
+    QList<StationPresence> stations() const override; ///< with what it said of itself when it was connected last
     QString directStation() const override { return m_relayPath; } ///< known once it is connected
     void send(quint64 correlation, const QString &relayPath, const StationCommand &command) override;
 
@@ -68,7 +69,10 @@ private:
     QDeadlineTimer m_attempt;
     std::chrono::milliseconds m_pause;
     std::deque<Waiting> m_waiting;
-    QString m_relayPath; // of the station
+    QString m_relayPath; // of the station, as are its name and version
+    QString m_name;
+    QString m_version;
+    QDateTime m_since; // it has been in this state
     bool m_mayStart = false;
     bool m_mayRestart = true;
 };

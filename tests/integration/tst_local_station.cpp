@@ -96,6 +96,9 @@ void LocalStationTest::isStartedForItsFirstClient()
     QTRY_COMPARE_WITH_TIMEOUT(client.codes(), QStringList{u"0"_s}, patience);
     QVERIFY(!client.replies.front().data.toList().isEmpty());
     QVERIFY(client.isUp());
+    QCOMPARE(client.presence().name, QSysInfo::machineHostName());
+    QVERIFY(!client.presence().version.isEmpty());
+    QVERIFY(client.presence().since.isValid());
     QVERIFY(process() > 0);
     QVERIFY(process() != getpid());
 }

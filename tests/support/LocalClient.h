@@ -3,6 +3,7 @@
 #include "LocalEndpoint.h"
 #include "link/CommandSender.h"
 #include "link/LocalLink.h"
+#include "link/StationPresence.h"
 
 #include <QFile>
 #include <QHash>
@@ -52,6 +53,7 @@ public:
 
     bool isUp() const { return m_link.isUp(); }
     StationState state() const { return m_link.state({}); }
+    StationPresence presence() const { return m_link.stations().constFirst(); }
 
     QList<StationReply> replies;
     QStringList events;
