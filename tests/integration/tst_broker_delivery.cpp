@@ -192,7 +192,7 @@ void BrokerDeliveryTest::editsSurvive_data()
 {
     QTest::addColumn<QString>("fault");
     for (const char *fault : {"nothing", "broker killed", "station killed", "client cut", "station cut", "halves",
-                              "slow", "silence", "everything"})
+                              "repeats", "slow", "silence", "everything"})
         QTest::newRow(fault) << QString::fromLatin1(fault);
 }
 
@@ -217,6 +217,11 @@ void BrokerDeliveryTest::editsSurvive()
              m_ofClient->halveNext();
              m_ofStation->halveNext();
          }},
+        {u"repeats"_s,
+         [this] {
+             m_ofClient->repeatNext();
+             m_ofStation->repeatNext();
+         }},
         {u"slow"_s,
          [this] {
              m_ofClient->setDelay(QRandomGenerator::global()->bounded(150));
@@ -225,7 +230,7 @@ void BrokerDeliveryTest::editsSurvive()
         {u"silence"_s,
          [this] {
              m_ofStation->setSilent(true);
-             QTRY_VERIFY_WITH_TIMEOUT(!m_client->isUp(), 12'000); // the broker gives it up
+             QTRY_VERIFY_WITH_TIMEOUT(!m_client->isUp(), 12'000);
              m_ofStation->setSilent(false);
          }},
     };

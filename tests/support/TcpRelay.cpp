@@ -175,6 +175,8 @@ bool TcpRelay::carry(Connection &connection, int from, int side)
     const bool isHalf = size > 1 && m_halve.exchange(false);
     const ssize_t taken = isHalf ? size / 2 : size;
     const auto due = Clock::now() + std::chrono::milliseconds(m_delay.load());
-    connection.pieces[static_cast<std::size_t>(side)].push_back({due, QByteArray(part.data(), taken), isHalf});
+    const int times = m_repeat.exchange(false) ? 2 : 1;
+    for (int i = 0; i < times; ++i)
+        connection.pieces[static_cast<std::size_t>(side)].push_back({due, QByteArray(part.data(), taken), isHalf});
     return true;
 }

@@ -7,8 +7,8 @@
 #include <mutex>
 #include <thread>
 
-/// A bad network between a client and a server of the loopback interface: hands on what both sides say, late, in halves
-/// or not at all, and cuts connections. What it does holds for the connections that there are and for new ones.
+/// A bad network between a client and a server of the loopback interface: hands on what both sides say, late, in halves,
+/// twice or not at all, and cuts connections. What it does holds for the connections that there are and for new ones.
 class TcpRelay
 {
 public:
@@ -28,6 +28,8 @@ public:
     void cut() { ++m_cuts; }
     /// Of the next piece that somebody says only the first half goes on, and then its connection is cut.
     void halveNext() { m_halve = true; }
+    /// The next piece that somebody says goes on twice.
+    void repeatNext() { m_repeat = true; }
     /// New connections are cut at once.
     void setRefusing(bool refusing) { m_isRefusing = refusing; }
 
@@ -47,6 +49,7 @@ private:
     std::atomic<bool> m_isSilent = false;
     std::atomic<int> m_cuts = 0;
     std::atomic<bool> m_halve = false;
+    std::atomic<bool> m_repeat = false;
     std::atomic<bool> m_isRefusing = false;
     std::atomic<bool> m_isEnding = false;
     std::atomic<int> m_connections = 0;
