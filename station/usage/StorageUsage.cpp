@@ -6,13 +6,13 @@
 #include "StationData.h"
 #include "StationLog.h"
 #include "StationVocabulary.h"
+#include "StorageTroubles.h"
 #include "groups/GroupStore.h"
 #include "store/Database.h"
 
 #include <QSet>
 
 #include <algorithm>
-#include <cerrno>
 #include <utility>
 
 StorageUsage::StorageUsage(const VolumeSource &volumes, StationData &data, NasAccounts &accounts, TimedWork &work,
@@ -481,17 +481,6 @@ QList<UsagePlace> StorageUsage::places() const
     return places;
 }
 
-QStringList StorageUsage::groupsAt(const QString &path) const
-{
-    QStringList names;
-    for (const RecordingGroup &group : m_groups) {
-        if (std::any_of(group.paths.cbegin(), group.paths.cend(),
-                        [&path](const GroupPath &other) { return other.path == path; }))
-            names.append(group.name);
-    }
-    return names;
-}
-
 std::optional<qint64> StorageUsage::countedBytes(const QString &path, const QString &folder) const
 {
     const QList<RecordingPlace> &places = m_places.places();
@@ -518,135 +507,28 @@ bool StorageUsage::isSettled() const
 
 QList<StationTrouble> StorageUsage::troubles() const
 {
-    QList<StationTrouble> troubles = placeTroubles() + readingTroubles() + m_clock.troubles();
+    QList<StationTrouble> troubles = placeTroubles(m_places.places(), m_states, m_groups);
+    troubles += readingTroubles() + m_clock.troubles();
     troubles += m_nasRecordings.withTimes(m_nasVolumes.troubles()) + m_nasRecordings.troubles();
-    troubles += m_shortGroups.troubles();
-    for (const RecordingGroup &group : m_groups) {
-        if (group.paths.isEmpty() && !group.members.isEmpty()) {
-            troubles.append(
-                {StationAlarmKind::GroupWithoutPath,
-                 StationTrouble::Severity::Error,
-                 group.name,
-                 QStringLiteral("The recording group %1 has cameras and no path: nothing is recorded.").arg(group.name),
-                 QStringLiteral("Add a path to the recording group."),
-                 {},
-                 {},
-                 group.id});
-        }
-    }
+    troubles += m_shortGroups.troubles() + groupTroubles(m_groups);
     for (const std::optional<DatabaseError> &failure : {m_groupsFailure, m_indexFailure}) {
         if (failure)
             troubles.append(troubleOf(*failure, Database::pathIn(m_data.folder())));
     }
-    if (m_futureDays > 0 && !m_clock.isBehind()) {
-        troubles.append(
-            {StationAlarmKind::RecordingsOfTheFuture,
-             StationTrouble::Severity::Warning,
-             QStringLiteral("recordings"),
-             QStringLiteral("There are recordings of %1 still to come; they are not counted.")
-                 .arg(m_futureDays == 1 ? QStringLiteral("a day") : QStringLiteral("%1 days").arg(m_futureDays)),
-             QStringLiteral(
-                 "Check the clocks of the cameras and of the station's machine, and move these folders away."),
-             {}});
-    }
+    if (m_futureDays > 0 && !m_clock.isBehind())
+        troubles.append(futureTrouble(m_futureDays));
     return troubles;
-}
-
-namespace {
-/// What is wrong with the storage of a place; none where recordings can be stored.
-std::optional<StationTrouble> troubleAt(const RecordingPlace &place, const PlaceState &state)
-{
-    const auto error = [](const QString &kind, const QString &subject, const QString &text, const QString &remedy) {
-        return StationTrouble{kind, StationTrouble::Severity::Error, subject, text, remedy, {}};
-    };
-    if (state.isSilent) {
-        return error(StationAlarmKind::FolderNotAnswering, place.path,
-                     QStringLiteral("The disk of the folder %1 does not answer").arg(place.path),
-                     QStringLiteral("Check the disk, or the network to it."));
-    }
-    if (state.storage == UsagePlace::Storage::Gone && state.isVolumeThere) {
-        return error(StationAlarmKind::VolumeGone, place.path,
-                     QStringLiteral("The folder %1 is not there").arg(place.path),
-                     QStringLiteral("Make the folder again, or take the path out of the recording group."));
-    }
-    if (state.storage == UsagePlace::Storage::Gone) {
-        return error(StationAlarmKind::VolumeGone, state.volume.path,
-                     QStringLiteral("The volume %1 (%2) is not there").arg(state.volume.name, state.volume.path),
-                     QStringLiteral("Connect and mount the disk, or take its paths out of the recording groups."));
-    }
-    if (state.storage == UsagePlace::Storage::Present && state.writeError == EROFS) {
-        return error(StationAlarmKind::PathNotWritable, state.volume.path,
-                     QStringLiteral("The volume %1 (%2) can only be read").arg(state.volume.name, state.volume.path),
-                     QStringLiteral("Mount it writable; the system's log says why it is not."));
-    }
-    if (state.storage == UsagePlace::Storage::Present && state.writeError != 0) {
-        return error(
-            StationAlarmKind::PathNotWritable, place.path,
-            QStringLiteral("The station may not write into the folder %1 (%2)")
-                .arg(place.path, qt_error_string(state.writeError)),
-            QStringLiteral("Let the station's user write there, or take the path out of the recording group."));
-    }
-    return {};
-}
-} // namespace
-
-/// One for each volume, or folder, that is in trouble.
-QList<StationTrouble> StorageUsage::placeTroubles() const
-{
-    QMap<QString, QStringList> groups;
-    QMap<QString, StationTrouble> troubles;
-    for (const RecordingPlace &place : m_places.places()) {
-        const auto state = m_states.constFind(place.number);
-        if (place.groupId.isEmpty() || state == m_states.cend())
-            continue;
-        if (const std::optional<StationTrouble> trouble = troubleAt(place, *state)) {
-            troubles.insert(trouble->subject, *trouble);
-            groups[trouble->subject] +=
-                place.groupId == UsageGroup::backup ? QStringList(QStringLiteral("(backup)")) : groupsAt(place.path);
-        }
-    }
-    for (auto trouble = troubles.begin(); trouble != troubles.end(); ++trouble) {
-        QStringList names = groups.value(trouble.key());
-        names.removeDuplicates();
-        trouble->text += QStringLiteral("; recording groups on it: %1.").arg(names.join(QStringLiteral(", ")));
-    }
-    return troubles.values();
 }
 
 QList<StationTrouble> StorageUsage::readingTroubles() const
 {
-    QList<StationTrouble> troubles;
-    for (const QString &folder : m_unreadable) {
-        troubles.append(
-            {StationAlarmKind::FolderNotReadable,
-             StationTrouble::Severity::Error,
-             folder,
-             QStringLiteral("The recordings in %1 cannot be read; their figures are as they were.").arg(folder),
-             QStringLiteral("Let the station's user read the folder, and check the disk; the station's log says more."),
-             {}});
-    }
+    QList<StationTrouble> troubles = unreadableTroubles(m_unreadable);
     const ReadingMark::Reading reading = m_mark->reading();
     const bool isHanging = !reading.path.isEmpty()
         && reading.since.addDuration(m_settings.folderPatience) < QDateTime::currentDateTimeUtc();
-    if (isHanging) {
-        troubles.append({StationAlarmKind::FolderNotAnswering, StationTrouble::Severity::Pending, reading.path,
-                         QStringLiteral("The disk of the recordings in %1 does not answer.").arg(reading.path),
-                         QStringLiteral("Check the disk, or the network to it."), reading.since});
-    } else if (m_isReading && !reading.path.isEmpty()) {
-        troubles.append(
-            {StationAlarmKind::RecordingsNotCounted,
-             StationTrouble::Severity::Pending,
-             QStringLiteral("recordings"),
-             QStringLiteral("The recordings are being counted, those in %1 at the moment.").arg(reading.path),
-             {},
-             m_readingSince});
-    } else if (m_isReading || m_isOwed) { // not counted, or counted and not told
-        troubles.append({StationAlarmKind::RecordingsNotCounted,
-                         StationTrouble::Severity::Pending,
-                         QStringLiteral("recordings"),
-                         QStringLiteral("The recordings are being counted."),
-                         {},
-                         m_readingSince});
-    }
+    if (isHanging)
+        troubles.append(hangingTrouble(reading.path, reading.since));
+    else if (m_isReading || m_isOwed) // not counted, or counted and not told
+        troubles.append(countingTrouble(m_isReading ? reading.path : QString(), m_readingSince));
     return troubles;
 }

@@ -97,8 +97,6 @@ private:
     bool isReadable(const RecordingPlace &place) const;
     void noteCounted();
     QVariantList entries() const;
-    QStringList groupsAt(const QString &path) const;
-    QList<StationTrouble> placeTroubles() const;
     QList<StationTrouble> readingTroubles() const;
 
     const VolumeSource &m_volumes;
