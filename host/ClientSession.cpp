@@ -122,7 +122,7 @@ void ClientSession::nameStation()
         m_stationPlugin->setStation(m_stationName, {}, m_relayPath);
         return;
     }
-    const StationPresence presence = m_stations ? m_stations->record(relayPath).presence : StationPresence();
+    const StationPresence presence = m_link->presence();
     const QString &name = presence.name.isEmpty() ? m_stationName : presence.name;
     m_stationPlugin->setStation(name.isEmpty() ? relayPath : name, presence.address, relayPath);
     m_statusMonitor->setDirectStation(relayPath);

@@ -209,7 +209,8 @@ public:
     /// which a backslash equals a slash. @p relayPath is ignored: there is one volume model.
     Q_INVOKABLE QVariantMap getVolumeInfo(const QString &path, const QString &relayPath);
     /// The stream index under which another group records the camera with time shift or seamless recording; -1 when
-    /// none does. @p cameraId is compared with the member's name alone, without a relay path.
+    /// none does. @p cameraId is compared with the member's name alone, without a relay path; of each group the first
+    /// member of that name counts alone.
     Q_INVOKABLE int streamIndexHasBeenSetTmShiftSeamlessInOtherRecGroups(const QString &cameraId,
                                                                          const QString &recordingGroupID,
                                                                          const QString &relayPath);

@@ -108,6 +108,11 @@ QList<StationPresence> MqttLink::stations() const
     return list;
 }
 
+StationPresence MqttLink::presence(const QString &relayPath) const
+{
+    return m_stations.value(relayPath.isEmpty() ? m_direct : relayPath).presence;
+}
+
 bool MqttLink::setDirectStation(const QString &relayPath)
 {
     if (!m_stations.contains(relayPath))

@@ -31,6 +31,7 @@ public:
     void start() override;
     StationState state(const QString &relayPath = {}) const override;
     QList<StationPresence> stations() const override;
+    StationPresence presence(const QString &relayPath = {}) const override;
     bool reachesMany() const override { return true; }
     QString directStation() const override { return m_direct; }
     bool setDirectStation(const QString &relayPath) override;

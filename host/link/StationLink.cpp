@@ -27,6 +27,17 @@ QList<StationPresence> StationLink::stations() const
     return {{.relayPath = directStation(), .name = {}, .address = {}, .version = {}, .state = state()}};
 }
 
+StationPresence StationLink::presence(const QString &relayPath) const
+{
+    const QString path = relayPath.isEmpty() ? directStation() : relayPath;
+    const QList<StationPresence> all = stations();
+    for (const StationPresence &one : all) {
+        if (one.relayPath == path)
+            return one;
+    }
+    return {};
+}
+
 bool StationLink::setDirectStation(const QString &)
 {
     return false;

@@ -92,6 +92,9 @@ public:
     /// Every station that the link has heard of, in no order. One that went away stays, with its state. Here: the
     /// directly connected one alone.
     virtual QList<StationPresence> stations() const;
+    /// Of the station behind @p relayPath (empty: the directly connected one), as stations() has it; an empty one where
+    /// the link has not heard of it.
+    virtual StationPresence presence(const QString &relayPath = {}) const;
     /// There may be more stations than those that were heard of. Here: false.
     virtual bool reachesMany() const { return false; }
     /// The relay path of the directly connected station; empty where the link knows none.

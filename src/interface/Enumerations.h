@@ -2,6 +2,14 @@
 
 /// The plug-in's enumerations for clients in C++, which know its class as a file alone. QML has them as
 /// PluginRecordingManagement.Local and the like.
+///
+/// An argument of such a type is passed under the name that the plug-in has for it, which a using-declaration gives it:
+///
+///     using Recording::RecPathType;
+///     QMetaObject::invokeMethod(plugin, "addRecordingGroup", Q_ARG(QString, "North"), Q_ARG(QString, "/mnt/video"),
+///                               Q_ARG(RecPathType, RecPathType::Local));
+///
+/// Neither an int nor a qualified name is taken for it.
 namespace Recording {
 
 /// Kind of a recording path.

@@ -101,7 +101,7 @@ void ConsumersTest::pluginIsUsedAsAFile()
     const Run run = ran(binary("plugin") + "/consumer", {});
     QFile version(pluginFolder() + "/PluginRecordingManagement.version");
     QVERIFY(version.open(QIODevice::ReadOnly));
-    QCOMPARE(run.output, QString::fromUtf8(version.readAll()).trimmed() + " /mnt/video 2\n");
+    QCOMPARE(run.output, QString::fromUtf8(version.readAll()).trimmed() + " /mnt/video 2 1\n");
     QCOMPARE(run.exitCode, 0);
 }
 

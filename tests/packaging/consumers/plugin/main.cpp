@@ -35,7 +35,12 @@ int main(int argc, char **argv)
     QObject *model = nullptr;
     QMetaObject::invokeMethod(framework.plugin, "getVolumeModel", Q_RETURN_ARG(QObject *, model));
     const QModelIndex first = qobject_cast<QAbstractItemModel *>(model)->index(0, 0);
+    using Recording::RecPathType;
+    bool isSent = false;
+    QMetaObject::invokeMethod(framework.plugin, "addRecordingGroup", Q_RETURN_ARG(bool, isSent),
+                              Q_ARG(QString, "North"), Q_ARG(QString, "/mnt/video"),
+                              Q_ARG(RecPathType, RecPathType::Local));
     QTextStream(stdout) << RECORDING_MANAGEMENT_VERSION << ' ' << first.data(Recording::VolumeRole::RootPath).toString()
-                        << ' ' << static_cast<int>(Recording::RecPathType::NetDomain) << Qt::endl;
+                        << ' ' << static_cast<int>(RecPathType::NetDomain) << ' ' << isSent << Qt::endl;
     delete framework.plugin;
 }
