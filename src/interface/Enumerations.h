@@ -3,13 +3,15 @@
 /// The plug-in's enumerations for clients in C++, which know its class as a file alone. QML has them as
 /// PluginRecordingManagement.Local and the like.
 ///
-/// An argument of such a type is passed under the name that the plug-in has for it, which a using-declaration gives it:
+/// Q_ARG() cannot pass an argument of such a type, as the plug-in's own has another name for each Qt. What is passed
+/// with the name that methods declare works with all:
 ///
-///     using Recording::RecPathType;
-///     QMetaObject::invokeMethod(plugin, "addRecordingGroup", Q_ARG(QString, "North"), Q_ARG(QString, "/mnt/video"),
-///                               Q_ARG(RecPathType, RecPathType::Local));
-///
-/// Neither an int nor a qualified name is taken for it.
+///     const QString name = "North", path = "/mnt/video";
+///     const auto type = Recording::RecPathType::Local;
+///     bool isSent = false;
+///     QMetaObject::invokeMethod(plugin, "addRecordingGroup", Qt::DirectConnection,
+///                               QGenericReturnArgument("bool", &isSent), QGenericArgument("QString", &name),
+///                               QGenericArgument("QString", &path), QGenericArgument("RecPathType", &type));
 namespace Recording {
 
 /// Kind of a recording path.

@@ -35,12 +35,14 @@ int main(int argc, char **argv)
     QObject *model = nullptr;
     QMetaObject::invokeMethod(framework.plugin, "getVolumeModel", Q_RETURN_ARG(QObject *, model));
     const QModelIndex first = qobject_cast<QAbstractItemModel *>(model)->index(0, 0);
-    using Recording::RecPathType;
+    const QString name = "North";
+    const QString path = "/mnt/video";
+    const auto type = Recording::RecPathType::Local;
     bool isSent = false;
-    QMetaObject::invokeMethod(framework.plugin, "addRecordingGroup", Q_RETURN_ARG(bool, isSent),
-                              Q_ARG(QString, "North"), Q_ARG(QString, "/mnt/video"),
-                              Q_ARG(RecPathType, RecPathType::Local));
+    QMetaObject::invokeMethod(framework.plugin, "addRecordingGroup", Qt::DirectConnection,
+                              QGenericReturnArgument("bool", &isSent), QGenericArgument("QString", &name),
+                              QGenericArgument("QString", &path), QGenericArgument("RecPathType", &type));
     QTextStream(stdout) << RECORDING_MANAGEMENT_VERSION << ' ' << first.data(Recording::VolumeRole::RootPath).toString()
-                        << ' ' << static_cast<int>(RecPathType::NetDomain) << ' ' << isSent << Qt::endl;
+                        << ' ' << static_cast<int>(Recording::RecPathType::NetDomain) << ' ' << isSent << Qt::endl;
     delete framework.plugin;
 }
