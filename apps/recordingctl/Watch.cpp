@@ -156,16 +156,17 @@ ExitCode watch(CommandRun &run)
                          [&show, &named, name = name](const StatusMonitorPlugin::Alarm &alarm) {
                              show(alarmNews(name, alarm, named(alarm.source)));
                          });
-    QHash<QString, StationState::Kind> states; // of all stations, where they were up at first without a line
+    const QString up = stateWord({StationState::Kind::Up});
+    QHash<QString, QString> states; // of all stations, where they were up at first without a line
     const auto showStates = [&](const QStringList &relayPaths) {
         for (const QString &relayPath : relayPaths) {
             const StationState state = session.stations()->record(relayPath).presence.state;
             const bool isFirstAttempt = state.kind == StationState::Kind::Connecting && state.reason.isEmpty();
             if (state.kind == StationState::Kind::Unknown || isFirstAttempt)
                 continue;
-            const StationState::Kind before = states.value(relayPath, StationState::Kind::Up);
-            states.insert(relayPath, state.kind);
-            if (state.kind != before)
+            const QString before = states.value(relayPath, up);
+            states.insert(relayPath, stateWord(state));
+            if (stateWord(state) != before)
                 show(stationNews(relayPath, state));
         }
     };

@@ -424,6 +424,13 @@ void BrokerAccessTest::recordingctlGoesThrough()
     QVERIFY2(!refused.startsWith(u'0') && refused.contains(u"OperatorNeeded"_s), qPrintable(refused));
     const QString groups = run({u"groups"_s});
     QVERIFY2(groups.startsWith(u"0 "_s), qPrintable(groups));
+    const QString tree = run({u"tree"_s}); // asked for as soon as the station is there
+    const QString root = QSysInfo::machineHostName(); // as the station calls itself, and its machine
+    QVERIFY2(QRegularExpression(u"^%1 +RecordingServer +%1$"_s.arg(QRegularExpression::escape(root)),
+                                QRegularExpression::MultilineOption)
+                 .match(tree)
+                 .hasMatch(),
+             qPrintable(tree));
 }
 
 void BrokerAccessTest::passwordsOfOthersEyesAreRefused()
