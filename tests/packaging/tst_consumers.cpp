@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 namespace {
@@ -127,7 +128,20 @@ void ConsumersTest::clientTalksToAStation()
 void ConsumersTest::clientReachesStationsBehindABroker()
 {
     COMPARE_RUN(built("mqtt"), 0);
-    QCOMPARE(ran(binary("mqtt") + "/consumer", {}).output, QString("mqtt\nmqtts\n"));
+    const auto answer = [this](const QString &url) {
+        return ran(binary("mqtt") + "/consumer", {pluginFolder(), url}).output;
+    };
+    const QString data = m_folder.filePath("mqtt-data");
+    const QString volumes = answer("local:" + data);
+    QVERIFY2(QRegularExpression("^[1-9][0-9]* volumes\n$").match(volumes).hasMatch(), qPrintable(volumes));
+    QVERIFY(waitForStationEnd(data));
+    const QString noStation = answer("mqtts://localhost");
+    QVERIFY2(noStation.contains("names no station"), qPrintable(noStation));
+
+    QFile page(QStringLiteral(SOURCE_DIR "/docs/host.md"));
+    QFile client(source("mqtt") + "/main.cpp");
+    QVERIFY(page.open(QIODevice::ReadOnly) && client.open(QIODevice::ReadOnly));
+    QVERIFY2(page.readAll().contains("```cpp\n" + client.readAll() + "```\n"), "the page has another client");
 }
 
 void ConsumersTest::pkgConfigTellsTheSame()
