@@ -7,8 +7,9 @@
 #include <mutex>
 #include <thread>
 
-/// A bad network between a client and a server of the loopback interface: hands on what both sides say, late, in halves,
-/// twice or not at all, and cuts connections. What it does holds for the connections that there are and for new ones.
+/// A bad network between a client and a server of the loopback interface: hands on what both sides say, late, in
+/// halves, twice or not at all, and cuts connections. What it does holds for the connections that there are and for new
+/// ones.
 class TcpRelay
 {
 public:

@@ -106,13 +106,6 @@ void StationTest::dataOfTheWrongTypeIsRefused_data()
     const QVariantMap map{{QStringLiteral("basePath"), QStringLiteral("/")}};
     QTest::newRow("getVolume, a map") << QStringLiteral("getVolume") << QVariant(map);
     QTest::newRow("getVolume, a number") << QStringLiteral("getVolume") << QVariant(1);
-    for (const char *name : {"getServerDir", "createDirectory"}) {
-        QTest::addRow("%s, nothing", name) << QString::fromLatin1(name) << QVariant();
-        QTest::addRow("%s, a map", name) << QString::fromLatin1(name) << QVariant(map);
-        QTest::addRow("%s, a number", name) << QString::fromLatin1(name) << QVariant(7);
-        QTest::addRow("%s, bytes", name) << QString::fromLatin1(name) << QVariant(QByteArray("/"));
-        QTest::addRow("%s, a list", name) << QString::fromLatin1(name) << QVariant(QStringList{QStringLiteral("/")});
-    }
 }
 
 void StationTest::dataOfTheWrongTypeIsRefused()

@@ -66,6 +66,9 @@ private slots:
     void init();
     void cleanup();
 
+    void dataOfTheWrongTypeIsRefused_data();
+    void dataOfTheWrongTypeIsRefused();
+
     void foldersAreListedByName();
     void foldersBehindLinksAreListed();
     void hiddenFoldersAreLeftOut();
@@ -92,7 +95,7 @@ private slots:
     void systemErrorsHaveTheirWords();
 
 private:
-    StationReply ask(const QString &name, const QString &path);
+    StationReply ask(const QString &name, const QVariant &data);
     QString path(const QString &name) const { return m_folder->path() + u'/' + name; }
     QStringList everything() const;
 
@@ -125,9 +128,9 @@ void StationDirectoriesTest::cleanup()
     m_elsewhere.reset();
 }
 
-StationReply StationDirectoriesTest::ask(const QString &name, const QString &path)
+StationReply StationDirectoriesTest::ask(const QString &name, const QVariant &data)
 {
-    const StationCall call(*m_station, name, path);
+    const StationCall call(*m_station, name, data);
     const StationReply reply = call.reply();
     return call.parts().size() == 1 ? reply : StationReply{QStringLiteral("not one part"), {}};
 }
@@ -144,6 +147,31 @@ QStringList StationDirectoriesTest::everything() const
     }
     paths.sort();
     return paths;
+}
+
+void StationDirectoriesTest::dataOfTheWrongTypeIsRefused_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QVariant>("data");
+    for (const char *name : {"getServerDir", "createDirectory"}) {
+        QTest::addRow("%s, nothing", name) << QString::fromLatin1(name) << QVariant();
+        QTest::addRow("%s, a map", name) << QString::fromLatin1(name)
+                                         << QVariant(QVariantMap{{QStringLiteral("basePath"), QStringLiteral("/")}});
+        QTest::addRow("%s, a number", name) << QString::fromLatin1(name) << QVariant(7);
+        QTest::addRow("%s, bytes", name) << QString::fromLatin1(name) << QVariant(QByteArray("/"));
+        QTest::addRow("%s, a list", name) << QString::fromLatin1(name) << QVariant(QStringList{QStringLiteral("/")});
+    }
+}
+
+void StationDirectoriesTest::dataOfTheWrongTypeIsRefused()
+{
+    QFETCH(QString, name);
+    QFETCH(QVariant, data);
+    const QStringList before = everything();
+    const StationReply reply = ask(name, data);
+    QCOMPARE(reply.returnCode, QStringLiteral("BadRequest"));
+    QVERIFY(!reply.data.isValid());
+    QCOMPARE(everything(), before);
 }
 
 // Listing. ------------------------------------------------------------------------------------------------------------
