@@ -170,6 +170,14 @@ QString mqttConnectError(const MqttSettings &settings, int code, const QString &
             .arg(settings.port)
             .arg(why.isEmpty() ? mqttErrorText(code) : why);
     }
+    const bool isBrokenOff =
+        code == MOSQ_ERR_CONN_LOST || (code == MOSQ_ERR_ERRNO && (errno == 0 || errno == ECONNRESET || errno == EPIPE));
+    if (settings.isEncrypted && isBrokenOff) {
+        // What the broker says of the certificate can be lost with the connection.
+        return QStringLiteral("no TLS with %1:%2: the broker broke the connection off; it may want another certificate")
+            .arg(settings.host)
+            .arg(settings.port);
+    }
     return QStringLiteral("the broker %1:%2 cannot be reached: %3")
         .arg(settings.host)
         .arg(settings.port)

@@ -315,14 +315,6 @@ QString MqttConnection::failureText(int code)
     }
     if (code == MOSQ_ERR_KEEPALIVE)
         return QStringLiteral("the broker %1 has been silent for too long").arg(m_settings.host);
-    const bool isBrokenOff = code == MOSQ_ERR_CONN_LOST
-        || (code == MOSQ_ERR_ERRNO && (failure == 0 || failure == ECONNRESET || failure == EPIPE));
-    if (!isUp() && m_settings.isEncrypted && m_isConnected && isBrokenOff && m_detail.isEmpty()) {
-        // What it says of the certificate can be lost with the connection.
-        return QStringLiteral("no TLS with %1:%2: the broker broke the connection off; it may want another certificate")
-            .arg(m_settings.host)
-            .arg(m_settings.port);
-    }
     if (!isUp()) {
         errno = failure;
         return mqttConnectError(m_settings, code, m_detail);
