@@ -33,15 +33,20 @@ HistoryPage HistoryWorker::page(const HistoryQuery &query)
 
 void HistoryWorker::keep(const QList<UsageSample> &samples, qint64 now)
 {
-    try {
-        if (m_end)
-            throw DatabaseError(*m_end);
-        keep(HistoryResolution::Hour, samples, now);
-        keep(HistoryResolution::Day, samples, now);
-        prune(now);
-        emit kept();
-    } catch (const DatabaseError &error) {
-        drop(error, now);
+    constexpr int attempts = 10; // of a moment each, so that the end need not wait for more
+    for (int attempt = 1;; ++attempt) {
+        try {
+            if (m_end)
+                throw DatabaseError(*m_end);
+            keep(HistoryResolution::Hour, samples, now);
+            keep(HistoryResolution::Day, samples, now);
+            prune(now);
+            return emit kept();
+        } catch (const DatabaseError &error) {
+            const bool isLast = attempt == attempts || QThread::currentThread()->isInterruptionRequested();
+            if (error.trouble() != DatabaseTrouble::Busy || isLast)
+                return drop(error, now);
+        }
     }
 }
 
