@@ -179,7 +179,7 @@ void PlaceReader::watchDays(const IndexedPlace &place, const QString &camera, QL
 void PlaceReader::readDay(const ReadTask &task, const IndexedPlace &place)
 {
     const QString path = folderOf(place, task.camera, task.day);
-    const RecordedFiles files = readFiles(path);
+    RecordedFiles files = readFiles(path);
     if (!isUsable(files.result, place, path))
         return;
     m_filesRead += files.sizes.size();
@@ -190,21 +190,25 @@ void PlaceReader::readDay(const ReadTask &task, const IndexedPlace &place)
         m_watch.forget(path);
         return;
     }
+    if (m_newestDay.value(folderOf(place, task.camera)) == task.day) {
+        m_watch.watchFile(path, files.newest);
+        // It may have grown before it was watched.
+        if (const qint64 bytes = files.newest.isEmpty() ? -1 : fileSize(path + u'/' + files.newest); bytes >= 0)
+            files.sizes.insert(files.newest, bytes);
+    }
     const std::optional<QHash<QString, qint64>> before = m_index.files(folder);
     DayChange change = difference(folder, before.value_or(QHash<QString, qint64>()), files.sizes);
     if (!before || !change.written.isEmpty() || !change.removed.isEmpty())
         m_changes.append(std::move(change));
-    if (m_newestDay.value(folderOf(place, task.camera)) == task.day)
-        m_watch.watchFile(path, files.newest);
 }
 
 QList<ReadTask> PlaceReader::readFile(const ReadTask &task, const IndexedPlace &place)
 {
     write();
     const QString path = folderOf(place, task.camera, task.day);
+    m_watch.watchFile(path, task.file); // before it is looked at: nothing is missed in between
     const qint64 bytes = fileSize(path + u'/' + task.file);
     if (bytes < 0 || !m_index.resize({place.number, task.camera, task.day}, task.file, bytes))
         return {{ReadTask::Kind::Day, place.number, true, task.camera, task.day}};
-    m_watch.watchFile(path, task.file);
     return {};
 }
