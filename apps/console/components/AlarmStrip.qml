@@ -17,8 +17,8 @@ Rectangle {
     readonly property color foreground: count === 0 ? Theme.secondaryText : severe ? Theme.danger : Theme.warning
     readonly property int silent: alarms.stations?.count > 1 ? alarms.stations.notUp + alarms.stations.untold : 0
     readonly property string text: worst !== null ? alarms.words(worst)
-        : known && silent > 0 ? qsTr("No alarms of %1 stations; %2 tell none at the moment")
-                                    .arg(alarms.stations.count - silent).arg(silent)
+        : known && silent > 0 ? qsTr("No alarms told; nothing from %1 of %2 stations at the moment")
+                                    .arg(silent).arg(alarms.stations.count)
         : known ? qsTr("No alarms")
         : connected ? qsTr("Asking the station for its alarms…") : qsTr("No connection: alarms are not known")
     readonly property bool narrow: width < Theme.sized(560)

@@ -10,7 +10,7 @@ Rectangle {
     readonly property bool narrow: width < Theme.sized(560)
     readonly property string others: stations.count < 2 ? ""
         : stations.notUp === 0 ? qsTr("%1 stations").arg(stations.count)
-        : qsTr("%1 of %2 stations are not connected").arg(stations.notUp).arg(stations.count)
+        : qsTr("%1 of %2 stations not connected").arg(stations.notUp).arg(stations.count)
 
     /// The operator wants to see all stations.
     signal listWanted

@@ -16,7 +16,7 @@ Rectangle {
         const connection = session.connected ? qsTr("Connected to %1").arg(stations.directName)
                                              : qsTr("No connection to %1").arg(stations.directName);
         return stations.notUp === 0 || stations.count < 2 ? connection
-            : qsTr("%1; %2 of %3 stations are not connected").arg(connection).arg(stations.notUp).arg(stations.count);
+            : qsTr("%1; %2 of %3 stations not connected").arg(connection).arg(stations.notUp).arg(stations.count);
     }
 
     implicitHeight: Theme.sized(40)

@@ -493,8 +493,8 @@ TestCase {
         }
         compare(part("connection").text, "Connected to Airport");
         server.setStations([{ path: "b", name: "Bridge", state: 3 }]);
-        tryCompare(part("otherStations"), "text", "1 of 2 stations are not connected");
-        compare(part("connection").text, "Connected to Airport; 1 of 2 stations are not connected");
+        tryCompare(part("otherStations"), "text", "1 of 2 stations not connected");
+        compare(part("connection").text, "Connected to Airport; 1 of 2 stations not connected");
     }
 
     function test_anotherStationTakesThePlace(): void {
@@ -542,7 +542,7 @@ TestCase {
         server.setAlarms([]);
         open({});
         server.setAlarmsKnown(true);
-        tryCompare(part("alarmText"), "text", "No alarms of 2 stations; 1 tell none at the moment");
+        tryCompare(part("alarmText"), "text", "No alarms told; nothing from 1 of 3 stations at the moment");
     }
 
     function test_figuresOfOtherStationsAskForNothing(): void {
