@@ -6,11 +6,11 @@
 #include "JsonFields.h"
 #include "ModelPrinter.h"
 #include "Output.h"
+#include "TableOrder.h"
 #include "Units.h"
 #include "UsageCommands.h"
 
 #include <QAbstractItemModel>
-#include <QCollator>
 #include <QEventLoop>
 #include <QTimer>
 
@@ -141,8 +141,7 @@ QList<ListedStation> awaitStations(CommandRun &run, bool withFigures)
     const QStringList ids = directory.relayPaths();
     for (const QString &id : ids)
         stations.append({id, directory.record(id)});
-    QCollator collator(QLocale(QLocale::English)); // that of "C" knows no numbers
-    collator.setNumericMode(true);
+    const QCollator collator = tableOrder();
     std::sort(stations.begin(), stations.end(), [&collator](const ListedStation &one, const ListedStation &other) {
         const int order = collator.compare(one.id, other.id);
         return order != 0 ? order < 0 : one.id < other.id;

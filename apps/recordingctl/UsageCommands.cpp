@@ -10,12 +10,12 @@
 #include "ServerVocabulary.h"
 #include "SiteCommands.h"
 #include "StationVocabulary.h"
+#include "TableOrder.h"
 #include "Units.h"
 #include "VolumeTable.h"
 #include "companions/StatusMonitorPlugin.h"
 
 #include <QAbstractItemModel>
-#include <QCollator>
 #include <QDateTime>
 #include <QEventLoop>
 #include <QTimer>
@@ -167,8 +167,7 @@ void printUsage(const CommandRun &run, const QAbstractItemModel &usage)
 
 QList<int> usageRows(const QAbstractItemModel &usage)
 {
-    QCollator collator(QLocale(QLocale::English)); // that of "C" knows no numbers
-    collator.setNumericMode(true);
+    const QCollator collator = tableOrder();
     QList<std::pair<QCollatorSortKey, int>> keys;
     for (int row = 0; row < usage.rowCount(); ++row)
         keys.emplace_back(collator.sortKey(at(usage, row, "nameRole").toString()), row);
