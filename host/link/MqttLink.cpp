@@ -398,7 +398,7 @@ void MqttLink::lookForSilence()
         const std::chrono::milliseconds silence(station.heard.elapsed());
         if (wasAway)
             station.heard.start();
-        else if (silence > station.heartbeat * 5 / 2) {
+        else if (2 * silence > 5 * station.heartbeat) {
             station.patience.setRemainingTime(patience);
             setState(
                 path,
