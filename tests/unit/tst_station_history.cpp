@@ -5,6 +5,7 @@
 
 #include <QRegularExpression>
 #include <QTest>
+#include <QTimer>
 
 #include <memory>
 
@@ -41,6 +42,7 @@ private slots:
     void whatBecomesKnownWithinTheHourIsAdded();
     void aClockSetBackMakesNoSample();
     void anotherRunOfTheStationKeepsOneSample();
+    void aDatabaseThatIsBusyForAMomentIsWaitedFor();
     void aBusyDatabaseDropsTheSampleUntilTheNextMinute();
     void theTimeWithoutAStationIsAGap();
     void aReplyIsBoundedAndSaysWhereMoreIs();
@@ -235,6 +237,22 @@ void StationHistoryTest::anotherRunOfTheStationKeepsOneSample()
     start();
     QTRY_COMPARE(samples(u"hour"_s, u"Late"_s).size(), 1); // the station samples again
     QCOMPARE(samples(u"hour"_s), known);
+}
+
+/// A sample that is dropped leaves a warning, and none is expected.
+void StationHistoryTest::aDatabaseThatIsBusyForAMomentIsWaitedFor()
+{
+    start();
+    QTRY_COMPARE(samples(u"hour"_s).size(), 1);
+    Database other(m_site->dataFolder());
+    auto holding = std::make_unique<Transaction>(other);
+    QTimer release;
+    release.setSingleShot(true);
+    release.callOnTimeout([&holding] { holding.reset(); });
+    release.start(300ms);
+    setTime(u"2026-03-20T11:00:30Z"_s);
+    QTRY_VERIFY(!holding);
+    QTRY_COMPARE(samples(u"hour"_s).size(), 2);
 }
 
 void StationHistoryTest::aBusyDatabaseDropsTheSampleUntilTheNextMinute()
