@@ -326,10 +326,10 @@ void LocalStationTest::aLongPathNeedsAnotherPlaceForTheSocket()
 {
     const QTemporaryDir runtimeFolder;
     const QString runtime = runtimeFolder.path();
+    const QString deep = folder() + u'/' + QString(120, u'x');
     const QByteArray before = qgetenv("XDG_RUNTIME_DIR");
     qputenv("XDG_RUNTIME_DIR", QFile::encodeName(runtime));
     {
-        const QString deep = folder() + u'/' + QString(120, u'x');
         LocalClient client(deep);
         client.send(ServerCommand::getVolume);
         QTRY_COMPARE_WITH_TIMEOUT(client.codes(), QStringList{u"0"_s}, patience);
@@ -344,6 +344,9 @@ void LocalStationTest::aLongPathNeedsAnotherPlaceForTheSocket()
         QCOMPARE(status.st_mode & 0777U, 0700U);
     }
     qputenv("XDG_RUNTIME_DIR", before);
+    QTRY_VERIFY_WITH_TIMEOUT(isFolderFree(deep), patience); // it takes its socket along
+    QCOMPARE(QDir(runtime + u"/recording-station"_s).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot),
+             QStringList());
 }
 
 void LocalStationTest::onlyItsUserMayConnect()
