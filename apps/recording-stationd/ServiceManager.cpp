@@ -1,9 +1,6 @@
 #include "ServiceManager.h"
 
 #include "ServiceLog.h"
-#include "service/StationThread.h"
-
-#include <QPointer>
 
 #include <algorithm>
 #include <chrono>
@@ -42,17 +39,16 @@ qint64 monotonicMicroseconds()
 
 ServiceManager::ServiceManager(StationThread &station, QObject *parent)
     : QObject(parent)
-    , m_station(station)
+    , m_pulse(station)
 {
-    m_watchdogTimer.setTimerType(Qt::PreciseTimer);
-    m_watchdogTimer.callOnTimeout(this, &ServiceManager::askStation);
+    connect(&m_pulse, &StationPulse::felt, this, [] { tell("WATCHDOG=1"); });
 }
 
 void ServiceManager::tellReady()
 {
     tell("READY=1");
-    if (const auto pause = watchdogPause(); pause.count() > 0 && !m_watchdogTimer.isActive())
-        m_watchdogTimer.start(pause);
+    if (const auto pause = watchdogPause(); pause.count() > 0 && !m_pulse.isRunning())
+        m_pulse.start(pause);
 }
 
 void ServiceManager::tellReloading()
@@ -75,17 +71,4 @@ void ServiceManager::leave()
 {
     for (const char *const name : {"NOTIFY_SOCKET", "WATCHDOG_USEC", "WATCHDOG_PID"})
         qunsetenv(name);
-}
-
-void ServiceManager::askStation()
-{
-    if (m_isAsked)
-        return;
-    m_isAsked = true;
-    m_station.whenIdle([self = QPointer(this)] {
-        if (!self)
-            return;
-        self->m_isAsked = false;
-        tell("WATCHDOG=1");
-    });
 }

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "service/StationPulse.h"
+
 #include <QObject>
-#include <QTimer>
 
 class StationThread;
 
@@ -26,9 +27,5 @@ public:
     static void leave();
 
 private:
-    void askStation();
-
-    StationThread &m_station;
-    QTimer m_watchdogTimer;
-    bool m_isAsked = false; // and the station has not answered yet
+    StationPulse m_pulse;
 };

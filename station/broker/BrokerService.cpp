@@ -6,7 +6,6 @@
 #include "mqtt/MqttTopics.h"
 #include "service/StationThread.h"
 
-#include <QPointer>
 #include <QUuid>
 
 #include <utility>
@@ -34,10 +33,10 @@ QString newClientId(const QString &station)
 BrokerService::BrokerService(StationThread &station, const BrokerSettings &settings, QObject *parent)
     : QObject(parent)
     , m_settings(settings)
-    , m_station(station)
     , m_connection(settings.mqtt, newClientId(settings.stationId))
     , m_presence(m_connection, settings)
     , m_commands(m_connection, station, settings)
+    , m_pulse(station)
 {
     connect(&m_connection, &MqttConnection::stateChanged, this, &BrokerService::followConnection);
     connect(&m_connection, &MqttConnection::subscribed, this, &BrokerService::noteSubscription);
@@ -47,8 +46,7 @@ BrokerService::BrokerService(StationThread &station, const BrokerSettings &setti
     connect(&m_presence, &BrokerPresence::placeLost, this, &BrokerService::losePlace);
     connect(&m_commands, &BrokerCommands::finished, this, &BrokerService::leave);
     connect(&station, &StationThread::eventRaised, this, &BrokerService::raiseEvent);
-    m_heartbeatTimer.setInterval(settings.heartbeat);
-    m_heartbeatTimer.callOnTimeout(this, &BrokerService::askForHeartbeat);
+    connect(&m_pulse, &StationPulse::felt, this, [this] { publishEvent({StationEventName::Heartbeat, {}}); });
     m_returnTimer.setSingleShot(true);
     m_returnTimer.setInterval(returnPause);
     m_returnTimer.callOnTimeout(&m_connection, &MqttConnection::start);
@@ -167,28 +165,14 @@ void BrokerService::publishEvent(const StationEvent &event)
         qCCritical(stationLog, "The event %s cannot be sent: %s", qUtf8Printable(event.name), error.what());
         return;
     }
-    if (m_heartbeatTimer.isActive())
-        m_heartbeatTimer.start();
+    if (m_pulse.isRunning())
+        m_pulse.start(m_settings.heartbeat);
     using Outcome = MqttConnection::Publication::Outcome;
     const MqttConnection::Publication publication = m_connection.publish(message);
     if (publication.outcome == Outcome::TooLarge)
         qCCritical(stationLog, "The event %s is larger than the broker takes", qUtf8Printable(event.name));
     else if (publication.outcome == Outcome::Sent && statesHowThingsAre(event.name))
         m_onTheirWay.insert(publication.number, event.name);
-}
-
-/// The station's own thread has to answer: a station that hangs is as silent as one that is cut off.
-void BrokerService::askForHeartbeat()
-{
-    if (std::exchange(m_isHeartAsked, true))
-        return;
-    m_station.whenIdle([self = QPointer(this)] {
-        if (!self)
-            return;
-        self->m_isHeartAsked = false;
-        if (self->m_isServing)
-            self->publishEvent({StationEventName::Heartbeat, {}});
-    });
 }
 
 void BrokerService::noteAcknowledgement(int number, int reason)
@@ -208,9 +192,9 @@ void BrokerService::setServing(bool serving)
     if (std::exchange(m_isServing, serving) == serving)
         return;
     if (serving)
-        m_heartbeatTimer.start();
+        m_pulse.start(m_settings.heartbeat);
     else
-        m_heartbeatTimer.stop();
+        m_pulse.stop();
     emit servingChanged(serving);
 }
 

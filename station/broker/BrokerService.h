@@ -5,6 +5,7 @@
 #include "BrokerSettings.h"
 #include "StationMessage.h"
 #include "mqtt/MqttConnection.h"
+#include "service/StationPulse.h"
 
 #include <QElapsedTimer>
 #include <QHash>
@@ -51,14 +52,12 @@ private:
     void noteSubscription(const QString &filter, bool isTaken);
     void take(const MqttMessage &message);
     void raiseEvent(const StationEvent &event);
-    void askForHeartbeat();
     void publishEvent(const StationEvent &event);
     void noteAcknowledgement(int number, int reason);
     void setServing(bool serving);
     void leave();
 
     BrokerSettings m_settings;
-    StationThread &m_station;
     MqttConnection m_connection;
     BrokerPresence m_presence;
     BrokerCommands m_commands;
@@ -66,13 +65,12 @@ private:
     QHash<int, QString> m_onTheirWay; // names of such events by number of the publication
     QSet<QString> m_waiting; // names of such events that are newer than the one on its way
     QSet<QString> m_subscribed;
-    QTimer m_heartbeatTimer; // since the last event
+    StationPulse m_pulse; // since the last event; a station that hangs is as silent as one that is cut off
     QTimer m_returnTimer;
     QTimer m_endTimer;
     QString m_lastReason;
     bool m_isRefusalLogged = false; // of this connection
     bool m_isServing = false;
-    bool m_isHeartAsked = false; // and the station has not answered yet
     bool m_hasLeft = false;
     QElapsedTimer m_servedFirst; // since then
     bool m_isStopping = false;
