@@ -33,13 +33,15 @@ void FolderWatch::add(const QString &path)
               "are found by reading all of them only.");
 }
 
-void FolderWatch::watch(const QString &path, quint64 inode)
+bool FolderWatch::watch(const QString &path, quint64 inode)
 {
     const auto before = m_inodes.constFind(path);
-    if (before != m_inodes.cend() && *before != inode)
+    const bool isNew = before == m_inodes.cend() || *before != inode;
+    if (isNew && before != m_inodes.cend())
         m_watcher.removePath(path);
     m_inodes.insert(path, inode);
     add(path);
+    return isNew;
 }
 
 void FolderWatch::watchFile(const QString &path, const QString &name)

@@ -13,8 +13,9 @@ class FolderWatch : public QObject
 public:
     explicit FolderWatch(QObject *parent = nullptr);
 
-    /// Watches the folder @p path, anew where @p inode is another than before or the folder was away in between.
-    void watch(const QString &path, quint64 inode);
+    /// Watches the folder @p path, anew where @p inode is another than before or the folder was away in between. True
+    /// where this very folder was not watched under that name: what changed in it so far was told to nobody.
+    bool watch(const QString &path, quint64 inode);
     /// Whether this very folder is watched under that name.
     bool isWatched(const QString &path, quint64 inode) const { return m_inodes.value(path) == inode; }
     bool isWatched(const QString &path) const { return m_inodes.contains(path); }

@@ -99,22 +99,35 @@ bool PlaceReader::isUsable(ReadResult result, const IndexedPlace &place, const Q
     return false;
 }
 
+/// The folders in @p path, which is watched from now on; none where it cannot be read. Where it was not watched before,
+/// it is read again: what came in between was told to nobody.
+std::optional<SubFolders> PlaceReader::readWatched(const QString &path, const IndexedPlace &place)
+{
+    while (true) {
+        SubFolders read = readFolders(path);
+        if (!isUsable(read.result, place, path))
+            return {};
+        if (read.result == ReadResult::Missing) {
+            m_watch.forget(path);
+            return read;
+        }
+        if (!m_watch.watch(path, identify(path).inode))
+            return read;
+    }
+}
+
 QList<ReadTask> PlaceReader::readPlace(const ReadTask &task, const IndexedPlace &place)
 {
     if (task.isDeep)
         m_incomplete.remove(place.number);
-    const SubFolders cameras = readFolders(place.root);
-    if (!isUsable(cameras.result, place, place.root))
+    const bool isAnother = !m_watch.isWatched(place.root, identify(place.root).inode);
+    std::optional<SubFolders> cameras = readWatched(place.root, place);
+    if (cameras && m_watch.watch(place.path, identify(place.path).inode))
+        cameras = readWatched(place.root, place); // it may be new
+    if (!cameras)
         return {};
-    if (cameras.result == ReadResult::Missing)
-        m_watch.forget(place.root);
-    const quint64 inode = identify(place.root).inode;
-    const bool isAnother = !m_watch.isWatched(place.root, inode);
-    m_watch.watch(place.path, identify(place.path).inode);
-    if (cameras.result == ReadResult::Done)
-        m_watch.watch(place.root, inode);
 
-    const QStringList gone = without(m_index.cameras(place.number), cameras.folders);
+    const QStringList gone = without(m_index.cameras(place.number), cameras->folders);
     if (!gone.isEmpty()) {
         write();
         m_index.removeCameras(place.number, gone);
@@ -122,7 +135,7 @@ QList<ReadTask> PlaceReader::readPlace(const ReadTask &task, const IndexedPlace 
     for (const QString &camera : gone)
         m_watch.forget(folderOf(place, camera));
     QList<ReadTask> tasks;
-    for (const SubFolder &camera : cameras.folders) {
+    for (const SubFolder &camera : std::as_const(cameras->folders)) {
         if (task.isDeep || isAnother || !m_watch.isWatched(folderOf(place, camera.name), camera.inode))
             tasks.append({ReadTask::Kind::Camera, place.number, true, camera.name});
     }
@@ -132,32 +145,28 @@ QList<ReadTask> PlaceReader::readPlace(const ReadTask &task, const IndexedPlace 
 QList<ReadTask> PlaceReader::readCamera(const ReadTask &task, const IndexedPlace &place)
 {
     const QString path = folderOf(place, task.camera);
-    SubFolders days = readFolders(path);
-    if (!isUsable(days.result, place, path))
+    std::optional<SubFolders> days = readWatched(path, place);
+    if (!days)
         return {};
-    days.folders.removeIf([](const SubFolder &folder) { return !isDayFolder(folder.name); });
+    days->folders.removeIf([](const SubFolder &folder) { return !isDayFolder(folder.name); });
 
     const QStringList known = m_index.days(place.number, task.camera);
-    const QStringList gone = without(known, days.folders);
+    const QStringList gone = without(known, days->folders);
     if (!gone.isEmpty()) {
         write();
         m_index.removeDays(place.number, task.camera, gone);
     }
     for (const QString &day : gone)
         m_watch.forget(folderOf(place, task.camera, day));
-    if (days.result == ReadResult::Missing) {
-        m_watch.forget(path);
-        return {};
-    }
     QList<ReadTask> tasks;
-    for (const SubFolder &day : std::as_const(days.folders)) {
+    for (const SubFolder &day : std::as_const(days->folders)) {
         const QString folder = folderOf(place, task.camera, day.name);
         const bool isAnother = m_watch.isWatched(folder) && !m_watch.isWatched(folder, day.inode);
         if (task.isDeep || isAnother || !known.contains(day.name))
             tasks.append({ReadTask::Kind::Day, place.number, true, task.camera, day.name});
     }
-    m_watch.watch(path, identify(path).inode);
-    watchDays(place, task.camera, days.folders);
+    if (days->result == ReadResult::Done)
+        watchDays(place, task.camera, std::move(days->folders));
     return tasks;
 }
 

@@ -7,6 +7,7 @@
 #include <QList>
 #include <QStringList>
 
+#include <optional>
 #include <utility>
 
 class FolderWatch;
@@ -66,6 +67,7 @@ private:
     QList<ReadTask> readCamera(const ReadTask &task, const IndexedPlace &place);
     void readDay(const ReadTask &task, const IndexedPlace &place);
     QList<ReadTask> readFile(const ReadTask &task, const IndexedPlace &place);
+    std::optional<SubFolders> readWatched(const QString &path, const IndexedPlace &place);
     void watchDays(const IndexedPlace &place, const QString &camera, QList<SubFolder> days);
     bool isUsable(ReadResult result, const IndexedPlace &place, const QString &path);
 
