@@ -47,9 +47,7 @@ RowFilter::RowFilter(QObject *parent)
 {
     connect(this, &RowFilter::filteringChanged, this, &RowFilter::arrangedChanged);
     connect(this, &RowFilter::rolesChanged, this, &RowFilter::arrangedChanged);
-    connect(this, &QAbstractItemModel::rowsInserted, this, &RowFilter::counted);
-    connect(this, &QAbstractItemModel::rowsRemoved, this, &RowFilter::counted);
-    connect(this, &QAbstractItemModel::modelReset, this, &RowFilter::counted);
+    countAfterChangesOf(this);
 }
 
 void RowFilter::setSourceModel(QAbstractItemModel *model)
@@ -57,13 +55,13 @@ void RowFilter::setSourceModel(QAbstractItemModel *model)
     for (const QMetaObject::Connection &connection : std::as_const(m_connections))
         disconnect(connection);
     m_connections.clear();
+    m_changing = 0;
     if (model) { // before the proxy's own, which sort
         const auto forget = [this] { forgetKeys(); };
         const auto find = [this] {
             forgetKeys();
             findRoles();
         };
-        const auto count = [this] { emit counted(); };
         m_connections = {connect(model, &QAbstractItemModel::modelReset, this, find),
                          connect(model, &QAbstractItemModel::layoutChanged, this, forget),
                          connect(model, &QAbstractItemModel::dataChanged, this, forget),
@@ -71,8 +69,7 @@ void RowFilter::setSourceModel(QAbstractItemModel *model)
                          connect(model, &QAbstractItemModel::rowsRemoved, this, forget),
                          connect(model, &QAbstractItemModel::rowsMoved, this, forget)};
         QSortFilterProxyModel::setSourceModel(model);
-        m_connections += {connect(model, &QAbstractItemModel::rowsInserted, this, count),
-                          connect(model, &QAbstractItemModel::rowsRemoved, this, count)};
+        m_connections += countAfterChangesOf(model);
     } else {
         QSortFilterProxyModel::setSourceModel(model);
     }
@@ -96,6 +93,26 @@ void RowFilter::findRoles()
 void RowFilter::forgetKeys()
 {
     m_keys.clear();
+}
+
+/// Views are told first: one that is laid out before, as the page around it counts the rows, would make its own from
+/// the wrong places. A slot that is connected when a change begins is called last when it ends.
+QList<QMetaObject::Connection> RowFilter::countAfterChangesOf(QAbstractItemModel *model)
+{
+    const auto after = [this, model](auto ends) {
+        return [this, model, ends] {
+            ++m_changing;
+            const auto count = [this] {
+                if (m_changing == 0 || --m_changing == 0)
+                    emit counted();
+            };
+            connect(model, ends, this, count, Qt::SingleShotConnection);
+        };
+    };
+    using Model = QAbstractItemModel;
+    return {connect(model, &Model::rowsAboutToBeInserted, this, after(&Model::rowsInserted)),
+            connect(model, &Model::rowsAboutToBeRemoved, this, after(&Model::rowsRemoved)),
+            connect(model, &Model::modelAboutToBeReset, this, after(&Model::modelReset))};
 }
 
 void RowFilter::arrange()

@@ -89,7 +89,7 @@ public:
 signals:
     void textChanged();
     void rolesChanged();
-    void counted();
+    void counted(); ///< after a change of the model: when its views, and those of the rows here, were told
     void filteringChanged();
     void arrangedChanged();
 
@@ -108,6 +108,7 @@ private:
     bool assign(NamedRole &named, const QString &role);
     void findRoles();
     void forgetKeys();
+    QList<QMetaObject::Connection> countAfterChangesOf(QAbstractItemModel *model);
     void arrange();
     void filterAnew(bool wasFiltering);
     int compareBy(int role, const QModelIndex &left, const QModelIndex &right) const;
@@ -125,6 +126,7 @@ private:
     QList<int> m_searchNumbers;
     bool m_isDescending = false;
     bool m_isBranched = false;
+    int m_changing = 0; // changes of the model and of the rows here that have begun
     QPersistentModelIndex m_held; // of the model
     QCollator m_collator;
     mutable QHash<std::pair<QModelIndex, int>, QCollatorSortKey> m_keys; // comparing by a language costs far more

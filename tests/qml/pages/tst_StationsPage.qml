@@ -129,6 +129,28 @@ PageTest {
         compare(part("stations").rows.nameOf(part("stations").currentIndex), "Bridge");
     }
 
+    function test_stationsComeOneAfterTheOther_data(): var {
+        return [{ tag: "the worst first", order: [2, 4, 1, 3, 0], place: "" },
+                { tag: "the worst last", order: [0, 3, 1, 4, 2], place: "" },
+                { tag: "in between", order: [0, 2, 3, 4, 1], place: "" },
+                { tag: "and one of them is wanted", order: [1, 3, 0, 2, 4], place: "d" }];
+    }
+
+    function test_stationsComeOneAfterTheOther(data): void {
+        server.setDirectStation("a");
+        open("StationsPage", { startPlace: data.place });
+        data.order.forEach((number, come) => {
+            server.setStations([stations[number]]);
+            tryCompare(part("stations"), "total", come + 1);
+            tryVerify(() => !isUnsettled(page));
+        });
+        page.refreshAll();
+        const list = part("stations").list;
+        tryVerify(() => names().every((name, row) => list.itemAtIndex(row)?.nameRole === name), 5000, "a row is another's");
+        compare(names(), ["Court", "Elm street", "Bridge", "Depot", "Airport"]);
+        tryCompare(list, "currentIndex", data.place === "" ? names().indexOf(stations[data.order[0]].name) : 3);
+    }
+
     function test_orders(): void {
         openStations();
         const card = part("stations");
