@@ -27,6 +27,7 @@ StationDirectory::StationDirectory(StationLink &link, StationCalls &calls, Statu
 {
     m_later.setSingleShot(true);
     m_later.callOnTimeout(this, &StationDirectory::flush);
+    connect(&m_link, &StationLink::completenessChanged, this, &StationDirectory::completenessChanged);
     connect(&m_link, &StationLink::presenceChanged, this, &StationDirectory::touch);
     connect(&m_link, &StationLink::directStationChanged, this, &StationDirectory::touch);
     const auto touchState = [this](const QString &relayPath, const StationState &state) {
@@ -144,7 +145,8 @@ void StationDirectory::noteEvent(const QString &event, const QVariant &data, con
     Record record = m_records.value(station);
     record.presence.relayPath = station;
     record.figures = StationFigures::of(*usage, data);
-    record.toldAt = QDateTime::currentDateTimeUtc();
+    const QDateTime toldAt = m_link.presence(station).figuresAt;
+    record.toldAt = toldAt.isValid() ? toldAt : QDateTime::currentDateTimeUtc();
     update(station, record);
     touch(station);
 }

@@ -25,7 +25,7 @@ public:
     {
         StationPresence presence; ///< whether it is up
         StationFigures figures; ///< as it told them last
-        QDateTime toldAt = {}; ///< when the figures came to this client; in UTC
+        QDateTime toldAt = {}; ///< when it told the figures, or where nobody says, when they came; in UTC
         int alarms = 0; ///< those that stand
         int errors = 0; ///< alarms that say that something is broken
         bool areAlarmsTold = false; ///< the station has told its own since it came up last, and its figures
@@ -47,6 +47,8 @@ public:
     int count() const { return static_cast<int>(m_records.size()); }
     /// The link reaches more stations than one, or might.
     bool isSite() const { return m_link.reachesMany() || m_records.size() > 1; }
+    /// Why there may be more, an English sentence; empty where these are all.
+    QString whyIncomplete() const { return m_link.whyIncomplete(); }
     /// An empty one where the station is not known.
     Record record(const QString &relayPath) const;
     /// How many stations are not up.
@@ -63,6 +65,7 @@ signals:
     /// What record() tells of these stations is new. Comes a moment after it, once for all changes of that moment.
     void changed(const QStringList &relayPaths);
     void siteChanged(); ///< isSite()
+    void completenessChanged(); ///< whyIncomplete()
 
 private:
     void touch(const QString &relayPath);

@@ -8,6 +8,7 @@
 #include <mqtt_protocol.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <mutex>
@@ -162,18 +163,18 @@ QString mqttErrorText(int code)
 
 QString mqttConnectError(const MqttSettings &settings, int code, const QString &detail)
 {
-    const bool isTls = code == MOSQ_ERR_TLS || (code == MOSQ_ERR_ERRNO && errno == EPROTO);
-    if (settings.isEncrypted && (isTls || !detail.isEmpty())) {
+    if (settings.isEncrypted && (code == MOSQ_ERR_TLS || !detail.isEmpty())) {
         const QString why = detail.section(u':', -1).trimmed();
         return QStringLiteral("no TLS with %1:%2: %3")
             .arg(settings.host)
             .arg(settings.port)
             .arg(why.isEmpty() ? mqttErrorText(code) : why);
     }
-    const bool isBrokenOff =
-        code == MOSQ_ERR_CONN_LOST || (code == MOSQ_ERR_ERRNO && (errno == 0 || errno == ECONNRESET || errno == EPIPE));
+    // What the broker says of the certificate can be lost with the connection; the library makes EPROTO of it at times.
+    constexpr std::array brokenOff{0, ECONNRESET, EPIPE, EPROTO};
+    const bool isBrokenOff = code == MOSQ_ERR_CONN_LOST
+        || (code == MOSQ_ERR_ERRNO && std::find(brokenOff.cbegin(), brokenOff.cend(), errno) != brokenOff.cend());
     if (settings.isEncrypted && isBrokenOff) {
-        // What the broker says of the certificate can be lost with the connection.
         return QStringLiteral("no TLS with %1:%2: the broker broke the connection off; it may want another certificate")
             .arg(settings.host)
             .arg(settings.port);

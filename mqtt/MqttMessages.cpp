@@ -20,6 +20,7 @@ const QString instance = QStringLiteral("instance");
 const QString startedAt = QStringLiteral("startedAt");
 const QString since = QStringLiteral("since");
 const QString heartbeat = QStringLiteral("heartbeat");
+const QString at = QStringLiteral("at");
 const QString says = QStringLiteral("says");
 } // namespace Key
 
@@ -119,12 +120,14 @@ ReplyPart replyFromMap(const QVariantMap &map)
 
 QVariantMap eventMap(const StationEvent &event)
 {
-    return {{Key::data, event.data}};
+    QVariantMap map{{Key::data, event.data}};
+    insertTime(map, Key::at, event.at);
+    return map;
 }
 
 StationEvent eventFromMap(const QString &name, const QVariantMap &map)
 {
-    return {name, map.value(Key::data)};
+    return {name, map.value(Key::data), timeIfThere(map, Key::at)};
 }
 
 QVariantMap statusMap(const StationStatus &status)

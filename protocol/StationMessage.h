@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDateTime>
 #include <QMetaType>
 #include <QString>
 #include <QVariant>
@@ -35,6 +36,7 @@ struct StationEvent
 {
     QString name; ///< as in a vocabulary
     QVariant data; ///< invalid: none
+    QDateTime at = {}; ///< when it was said, in UTC; over a broker, which may keep it for a while; else invalid
 };
 
 Q_DECLARE_METATYPE(StationCommand)

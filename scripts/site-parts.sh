@@ -187,7 +187,7 @@ wait_for_broker() {
 }
 
 write_broker_configuration() {
-    printf 'user %s\nlog_dest stderr\n' "$(id -un)"
+    printf 'user %s\nlog_dest stderr\npersistence_location %s/\n' "$(id -un)" "$site"
     sed -e "s#/etc/mosquitto/recording#$site#" -e "s#^listener .*#listener $port 127.0.0.1#" "$examples/mosquitto.conf"
 }
 

@@ -263,14 +263,16 @@ ExitCode runForEach(CommandRun &run)
     if (!pattern.isValid())
         return run.wrongUse(QStringLiteral("\"%1\" is no pattern: %2").arg(text, pattern.errorString()));
     QList<StationOutcome> outcomes;
-    const QList<ListedStation> stations = awaitStations(run, false);
-    for (const ListedStation &station : stations) {
+    const SiteList site = awaitStations(run, false);
+    if (!site.whyIncomplete.isEmpty())
+        return run.noAnswer(site.whyIncomplete);
+    for (const ListedStation &station : site.stations) {
         if (fits(station, pattern))
             outcomes.append({station});
     }
     if (outcomes.isEmpty())
         return run.refused(ToolErrorCode::NotFound,
-                           QStringLiteral("no station fits \"%1\"; there are %2").arg(text).arg(stations.size()));
+                           QStringLiteral("no station fits \"%1\"; there are %2").arg(text).arg(site.stations.size()));
     EachRun each(line, outcomes);
     QEventLoop loop;
     QObject::connect(&each, &EachRun::finished, &loop, &QEventLoop::quit);

@@ -32,6 +32,11 @@ void printText(const QString &text)
     write(stdout, text);
 }
 
+bool isOutputLost()
+{
+    return std::ferror(stdout) != 0;
+}
+
 void printError(const QString &message)
 {
     write(stderr, QStringLiteral("recordingctl: %1\n").arg(printable(message)));

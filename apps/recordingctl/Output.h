@@ -7,6 +7,8 @@
 void printLine(const QString &text);
 /// Writes @p text, which ends its own lines, to standard output.
 void printText(const QString &text);
+/// Whether something could not be written to standard output.
+bool isOutputLost();
 /// Writes one line to standard error, preceded by the tool's name.
 void printError(const QString &message);
 

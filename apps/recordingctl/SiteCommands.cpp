@@ -120,19 +120,28 @@ TextTable usageTable(const CommandRun &run, const QList<ListedStation> &stations
 
 } // namespace
 
-QList<ListedStation> awaitStations(CommandRun &run, bool withFigures)
+SiteList awaitStations(CommandRun &run, bool withFigures)
 {
-    const StationDirectory &directory = *run.session().stations();
+    const ClientSession &session = run.session();
+    const StationDirectory &directory = *session.stations();
     run.waitForStation(); // whether or not that one is up
     QEventLoop loop;
     QTimer quiet;
     quiet.setSingleShot(true);
     QObject::connect(&quiet, &QTimer::timeout, &loop, &QEventLoop::quit);
     const auto wait = [&] {
-        const bool isComplete = directory.count() > 0 && (!withFigures || directory.untold() == 0);
-        quiet.start(isComplete ? 300ms : 1500ms);
+        const StationState state = session.stationState();
+        const bool isOutOfReach = state.kind == StationState::Kind::Down && state.retryAt.isValid();
+        if (isOutOfReach)
+            quiet.start(0ms);
+        else if (!directory.whyIncomplete().isEmpty())
+            quiet.stop();
+        else
+            quiet.start(directory.count() > 0 && (!withFigures || directory.untold() == 0) ? 300ms : 1500ms);
     };
     QObject::connect(&directory, &StationDirectory::changed, &loop, wait);
+    QObject::connect(&directory, &StationDirectory::completenessChanged, &loop, wait);
+    QObject::connect(&session, &ClientSession::stationStateChanged, &loop, wait);
     QTimer::singleShot(run.line().timeout.value_or(defaultTimeout), &loop, &QEventLoop::quit);
     wait();
     loop.exec();
@@ -146,7 +155,7 @@ QList<ListedStation> awaitStations(CommandRun &run, bool withFigures)
         const int order = collator.compare(one.id, other.id);
         return order != 0 ? order < 0 : one.id < other.id;
     });
-    return stations;
+    return {stations, directory.whyIncomplete()};
 }
 
 QString stateWord(const StationState &state)
@@ -211,7 +220,10 @@ QJsonObject stationJson(const ListedStation &station)
 
 ExitCode showStations(CommandRun &run)
 {
-    const QList<ListedStation> stations = awaitStations(run, true);
+    const SiteList list = awaitStations(run, true);
+    if (!list.whyIncomplete.isEmpty())
+        return run.noAnswer(list.whyIncomplete);
+    const QList<ListedStation> &stations = list.stations;
     run.show({[&stations] {
                   QJsonArray array;
                   for (const ListedStation &station : stations)
@@ -224,7 +236,10 @@ ExitCode showStations(CommandRun &run)
 
 ExitCode showUsageOfAll(CommandRun &run)
 {
-    const QList<ListedStation> stations = awaitStations(run, true);
+    const SiteList list = awaitStations(run, true);
+    if (!list.whyIncomplete.isEmpty())
+        return run.noAnswer(list.whyIncomplete);
+    const QList<ListedStation> &stations = list.stations;
     run.show({[&] { return usageJson(run, stations); }, [&] { printText(usageTable(run, stations).toString()); }});
     return reportSilence(run, stations);
 }

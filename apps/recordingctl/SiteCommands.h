@@ -19,10 +19,17 @@ struct ListedStation
     QString shownId() const { return id.isEmpty() ? QStringLiteral("-") : id; } ///< one alone may have none
 };
 
-/// Waits until the client has heard of the site's stations: nothing new for a moment.
+/// The stations of a site.
+struct SiteList
+{
+    QList<ListedStation> stations; ///< by id in natural order
+    QString whyIncomplete; ///< why there may be more, a sentence; empty where these are all
+};
+
+/// Waits until the client has heard of the site's stations, and then until nothing is new for a moment. Not for a broker
+/// that cannot be reached.
 /// @param withFigures wait for what they tell of themselves, too
-/// @return them, by id in natural order
-QList<ListedStation> awaitStations(CommandRun &run, bool withFigures);
+SiteList awaitStations(CommandRun &run, bool withFigures);
 
 /// In a word, as "up"; why it is not, in @p since and the reason.
 QString stateWord(const StationState &state);

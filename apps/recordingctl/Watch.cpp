@@ -126,7 +126,7 @@ ExitCode watch(CommandRun &run)
             return; // the loop ends after what is being handled now
         happening.print(line);
         ++printed;
-        if (line.count && printed == *line.count)
+        if ((line.count && printed == *line.count) || isOutputLost())
             loop.quit();
     };
     const SignalTap tap(session.plugin(), [&](const QMetaMethod &signal, const QVariantList &arguments) {

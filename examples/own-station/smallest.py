@@ -62,7 +62,7 @@ def main():
         return cbor2.dumps({"state": state, **identity, **since})
 
     def tell_figures():  # of the paths of groups, that is none
-        client.publish(f"{topic}/events/VolumeChanged", cbor2.dumps({"data": []}), qos=1, retain=True)
+        client.publish(f"{topic}/events/VolumeChanged", cbor2.dumps({"data": [], "at": now()}), qos=1, retain=True)
 
     def on_connect(client, *_):
         client.subscribe([(f"{topic}/commands", 1), (f"{topic}/commands/+", 1)])

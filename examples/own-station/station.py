@@ -86,7 +86,7 @@ class Station:
         return self.client.publish(f"{self.topic}/status", self.status(state, since=now()), qos=1, retain=True)
 
     def publish_usage(self):
-        body = encode({"data": self.commands.usage()})
+        body = encode({"data": self.commands.usage(), "at": now()})
         self.client.publish(f"{self.topic}/events/VolumeChanged", body, qos=1, retain=True)
 
     def on_connect(self, client, userdata, flags, reason, properties):

@@ -40,6 +40,7 @@ MqttLink::MqttLink(const MqttSettings &settings, const QString &station, const C
     , m_followsOthers(client.followsOthers)
 {
     m_stations[m_direct].presence.relayPath = m_direct;
+    connect(&m_connection, &MqttConnection::published, this, &MqttLink::noteAcknowledgement);
     connect(&m_connection, &MqttConnection::stateChanged, this, &MqttLink::followConnection);
     connect(&m_connection, &MqttConnection::subscribed, this, &MqttLink::noteSubscription);
     connect(&m_connection, &MqttConnection::received, this, &MqttLink::take);
@@ -171,8 +172,10 @@ void MqttLink::followConnection()
         for (const QString &filter : {MqttTopics::replies(m_connection.clientId()), MqttTopics::everyStatus(),
                                       m_followsOthers ? MqttTopics::everyEvent() : MqttTopics::eventsOf(m_direct)})
             m_connection.subscribe(filter);
+        askForTheEnd();
         return;
     }
+    m_listing = Listing::UnderWay;
     if (m_connection.state().kind == MqttConnection::State::Kind::Off)
         return;
     if (m_brokerState.kind == StationState::Kind::Up) {
@@ -230,6 +233,46 @@ void MqttLink::noteSubscription(const QString &filter, bool isTaken)
     }
 }
 
+/// The broker tells a client in order: when this comes back, all that it keeps of stations has come before.
+void MqttLink::askForTheEnd()
+{
+    MqttMessage question;
+    question.topic = MqttTopics::replies(m_connection.clientId());
+    question.correlation = QUuid::createUuid().toRfc4122();
+    m_listing = Listing::UnderWay;
+    m_question = question.correlation;
+    m_questionNumber = m_connection.publish(question).number;
+}
+
+void MqttLink::noteAcknowledgement(int number, int reason)
+{
+    constexpr int firstFailure = 128;
+    if (number != m_questionNumber || reason < firstFailure || m_listing != Listing::UnderWay)
+        return;
+    m_listing = Listing::Unknown;
+    emit completenessChanged();
+}
+
+QString MqttLink::whyIncomplete() const
+{
+    const QString &host = m_connection.settings().host;
+    if (m_brokerState.kind != StationState::Kind::Up)
+        return m_brokerState.reason.isEmpty() ? QStringLiteral("The broker %1 has not answered yet.").arg(host)
+                                              : m_brokerState.reason;
+    switch (m_listing) {
+    case Listing::Complete:
+        break;
+    case Listing::UnderWay:
+        return QStringLiteral("The broker %1 has not told all its stations yet.").arg(host);
+    case Listing::Unknown:
+        return QStringLiteral(
+                   "Whether the broker %1 told all its stations is not known: it has to let this client write "
+                   "the topic %2, too.")
+            .arg(host, MqttTopics::replies(m_connection.clientId()));
+    }
+    return {};
+}
+
 /// Stations that were there before the connection was lost may need some time to come back.
 void MqttLink::settle()
 {
@@ -279,9 +322,12 @@ void MqttLink::take(const MqttMessage &message)
 {
     using AddressKind = MqttTopics::Address::Kind;
     const MqttTopics::Address address = MqttTopics::read(message.topic);
-    if (address.kind == AddressKind::Replies)
+    if (address.kind == AddressKind::Replies && message.correlation == m_question) {
+        m_listing = Listing::Complete;
+        emit completenessChanged();
+    } else if (address.kind == AddressKind::Replies) {
         m_commands.take(message);
-    else if (address.kind == AddressKind::Status)
+    } else if (address.kind == AddressKind::Status)
         takeStatus(address.station, message);
     else if (address.kind == AddressKind::Event)
         takeEvent(address.station, address.name, message);
@@ -298,7 +344,7 @@ void MqttLink::takeStatus(const QString &relayPath, const MqttMessage &message)
     try {
         status = statusFromMap(decodeBody(message.payload, message.contentType));
     } catch (const MessageError &error) {
-        qWarning("What the station %s says of itself cannot be read: %s", qUtf8Printable(relayPath), error.what());
+        noteUnreadableStatus(relayPath, error.text());
         return;
     }
     Station &station = m_stations[relayPath];
@@ -314,6 +360,7 @@ void MqttLink::takeStatus(const QString &relayPath, const MqttMessage &message)
     else if (!isLost || station.instance != status.instance)
         station.lostAt = {};
     station.instance = status.instance;
+    station.startedAt = status.startedAt;
     station.presence.relayPath = relayPath;
     station.presence.name = status.name;
     station.presence.address = status.address;
@@ -342,6 +389,21 @@ void MqttLink::takeStatus(const QString &relayPath, const MqttMessage &message)
     }
 }
 
+/// It is one of the broker's stations all the same, and what keeps this client from it has to be seen.
+void MqttLink::noteUnreadableStatus(const QString &relayPath, const QString &error)
+{
+    Station &station = m_stations[relayPath];
+    station.presence.relayPath = relayPath;
+    station.isHeard = true;
+    if (station.presence.state.kind == StationState::Kind::Up)
+        return;
+    station.patience = QDeadlineTimer(QDeadlineTimer::Forever);
+    setState(
+        relayPath,
+        {StationState::Kind::Down, QStringLiteral("What the station says of itself cannot be read: %1.").arg(error)},
+        {});
+}
+
 void MqttLink::takeEvent(const QString &relayPath, const QString &name, const MqttMessage &message)
 {
     if (message.payload.isEmpty())
@@ -362,10 +424,23 @@ void MqttLink::takeEvent(const QString &relayPath, const QString &name, const Mq
 void MqttLink::tellEvent(const QString &relayPath, const QString &name, const MqttMessage &message)
 {
     try {
-        emit eventReceived(relayPath, eventFromMap(name, decodeBody(message.payload, message.contentType)));
+        const StationEvent event = eventFromMap(name, decodeBody(message.payload, message.contentType));
+        if (name == ServerEvent::VolumeChanged)
+            noteFigures(relayPath, event, message.isRetained);
+        emit eventReceived(relayPath, event);
     } catch (const MessageError &error) {
         qWarning("An event of the station %s cannot be read: %s", qUtf8Printable(relayPath), error.what());
     }
+}
+
+/// What the broker kept may be old. Where it does not say of when it is, it is no older than the station's start.
+void MqttLink::noteFigures(const QString &relayPath, const StationEvent &event, bool isKept)
+{
+    const auto station = m_stations.find(relayPath);
+    if (station != m_stations.end())
+        station->presence.figuresAt = event.at.isValid() ? event.at
+            : isKept                                     ? station->startedAt
+                                                         : QDateTime::currentDateTimeUtc();
 }
 
 /// A station that was silent took the commands meanwhile, or not: they are sent again.

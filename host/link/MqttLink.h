@@ -7,6 +7,8 @@
 #include "mqtt/MqttConnection.h"
 #include "mqtt/MqttMessages.h"
 
+#include <QByteArray>
+#include <QDateTime>
 #include <QDeadlineTimer>
 #include <QElapsedTimer>
 #include <QHash>
@@ -33,6 +35,7 @@ public:
     QList<StationPresence> stations() const override;
     StationPresence presence(const QString &relayPath = {}) const override;
     bool reachesMany() const override { return true; }
+    QString whyIncomplete() const override;
     QString directStation() const override { return m_direct; }
     bool setDirectStation(const QString &relayPath) override;
     void send(quint64 correlation, const QString &relayPath, const StationCommand &command) override;
@@ -42,6 +45,7 @@ private:
     {
         StationPresence presence;
         QString instance;
+        QDateTime startedAt; // that instance
         QDateTime lostAt; // of that instance
         bool isHeard = false; // since the broker was connected last
         QDateTime upSince;
@@ -51,16 +55,23 @@ private:
         QDeadlineTimer awaited{0}; // likewise, for what happened to it while the broker was away
     };
 
+    /// What the broker keeps of stations: coming, here, or here at some time, as it does not take the question.
+    enum class Listing { UnderWay, Complete, Unknown };
+
     static Kind kind(const QString &scheme, bool isEncrypted);
     void followConnection();
     void followBrokerLoss();
     void noteSubscription(const QString &filter, bool isTaken);
+    void askForTheEnd();
+    void noteAcknowledgement(int number, int reason);
     void settle();
     void endPatience();
     void take(const MqttMessage &message);
     void takeStatus(const QString &relayPath, const MqttMessage &message);
+    void noteUnreadableStatus(const QString &relayPath, const QString &error);
     void takeEvent(const QString &relayPath, const QString &name, const MqttMessage &message);
     void tellEvent(const QString &relayPath, const QString &name, const MqttMessage &message);
+    void noteFigures(const QString &relayPath, const StationEvent &event, bool isKept);
     void noteEvent(const QString &relayPath);
     void lookForSilence();
     void noteMissing(const QString &relayPath);
@@ -82,5 +93,8 @@ private:
     QTimer m_patienceTimer;
     QElapsedTimer m_looked; // for silence
     bool m_isSettled = false;
+    Listing m_listing = Listing::UnderWay;
+    QByteArray m_question; // that ends it
+    int m_questionNumber = 0;
     bool m_hearsEvents = false; // over this connection; the broker's rules may keep them from this user
 };

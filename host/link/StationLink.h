@@ -97,6 +97,8 @@ public:
     virtual StationPresence presence(const QString &relayPath = {}) const;
     /// There may be more stations than those that were heard of. Here: false.
     virtual bool reachesMany() const { return false; }
+    /// Why stations() need not be all that there are, an English sentence; empty where they are. Here: empty.
+    virtual QString whyIncomplete() const { return {}; }
     /// The relay path of the directly connected station; empty where the link knows none.
     virtual QString directStation() const { return {}; }
     /// Makes the station behind @p relayPath the directly connected one, which empty relay paths mean from then on, and
@@ -126,6 +128,8 @@ signals:
     void stateChanged(const QString &relayPath, const StationState &state);
     /// Something that stations() tells of the station behind @p relayPath is new.
     void presenceChanged(const QString &relayPath);
+    /// whyIncomplete() is another.
+    void completenessChanged();
     /// Another station is the directly connected one.
     void directStationChanged(const QString &relayPath);
 };

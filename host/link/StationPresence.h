@@ -13,6 +13,7 @@ struct StationPresence
     QString version; ///< of its program; empty: not told
     StationState state; ///< how it can be reached
     QDateTime since = {}; ///< in UTC; since when it has been in that state; invalid: unknown
+    QDateTime figuresAt = {}; ///< in UTC; when it told its last "VolumeChanged"; invalid: not heard, or now
 
     bool operator==(const StationPresence &) const = default; ///< member by member
 };

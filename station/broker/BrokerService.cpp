@@ -6,6 +6,7 @@
 #include "mqtt/MqttTopics.h"
 #include "service/StationThread.h"
 
+#include <QDateTime>
 #include <QUuid>
 
 #include <utility>
@@ -139,8 +140,10 @@ void BrokerService::take(const MqttMessage &message)
 
 /// An event that says how things are waits for the one before it, and replaces what waits: a slow broker gets no more
 /// than it takes.
-void BrokerService::raiseEvent(const StationEvent &event)
+void BrokerService::raiseEvent(const StationEvent &raised)
 {
+    StationEvent event = raised;
+    event.at = QDateTime::currentDateTimeUtc();
     const bool isState = statesHowThingsAre(event.name);
     if (isState)
         m_states.insert(event.name, event);

@@ -51,7 +51,7 @@ private:
     void losePlace(const QString &reason);
     void noteSubscription(const QString &filter, bool isTaken);
     void take(const MqttMessage &message);
-    void raiseEvent(const StationEvent &event);
+    void raiseEvent(const StationEvent &raised);
     void publishEvent(const StationEvent &event);
     void noteAcknowledgement(int number, int reason);
     void setServing(bool serving);

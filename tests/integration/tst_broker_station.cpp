@@ -68,6 +68,9 @@ private slots:
     void aStationThatEndsSaysSo();
     void aStationThatIsKilledIsLost();
     void aStationThatHangsIsLost();
+    void figuresOfALostStationAreOfThen();
+    void theLastOfTheStationsIsKnown();
+    void aStatusThatCannotBeReadIsAStation();
     void aBrokerThatIsNotThereIsTold();
     void theLaterOfTwoStationsOfOneIdStops();
     void theFirstOfTwoStationsGoesOn();
@@ -320,6 +323,76 @@ void BrokerStationTest::aStationThatHangsIsLost()
     QTRY_VERIFY_WITH_TIMEOUT(client.isUp(), patience);
     QTRY_COMPARE_WITH_TIMEOUT(client.code(sent), ReturnCode::Success, patience);
     QVERIFY(!client.events.contains(u"north station.Heartbeat"_s)); // a matter of the link alone
+}
+
+/// Whoever comes later hears when they were told, and not when he heard of them.
+void BrokerStationTest::figuresOfALostStationAreOfThen()
+{
+    StationProcess &station = startStation(u"north"_s);
+    BrokerClient client(url(u"north"_s));
+    const auto figuresAt = [](BrokerClient &asker) { return asker.link().presence().figuresAt; };
+    QTRY_VERIFY_WITH_TIMEOUT(client.isUp(), patience);
+    client.send(ServerCommand::reloadStorageUsageInfo);
+    QTRY_VERIFY_WITH_TIMEOUT(figuresAt(client).isValid(), patience);
+    station.kill();
+    QTRY_COMPARE_WITH_TIMEOUT(client.link().state().kind, StationState::Kind::Down, patience);
+    const QDateTime lost = QDateTime::currentDateTimeUtc();
+    BrokerClient later(url(u"north"_s));
+    QTRY_VERIFY_WITH_TIMEOUT(later.lastData.contains(u"north VolumeChanged"_s), patience);
+    QCOMPARE(later.link().state().kind, StationState::Kind::Down);
+    QVERIFY2(figuresAt(later).isValid() && figuresAt(later) <= lost, qPrintable(figuresAt(later).toString()));
+    QCOMPARE(figuresAt(later), figuresAt(client));
+}
+
+/// A broker hands out what it keeps bit by bit, and says nowhere that it is through.
+void BrokerStationTest::theLastOfTheStationsIsKnown()
+{
+    constexpr int many = 300;
+    Stranger stranger(m_broker->url());
+    QTRY_VERIFY_WITH_TIMEOUT(stranger.connection->isUp(), patience);
+    StationStatus status;
+    status.instance = u"one"_s;
+    status.startedAt = QDateTime::currentDateTimeUtc();
+    const MqttBody body = encodeBody(statusMap(status));
+    for (int number = 0; number < many; ++number) {
+        MqttMessage told;
+        told.topic = MqttTopics::status(QString::number(number));
+        told.payload = body.bytes;
+        told.contentType = body.contentType;
+        told.isRetained = true;
+        stranger.connection->publish(told);
+    }
+    stranger.connection->subscribe(MqttTopics::status(QString::number(many - 1)));
+    QTRY_VERIFY_WITH_TIMEOUT(!stranger.messages.isEmpty(), patience);
+    BrokerClient client(url(u"0"_s));
+    QVERIFY(!client.link().whyIncomplete().isEmpty());
+    qsizetype known = 0;
+    connect(&client.link(), &StationLink::completenessChanged, this, [&] { known = client.link().stations().size(); });
+    QTRY_COMPARE_WITH_TIMEOUT(client.link().whyIncomplete(), QString(), patience);
+    QCOMPARE(known, many);
+    m_broker->stop();
+    QTRY_VERIFY_WITH_TIMEOUT(client.link().whyIncomplete().contains(u"broker"_s), patience);
+}
+
+void BrokerStationTest::aStatusThatCannotBeReadIsAStation()
+{
+    startStation(u"north"_s);
+    Stranger stranger(m_broker->url());
+    QTRY_VERIFY_WITH_TIMEOUT(stranger.connection->isUp(), patience);
+    MqttMessage told;
+    told.topic = MqttTopics::status(u"odd"_s);
+    told.payload = "no map";
+    told.isRetained = true;
+    stranger.connection->publish(told);
+    BrokerClient client(url(u"north"_s));
+    QTRY_VERIFY_WITH_TIMEOUT(client.isUp(), patience);
+    QTRY_COMPARE_WITH_TIMEOUT(client.link().state(u"odd"_s).kind, StationState::Kind::Down, patience);
+    QTRY_VERIFY_WITH_TIMEOUT(client.reason(u"odd"_s).startsWith(u"What the station says of itself cannot be read: "_s),
+                             patience);
+    const int sent = client.send(ServerCommand::getVolume, {}, u"odd"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(client.code(sent), HostReturnCode::LinkDown, patience);
+    QTRY_COMPARE_WITH_TIMEOUT(client.link().whyIncomplete(), QString(), patience);
+    QCOMPARE(client.link().stations().size(), 2);
 }
 
 void BrokerStationTest::aBrokerThatIsNotThereIsTold()

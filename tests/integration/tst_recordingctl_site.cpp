@@ -41,6 +41,7 @@ private slots:
     void aStationIsNamed();
     void aStationThatIsNotThere();
     void watchOfAll();
+    void watchEndsWithItsOutput();
     void watchOfOne();
     void each();
     void eachThatIsDone();
@@ -143,6 +144,14 @@ void TestRecordingctlSite::watchOfAll()
     QCOMPARE(sources.size(), 12);
     QVERIFY(sources.contains("yard-1") && sources.contains("gate"));
     QCOMPARE(watched.exitCode, 0);
+}
+
+void TestRecordingctlSite::watchEndsWithItsOutput()
+{
+    const Run lost =
+        run({"-c", "exec '" RECORDINGCTL_SITE "' --connect site:yard-1 watch --all > /dev/full"}, {}, "/bin/sh");
+    QCOMPARE(lost.exitCode, 2);
+    QCOMPARE(lost.errors, "recordingctl: standard output could not be written\n");
 }
 
 void TestRecordingctlSite::watchOfOne()

@@ -2,6 +2,7 @@
 #include "ToolRun.h"
 
 #include <QDir>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 
 #include <csignal>
@@ -60,6 +61,8 @@ private slots:
     void clientsReachEveryStation();
     void aSecondStartSaysWhatRuns();
     void aLostStationIsNamed();
+    void aBrokerThatRefusesIsNoSiteOfOne();
+    void aLostStationOutlivesTheBroker();
     void aStartThatFailsLeavesNothing();
     void aFolderThatIsNoSiteIsLeftAlone();
     void wrongUseIsRefused_data();
@@ -162,6 +165,42 @@ void SiteTest::aLostStationIsNamed()
     QVERIFY2(site({}).errors.contains(u"station-2"_s), qPrintable(site({}).errors));
     QCOMPARE(site({u"--stop"_s}).exitCode, 0);
     QVERIFY(!QFileInfo::exists(m_site));
+}
+
+void SiteTest::aBrokerThatRefusesIsNoSiteOfOne()
+{
+    QCOMPARE(start(2).exitCode, 0);
+    QProcessEnvironment environment = environmentOf(m_site + u"/environment"_s);
+    environment.insert(u"RECORDING_BROKER_PASSWORD_FILE"_s, m_site + u"/viewer.password"_s);
+    for (const QStringList &command : {QStringList{u"stations"_s}, QStringList{u"usage"_s, u"--all"_s},
+                                       QStringList{u"each"_s, u"*"_s, u"--"_s, u"groups"_s}}) {
+        const Run refused = runIn(environment, RECORDINGCTL, command);
+        QCOMPARE(refused.exitCode, 3);
+        QCOMPARE(refused.output, QString());
+        QVERIFY2(refused.errors.contains(u"refuses the connection"_s), qPrintable(refused.errors));
+    }
+    QCOMPARE(ctl({u"each"_s, u"*"_s, u"--"_s, u"groups"_s}).exitCode, 0);
+}
+
+void SiteTest::aLostStationOutlivesTheBroker()
+{
+    QCOMPARE(start(2).exitCode, 0);
+    QVERIFY(kill(processOf(u"station-2"_s), SIGKILL) == 0);
+    QTRY_VERIFY(ctl({u"stations"_s}).errors.contains(u"station-2: down"_s));
+    const int broker = processOf(u"broker"_s);
+    QVERIFY(kill(broker, SIGTERM) == 0);
+    QTRY_COMPARE(processesOf(m_site + u"/broker.conf"_s), QStringList());
+    QProcess again;
+    again.setProcessChannelMode(QProcess::MergedChannels);
+    again.start(QStandardPaths::findExecutable(u"mosquitto"_s, {u"/usr/sbin"_s, u"/usr/local/sbin"_s, u"/usr/bin"_s}),
+                {u"-c"_s, m_site + u"/broker.conf"_s});
+    QVERIFY(again.waitForStarted());
+    QTRY_VERIFY_WITH_TIMEOUT(ctl({u"stations"_s}).output.contains(u"up "_s), 20'000);
+    const Run listed = ctl({u"stations"_s});
+    QCOMPARE(listed.exitCode, 1);
+    QVERIFY2(listed.errors.contains(u"station-2: down"_s), qPrintable(listed.errors));
+    again.terminate();
+    QVERIFY(again.waitForFinished());
 }
 
 void SiteTest::aStartThatFailsLeavesNothing()

@@ -124,8 +124,9 @@ QString MqttBroker::configuration() const
         lines += {QStringLiteral("listener %1 127.0.0.1").arg(m_port), QStringLiteral("allow_anonymous true"),
                   QStringLiteral("set_tcp_nodelay true"), QStringLiteral("max_queued_messages 100000")};
     else
-        lines.append(QString(m_example).replace(QStringLiteral("listener 8883"),
-                                                QStringLiteral("listener %1 localhost").arg(m_port)));
+        lines += {QStringLiteral("persistence_location %1/").arg(m_folder.path()),
+                  QString(m_example).replace(QStringLiteral("listener 8883"),
+                                             QStringLiteral("listener %1 localhost").arg(m_port))};
     return (lines + m_lines).join(u'\n') + u'\n';
 }
 
