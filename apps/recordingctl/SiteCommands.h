@@ -26,8 +26,8 @@ struct SiteList
     QString whyIncomplete; ///< why there may be more, a sentence; empty where these are all
 };
 
-/// Waits until the client has heard of the site's stations, and then until nothing is new for a moment. Not for a broker
-/// that cannot be reached.
+/// Waits until the client has heard of the site's stations, and then until nothing is new for a moment. Not for a
+/// broker that cannot be reached.
 /// @param withFigures wait for what they tell of themselves, too
 SiteList awaitStations(CommandRun &run, bool withFigures);
 
