@@ -104,6 +104,19 @@ QString lastGroup(Station &station)
     return groups.isEmpty() ? QString() : groups.back().toMap().value(QStringLiteral("recordingGroupID")).toString();
 }
 
+/// A disk that is slow for a moment has an edit refused as a whole; whoever wants it asks again.
+StationReply carryOutAtLast(Station &station, int edit, const QString &volume)
+{
+    constexpr int mostTries = 10;
+    StationReply reply;
+    for (int tried = 0; tried < mostTries; ++tried) {
+        reply = carryOut(station, edit, volume, lastGroup(station));
+        if (reply.returnCode != QStringLiteral("PathNotWritable"))
+            break;
+    }
+    return reply;
+}
+
 } // namespace
 
 /// A station that carries out the edits of EditSequence, and says the number of each once it was answered.
@@ -123,7 +136,7 @@ int main(int argc, char **argv)
                         {QStringLiteral("streams"), EditSequence::streams}});
     }
     for (int edit = arguments.value(3).toInt(); edit < EditSequence::length; ++edit) {
-        const StationReply reply = carryOut(station, edit, arguments.value(2), lastGroup(station));
+        const StationReply reply = carryOutAtLast(station, edit, arguments.value(2));
         if (reply.returnCode != QStringLiteral("0")) {
             std::fprintf(stderr, "edit %d: %s\n", edit, qPrintable(reply.returnCode));
             return 1;
